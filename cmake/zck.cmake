@@ -1,0 +1,58 @@
+# How every target of the project is compiled, and the few functions with which the folders declare their targets.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+find_package(Threads REQUIRED)
+
+# zck_room(<name> SOURCES <file>... [LINKS <target>...])
+# A room of the library: the static library zck_<name>. A file named *_avx2.cpp is compiled for that processor level; its
+# functions are called only where the level was found.
+function(zck_room name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_library(zck_${name} STATIC ${ARG_SOURCES})
+  zck_compile(zck_${name})
+  target_link_libraries(zck_${name} PUBLIC ${ARG_LINKS} Threads::Threads)
+  foreach(source IN LISTS ARG_SOURCES)
+    if(source MATCHES "_avx2\\.cpp$")
+      # GCC for Windows does not align the stack for 32-byte spills, hence the unaligned moves.
+      set_source_files_properties(${source} PROPERTIES COMPILE_OPTIONS
+          "-mavx2;-mfma;$<$<BOOL:${MINGW}>:-Wa,-muse-unaligned-vector-move>")
+    endif()
+  endforeach()
+endfunction()
+
+# zck_headers(<name> [LINKS <target>...]): a room without code.
+function(zck_headers name)
+  cmake_parse_arguments(ARG "" "" "LINKS" ${ARGN})
+  add_library(zck_${name} INTERFACE)
+  target_link_libraries(zck_${name} INTERFACE ${ARG_LINKS})
+endfunction()
+
+# zck_test(<name> SOURCES <file>... [LINKS <target>...] [LABELS <label>...])
+# One GoogleTest program per folder: the target test_<name>, run by CTest as one test.
+function(zck_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS;LABELS" ${ARGN})
+  add_executable(test_${name} ${ARG_SOURCES})
+  zck_compile(test_${name})
+  target_link_libraries(test_${name} PRIVATE ${ARG_LINKS} zck_gtest_main)
+  add_test(NAME ${name} COMMAND test_${name})
+  if(NOT ARG_LABELS)
+    set(ARG_LABELS unit)
+  endif()
+  set_tests_properties(${name} PROPERTIES LABELS "${ARG_LABELS}" TIMEOUT 900)
+endfunction()
+
+# Flags that every target takes.
+function(zck_compile target)
+  target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+  target_compile_options(${target} PRIVATE
+      -Wall -Wextra -Wconversion -Werror
+      # A fused multiply-add gives other bytes than a multiplication and an addition.
+      -ffp-contract=off
+      # The square root never reports to errno here, so that the compiler may use the instruction.
+      -fno-math-errno)
+endfunction()

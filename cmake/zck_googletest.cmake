@@ -1,0 +1,12 @@
+# The target zck_gtest_main: GoogleTest with its main function. Debian's package brings libraries for the machine itself
+# and the source, from which the libraries for Windows are built.
+if(CMAKE_CROSSCOMPILING)
+  set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
+  add_subdirectory(/usr/src/googletest ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
+  add_library(zck_gtest_main INTERFACE)
+  target_link_libraries(zck_gtest_main INTERFACE gmock gtest gtest_main)
+else()
+  find_package(GTest REQUIRED)
+  add_library(zck_gtest_main INTERFACE)
+  target_link_libraries(zck_gtest_main INTERFACE GTest::gmock GTest::gtest GTest::gtest_main)
+endif()

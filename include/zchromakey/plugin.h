@@ -1,0 +1,37 @@
+// `IZPlugin` and `IZChromaKey`: the two faces of the keyer. A host puts frames in through the first and sets the key
+// through the second; both are views of one object of class `CLSID_ZChromaKey`.
+#pragma once
+
+#include "zchromakey/frame.h"
+#include "zchromakey/key.h"
+
+/// The road of the frames.
+struct IZPlugin : IUnknown {
+    /// Keys a frame. The input frame is never changed; the result is a new `eZFCC_ARGB32` frame with premultiplied colour.
+    ///
+    /// With the property `output.thread` true (the default) the host gets each frame one call late: the first call returns
+    /// `S_FALSE` and leaves `_ppFrameRes` as it is. `S_FALSE` also says that the frame was dropped because the output thread
+    /// was busy for more than 1000 ms. With `output.thread` false the call keys and returns the frame itself.
+    /// `E_INVALIDARG` for a null frame or a null result pointer. `_llCallbackUserData` and `_pSender` are ignored.
+    virtual HRESULT Z_STDCALL OnMediaReceive(int64_t _llCallbackUserData, IUnknown *_pSender, IZFrame *_pFrame,
+                                             IZFrame **_ppFrameRes) = 0;
+    /// End of the media, or the sender was disconnected. Does nothing; `S_OK`.
+    virtual HRESULT Z_STDCALL OnMediaEnd(int64_t _llCallbackUserData, IUnknown *_pSender, uint32_t _dwFlags) = 0;
+    /// Does nothing; a pending frame stays pending. `S_OK`.
+    virtual HRESULT Z_STDCALL OnMediaFlush(int64_t _llCallbackUserData, IUnknown *_pSender, uint32_t _dwFlags) = 0;
+};
+Z_INTERFACE_ID(IZPlugin, 0x6B0F1D32, 0x8E54, 0x4C1B, 0x9A, 0x3E, 0x51, 0x07, 0xD2, 0xA4, 0x88, 0x06);
+
+/// The key of the plug-in. A key that is set takes effect at the next frame.
+struct IZChromaKey : IUnknown {
+    /// Takes the key of a key object, or with null resets the key. `S_OK`.
+    virtual HRESULT Z_STDCALL KeySet(IZKey *_pKeyObject) = 0;
+    /// A key object with the plug-in's key and properties, on the last input frame or on `_pZFrameForAdjustOrNull`.
+    /// `_bsProps` overrides properties, such as "background='path'".
+    virtual HRESULT Z_STDCALL KeyGet(IUnknown *_pZFrameForAdjustOrNull, IZKey **_ppKeyObject, BSTR _bsProps) = 0;
+    /// Takes the key from a record. `E_POINTER` for null.
+    virtual HRESULT Z_STDCALL KeyRawSet(CHROMA_KEY_RAW *_pvmKey) = 0;
+    /// Gives the key as a record, just as it was set. `E_POINTER` for null.
+    virtual HRESULT Z_STDCALL KeyRawGet(CHROMA_KEY_RAW *_pvmKey) = 0;
+};
+Z_INTERFACE_ID(IZChromaKey, 0x6B0F1D32, 0x8E54, 0x4C1B, 0x9A, 0x3E, 0x51, 0x07, 0xD2, 0xA4, 0x88, 0x07);
