@@ -131,6 +131,13 @@ inline uint32_t SysStringByteLen(BSTR text) {
 
 inline uint32_t SysStringLen(BSTR text) { return SysStringByteLen(text) / static_cast<uint32_t>(sizeof(OLECHAR)); }
 
+extern "C" {
+/// The class factory of one of the module's classes. `CLASS_E_CLASSNOTAVAILABLE` for an identifier that is none of them.
+Z_EXPORT HRESULT DllGetClassObject(REFCLSID rclsid, REFIID riid, void **ppv);
+/// `S_OK` when no object of the module lives and no factory holds a lock, otherwise `S_FALSE`.
+Z_EXPORT HRESULT DllCanUnloadNow();
+}
+
 #endif
 
 static_assert(sizeof(OLECHAR) == 2 && sizeof(HRESULT) == 4 && sizeof(GUID) == 16);
