@@ -1,0 +1,60 @@
+#include "keying/pipeline/pipeline.h"
+
+#include <limits>
+
+#include "frames/media/video_props.h"
+#include "keying/pipeline/image_view.h"
+#include "keying/pipeline/plan.h"
+#include "keying/pipeline/plane_road.h"
+#include "platform/status.h"
+
+namespace zck {
+namespace {
+
+HRESULT KeyFields(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS &props, CHROMA_KEY_RAW key, bool writeAlpha,
+                  const KeyBounds &bounds) {
+    if (props.nRowBytes > std::numeric_limits<int32_t>::max() / 2) return E_INVALIDARG;
+    Z_VID_PROPS field = props;
+    field.nRowBytes *= 2;
+    field.nHeight /= 2;    // an odd last line belongs to no field
+    key.nInterlacedVideo = 0;
+    const HRESULT first = KeyImage(pixels, alpha, &field, &key, writeAlpha, bounds);
+    // Of a single line there is no second field to point at.
+    if (field.nHeight == 0) return first;
+    KeyBounds lower = bounds;
+    lower.pixelBytes -= props.nRowBytes;
+    lower.alphaBytes -= AlphaStride(props);
+    const HRESULT second = KeyImage(pixels + props.nRowBytes, alpha + AlphaStride(props), &field, &key, writeAlpha, lower);
+    return FAILED(first) ? first : second;
+}
+
+}    // namespace
+
+HRESULT CheckProps(const Z_VID_PROPS &props) {
+    if (props.nWidth < 0 || props.nRowBytes < 0 || props.nHeight == std::numeric_limits<int32_t>::min()) return E_INVALIDARG;
+    return AlphaStride(props) < props.nWidth ? E_INVALIDARG : S_OK;
+}
+
+HRESULT KeyImage(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS *props, const CHROMA_KEY_RAW *key, bool writeAlpha,
+                 const KeyBounds &bounds) {
+    if (pixels == nullptr || alpha == nullptr || props == nullptr || key == nullptr) return E_POINTER;
+    if (!IsKeyingType(key->eType)) return S_FALSE;
+    const HRESULT hr = CheckProps(*props);
+    if (FAILED(hr)) return hr;
+    return Guarded([&] {
+        if (key->nInterlacedVideo > 0) return KeyFields(pixels, alpha, *props, *key, writeAlpha, bounds);
+        const ImageView view = MakeView(pixels, alpha, props, AlphaStride(*props), bounds);
+        return KeyByPlanes(view, KeyPlanMake(*key), writeAlpha);
+    });
+}
+
+HRESULT CK_GetAlphaKeyEx3(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS *props, const CHROMA_KEY_RAW *key,
+                          bool writeAlpha) {
+    if (pixels == nullptr || alpha == nullptr || props == nullptr || key == nullptr) return E_POINTER;
+    const int64_t rows = props->nHeight < 0 ? -int64_t{props->nHeight} : props->nHeight;
+    constexpr int64_t kAnyRow = std::numeric_limits<int64_t>::max();
+    const KeyBounds bounds{rows * props->nRowBytes, rows * AlphaStride(*props), kAnyRow, kAnyRow};
+    return KeyImage(pixels, alpha, props, key, writeAlpha, bounds);
+}
+
+}    // namespace zck

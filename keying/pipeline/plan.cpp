@@ -1,0 +1,46 @@
+#include "keying/pipeline/plan.h"
+
+#include "keying/key/key.h"
+
+namespace zck {
+namespace {
+
+// Keys of type RGB hold red in the low byte, pixels hold blue there.
+int32_t SwapRedBlue(int32_t word) {
+    const auto w = static_cast<uint32_t>(word);
+    return static_cast<int32_t>((w & 0xFF00FF00U) | ((w & 0xFFU) << 16) | ((w >> 16) & 0xFFU));
+}
+
+void AddEntry(KeyPlan *plan, const SINGLE_KEY &entry, bool reverse) {
+    const bool swap = plan->type == eCKT_RGB;
+    const int32_t value = swap ? SwapRedBlue(entry.nValue) : entry.nValue;
+    const int32_t delta = swap ? SwapRedBlue(entry.nDelta) : entry.nDelta;
+    plan->entries[plan->count++] = {DistanceKeySetup(value, delta, entry.nSmoothRange), entry.nAlpha, reverse};
+}
+
+}    // namespace
+
+bool IsKeyingType(eCK_Type type) { return type == eCKT_RGB || type == eCKT_HLS || type == eCKT_YUV; }
+
+KeyPlan KeyPlanMake(const CHROMA_KEY_RAW &key) {
+    KeyPlan plan = {};
+    plan.type = key.eType;
+    for (int32_t i = 0; i < KeysUsed(key); ++i) {
+        const SINGLE_KEY &entry = key.arrKeys[i];
+        if (IsAlphaKey(entry)) {
+            plan.hasAlpha = true;
+            AddEntry(&plan, entry, false);
+        } else if (IsReverseKey(entry)) {
+            plan.hasReverse = true;
+            AddEntry(&plan, entry, true);
+        }
+        if (key.bColorCancel != 0 && IsSpillKey(entry)) plan.hasSpill = true;
+    }
+    plan.low = key.nMinTransparent;
+    plan.high = key.nMaxTransparent;
+    plan.edges = key.nEdgesSmooth;
+    plan.invert = (key.nInverseKey & 1) != 0;
+    return plan;
+}
+
+}    // namespace zck
