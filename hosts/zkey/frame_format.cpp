@@ -1,0 +1,155 @@
+#include "hosts/zkey/frame_format.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+
+#include "hosts/zkey/failure.h"
+#include "hosts/zkey/text.h"
+
+namespace zkey {
+namespace {
+
+constexpr std::array<NamedFormat, 12> kFormats = {{
+    {"RGB24", eZFCC_RGB24, eZFCC_RGB24, "blue, green, red"},
+    {"RGB32", eZFCC_RGB32, eZFCC_RGB32, "blue, green, red, unused"},
+    {"ARGB32", eZFCC_ARGB32, eZFCC_ARGB32, "blue, green, red, alpha"},
+    {"UYVY", eZFCC_UYVY, eZFCC_UYVY, "4:2:2, BT.601: Cb Y Cr Y"},
+    {"HDYC", eZFCC_HDYC, eZFCC_HDYC, "4:2:2, BT.709: Cb Y Cr Y"},
+    {"YUY2", eZFCC_YUY2, eZFCC_YUY2, "4:2:2, BT.601: Y Cb Y Cr"},
+    {"YVYU", eZFCC_YVYU, eZFCC_YUY2, "4:2:2, BT.601: Y Cr Y Cb"},
+    {"v210", eZFCC_v210, eZFCC_v210, "4:2:2, BT.601, 10 bits"},
+    {"I420", eZFCC_I420, eZFCC_RGB32, "4:2:0 planes Y, Cb, Cr"},
+    {"YV12", eZFCC_YV12, eZFCC_RGB32, "4:2:0 planes Y, Cr, Cb"},
+    {"NV12", eZFCC_NV12, eZFCC_RGB32, "4:2:0 planes Y, Cb and Cr in turn"},
+    {nullptr, eZFCC_Default, eZFCC_Default, nullptr},
+}};
+
+bool IsPlanar(eZFCC fcc) { return fcc == eZFCC_I420 || fcc == eZFCC_YV12 || fcc == eZFCC_NV12; }
+
+int64_t PipeRow64(eZFCC fcc, int64_t width) {
+    switch (fcc) {
+        case eZFCC_RGB24:
+            return width * 3;
+        case eZFCC_RGB32:
+        case eZFCC_ARGB32:
+            return width * 4;
+        case eZFCC_v210:
+            return (width + 47) / 48 * 128;
+        case eZFCC_I420:
+        case eZFCC_YV12:
+        case eZFCC_NV12:
+            return width;
+        default:
+            return (width + 1) / 2 * 4;
+    }
+}
+
+[[noreturn]] void BadSpec(const std::string &text, const std::string &why) {
+    FailUsage("--raw " + text + ": " + why + " (FORMAT:WxH[@RATE][:top|bottom|progressive], such as UYVY:720x576@25:top)");
+}
+
+int32_t ParseSide(const std::string &spec, std::string_view text) {
+    int32_t value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (text.empty() || error != std::errc() || end != text.data() + text.size()) {
+        BadSpec(spec, "\"" + std::string(text) + "\" is no size");
+    }
+    if (value < 1) BadSpec(spec, "the size is too small");
+    if (value > 32768) BadSpec(spec, "the size is too large");
+    return value;
+}
+
+eZInterlace ParseScan(const std::string &spec, std::string_view text) {
+    if (SameWord(text, "top")) return eZI_Field1First;
+    if (SameWord(text, "bottom")) return eZI_Field2First;
+    if (SameWord(text, "progressive")) return eZI_Progressive;
+    BadSpec(spec, "\"" + std::string(text) + "\" is no field order");
+}
+
+}    // namespace
+
+const NamedFormat *FormatTable() { return kFormats.data(); }
+
+const NamedFormat *FormatByName(std::string_view name) {
+    for (const NamedFormat &f : kFormats) {
+        if (f.name != nullptr && SameWord(f.name, name)) return &f;
+    }
+    return nullptr;
+}
+
+std::optional<Rational> ParseRate(std::string_view text) {
+    const std::size_t slash = text.find('/');
+    if (slash != std::string_view::npos) {
+        int32_t num = 0;
+        int32_t den = 0;
+        if (!ParseWhole(text.substr(0, slash), num) || !ParseWhole(text.substr(slash + 1), den) || num < 1 || den < 1)
+            return {};
+        return Rational{num, den};
+    }
+    double value = 0;
+    if (!ParseReal(text, value) || value < 0.01 || value > 100000) return {};
+    const double whole = std::round(value);
+    if (std::fabs(value - whole) < 1e-9) return Rational{static_cast<int32_t>(whole), 1};
+    // 23.976, 29.97, 59.94 and their kin stand for whole rates slowed down by 1001/1000.
+    const double drop = std::round(value * 1.001);
+    if (std::fabs(value * 1.001 - drop) < 0.005) return Rational{static_cast<int32_t>(drop) * 1000, 1001};
+    return Rational{static_cast<int32_t>(std::lround(value * 1000)), 1000};
+}
+
+RawSpec ParseRawSpec(const std::string &text) {
+    RawSpec spec;
+    const std::size_t colon = text.find(':');
+    if (colon == std::string::npos) BadSpec(text, "the size is missing");
+    const NamedFormat *format = FormatByName(std::string_view(text).substr(0, colon));
+    if (format == nullptr) BadSpec(text, "the format \"" + text.substr(0, colon) + "\" is unknown");
+    spec.fcc = format->fcc;
+
+    std::string size = text.substr(colon + 1);
+    if (const std::size_t scan = size.find(':'); scan != std::string::npos) {
+        spec.scan = ParseScan(text, size.substr(scan + 1));
+        size.resize(scan);
+    }
+    if (const std::size_t at = size.find('@'); at != std::string::npos) {
+        const std::optional<Rational> rate = ParseRate(std::string_view(size).substr(at + 1));
+        if (!rate) BadSpec(text, "\"" + size.substr(at + 1) + "\" is no rate");
+        spec.rate = *rate;
+        size.resize(at);
+    }
+    const std::size_t cross = size.find_first_of("xX");
+    if (cross == std::string::npos) BadSpec(text, "\"" + size + "\" is no size");
+    spec.width = ParseSide(text, std::string_view(size).substr(0, cross));
+    spec.height = ParseSide(text, std::string_view(size).substr(cross + 1));
+    return spec;
+}
+
+int32_t PipeRowBytes(eZFCC fcc, int32_t width) { return static_cast<int32_t>(PipeRow64(fcc, width)); }
+
+int64_t PipeFrameBytes(eZFCC fcc, int32_t width, int32_t height) {
+    if (!IsPlanar(fcc)) return PipeRow64(fcc, width) * height;
+    const int64_t chroma = int64_t{(width + 1) / 2} * ((height + 1) / 2);
+    return int64_t{width} * height + 2 * chroma;
+}
+
+int32_t LibraryRowBytes(eZFCC fcc, int32_t width) { return (PipeRowBytes(fcc, width) + 3) & ~3; }
+
+Z_VID_PROPS DescribeFrame(eZFCC fcc, int32_t width, int32_t height, eZInterlace scan, double rate) {
+    Z_VID_PROPS props{};
+    props.eVideoFormat = eZVF_Custom;
+    props.fccType = fcc;
+    props.nWidth = width;
+    props.nHeight = IsRgb(fcc) ? -height : height;
+    props.nRowBytes = LibraryRowBytes(fcc, width);
+    props.eInterlace = scan;
+    props.dblRate = rate;
+    return props;
+}
+
+int64_t FrameBytes(const Z_VID_PROPS &props) { return int64_t{props.nRowBytes} * std::abs(props.nHeight); }
+
+bool IsRgb(eZFCC fcc) { return fcc == eZFCC_RGB24 || fcc == eZFCC_RGB32 || fcc == eZFCC_ARGB32; }
+
+bool IsInterlaced(eZInterlace scan) { return scan == eZI_Field1First || scan == eZI_Field2First; }
+
+}    // namespace zkey

@@ -1,0 +1,100 @@
+#include "hosts/zkey/help.h"
+
+#include "hosts/zkey/colours.h"
+#include "hosts/zkey/frame_format.h"
+#include "hosts/zkey/media.h"
+
+namespace zkey {
+namespace {
+
+constexpr const char *kVersion = "1.0.0";
+
+constexpr const char *kGeneral = R"(zkey: takes a coloured screen out of clips and pictures
+
+  zkey key INPUT -o OUTPUT [options]   keys a clip or a picture
+  zkey key --help                      all options
+  zkey --version                       version and what it was built with
+
+A first try:  zkey key interview.mp4 -o interview.mov
+It looks for a green or blue screen, says what it found, and writes a clip with transparency.
+)";
+
+constexpr const char *kKey = R"(zkey key INPUT -o OUTPUT [options]
+
+INPUT is any clip or picture that FFmpeg's libraries read, a YUV4MPEG2 clip (.y4m, or - for standard input),
+or raw frames with --raw.
+
+Output
+  -o, --output NAME   what to write, by its name:
+                        .mov          clip with alpha, ProRes 4444 (--codec qtrle or png: lossless)
+                        .webm         clip with alpha, VP9
+                        .mkv          clip with alpha, lossless FFV1
+                        .png          one picture; out_%04d.png: a numbered sequence
+                        .mp4          needs --over or --matte, since it holds no alpha
+                        .y4m          needs --over or --matte
+                        .raw or -     raw frames: blue, green, red, alpha, as they leave the keyer
+  -f, --format NAME   the same by format: raw, y4m, or a container of FFmpeg
+      --codec NAME    another encoder of FFmpeg
+      --over WHAT     composes over a colour, over "checker", or over a picture or clip
+      --matte         writes the matte alone: white figure, black screen
+      --alpha KIND    straight or premultiplied colour. By default files get straight, raw frames premultiplied
+      --no-audio      leaves sound out; otherwise it is copied where the output can hold it
+      --frames N      stops after N frames
+
+The key. Without --color the screen is looked for at the border of the first picture.
+  -c, --color COLOUR  the colour to take out: RRGGBB or a name. Up to 16; each may be followed by its own
+                      --tolerance, --softness, --reverse and --set
+  -t, --tolerance N   how far a colour may lie from that and still be wholly transparent, 0 to 255 (24).
+                      Brightness may differ by 2 N. Raise it when parts of the screen stay; lower it when holes
+                      appear in the figure. Three numbers, as 60,20,20, set the channels of the type one by one
+  -s, --softness N    how wide the passage from transparent to solid is, 0 to 255 (40). 0 gives a hard edge;
+                      raise it for hair, smoke and motion blur
+      --reverse       this colour is protected: it stays, whatever the other colours say
+      --type TYPE     how colours are compared: YUV (brightness and two colour differences; forgiving to
+                      uneven light), HLS (hue, lightness, saturation), RGB, or Alpha (no keying)
+      --set FIELD=N   a field of the key by its name. For the whole key:
+                        nMinTransparent  alpha below it becomes 0: cleans a noisy screen (16)
+                        nMaxTransparent  alpha above it becomes 255: fills a figure with faint holes (235)
+                        nEdgesSmooth     rounds of smoothing of the edge (0)
+                        nInverseKey      1 swaps figure and screen
+                        bColorCancel     1 takes the screen's colour out of the edge, with nCancel... below
+                      for the last colour:
+                        nAlpha           keeps that much of the screen, 0 to 255
+                        nCancelRange nCancelPower nCancelChroma nCancelLuma nCancelAlpha
+                        nValue nDelta nSmoothRange nReverseKey   what the options above set, as raw numbers
+
+The engine
+      --prop NAME=VALUE   a property of the keyer, such as process.threads=4, output.thread=true, or
+                          keying.borders="16 0 16 0" (left, top, right, bottom: keyed inside only)
+      --exact             frames are handed over at their own size. By default they are padded to whole blocks
+                          and cropped again, so that no strip at the edge is left unkeyed
+
+Raw frames
+      --raw FORMAT:WxH[@RATE][:top|bottom|progressive]
+                          INPUT (a file or -) holds frames without headers, top row first, rows without padding
+)";
+
+std::string Formats() {
+    std::string out = "                          formats:\n";
+    for (const NamedFormat *f = FormatTable(); f->name != nullptr; ++f) {
+        std::string name(f->name);
+        name.resize(8, ' ');
+        out += "                            " + name + f->help + "\n";
+    }
+    return out;
+}
+
+}    // namespace
+
+std::string GeneralHelp() { return kGeneral; }
+
+std::string KeyHelp() {
+    return std::string(kKey) + Formats() +
+           "\nOther\n  -q, --quiet   errors only\n  -h, --help    this text\n\nColour names: " + ColourNames() +
+           ".\n\nExit status: 0 done, 1 a file or the keyer refused, 2 wrong command line, 130 stopped with Ctrl-C (what was\n"
+           "written so far plays).\n";
+}
+
+std::string VersionText() { return std::string("zkey ") + kVersion + ", " + LibavText() + "\n"; }
+
+}    // namespace zkey

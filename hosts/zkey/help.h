@@ -1,0 +1,12 @@
+// The help texts.
+#pragma once
+
+#include <string>
+
+namespace zkey {
+
+std::string GeneralHelp();
+std::string KeyHelp();
+std::string VersionText();
+
+}    // namespace zkey

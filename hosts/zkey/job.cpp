@@ -1,0 +1,233 @@
+#include "hosts/zkey/job.h"
+
+#include <algorithm>
+#include <deque>
+#include <exception>
+#include <mutex>
+#include <thread>
+
+#include "hosts/zkey/channel.h"
+#include "hosts/zkey/colours.h"
+#include "hosts/zkey/media.h"
+#include "hosts/zkey/padding.h"
+#include "hosts/zkey/plugin_door.h"
+#include "hosts/zkey/progress.h"
+#include "hosts/zkey/screen_guess.h"
+#include "hosts/zkey/system.h"
+#include "hosts/zkey/text.h"
+
+namespace zkey {
+namespace {
+
+/// A frame on its way, with the time at which it is shown.
+struct Passage {
+    Ref<IZFrame> frame;
+    int64_t time = 0;
+};
+
+constexpr std::size_t kFramesBetween = 3;    // enough to even out a slow frame; a frame can have 33 MB
+
+/// The smallest block that the library keys.
+constexpr int32_t kLeastExactWidth = 8;
+
+class Job {
+public:
+    explicit Job(const KeyCommand &command) : m_command(command), m_reader(OpenReader(command)) {
+        m_info = m_reader->Info();
+        if (IsStill(command.output, command.format)) m_limit = 1;
+        if (command.frames > 0 && m_limit == 0) m_limit = command.frames;
+        SetUpKeyer();
+    }
+
+    ExitStatus Run() {
+        std::optional<Passage> first = NextFrame();
+        if (!first) {
+            if (Interrupted()) return kExitInterrupted;
+            Fail(m_command.input + " holds no picture");
+        }
+        SetUpKey(first->frame.get());
+        SetUpOutput();
+        Work(std::move(*first));
+        return Report();
+    }
+
+private:
+    void SetUpKeyer() {
+        // This program overlaps reading, keying and writing by itself, and wants each frame's own status.
+        m_keyer.SetProp("output.thread", "false");
+        int32_t threads = 2;
+        if (!m_command.exact) {
+            threads = std::clamp(static_cast<int32_t>(std::thread::hardware_concurrency()), 2, 16);
+            // With several threads the engine inverts the matte twice, with one it does so once.
+            for (const FieldSetting &f : m_command.key.fields) {
+                if (SameWord(f.first, "nInverseKey") && (f.second & 1) != 0) threads = 1;
+            }
+            m_keyer.SetProp("process.threads", std::to_string(threads));
+        }
+        for (const auto &p : m_command.props) m_keyer.SetProp(p.first, p.second);
+        if (const auto set = m_keyer.Prop("process.threads")) ParseWhole(*set, threads);
+        if (threads < 1) FailUsage("--prop process.threads: give 1 to 16");
+        m_threads = std::min(threads, 16);
+        if (m_command.exact && (m_info.width < kLeastExactWidth || m_info.height < m_threads)) {
+            Fail("--exact: the size " + std::to_string(m_info.width) + "x" + std::to_string(m_info.height) +
+                 " is too small, the engine keys blocks of " + std::to_string(kLeastExactWidth) + " pixels and at least " +
+                 std::to_string(m_threads) + " rows");
+        }
+    }
+
+    std::optional<Passage> NextFrame() {
+        Arrival arrival;
+        if (Interrupted() || (m_limit > 0 && m_read == m_limit) || !m_reader->Next(arrival)) return std::nullopt;
+        ++m_read;
+        PictureSize size{m_info.width, m_info.height};
+        if (!m_command.exact) size = PaddedSize(m_info.width, m_info.height, m_threads, IsInterlaced(arrival.scan));
+        const Z_VID_PROPS props = DescribeFrame(arrival.fcc, size.width, size.height, arrival.scan, m_info.rate.Value());
+        uint8_t *pixels = nullptr;
+        Passage passage{m_keyer.NewFrame(props, pixels), arrival.time};
+        m_reader->Store(pixels, props);
+        RepeatEdges(pixels, props, m_info.width, m_info.height);
+        return passage;
+    }
+
+    void SetUpKey(IZFrame *first) {
+        std::optional<ScreenKey> screen;
+        if (m_command.key.NeedsScreen()) screen = FindScreen(first);
+        m_keyer.SetKey(BuildKey(m_command.key, screen));
+    }
+
+    ScreenKey FindScreen(IZFrame *first) {
+        const Ref<IZFrame> plain = m_keyer.Convert(first);
+        const eCK_Type type = m_command.key.type.value_or(kDefaultKeyType);
+        const auto guess = GuessScreen(Keyer::View(plain.get(), m_info.width, m_info.height), type);
+        if (!guess) {
+            Fail(
+                "no key given, and no green or blue screen found at the border of the first picture; name its colour with "
+                "--color");
+        }
+        if (!m_command.quiet) {
+            const auto &t = guess->key.tolerance;
+            Note("no key given, assumed the " + guess->name + " screen " + ColourText(guess->key.colour) + " (--color " +
+                 ColourText(guess->key.colour) + " --tolerance " + std::to_string(t[0]) + "," + std::to_string(t[1]) + "," +
+                 std::to_string(t[2]) + " --softness " + std::to_string(guess->key.softness) + ")");
+        }
+        return guess->key;
+    }
+
+    Finish WantedFinish() const {
+        if (m_command.matte) return Finish::Matte;
+        if (!m_command.over.empty()) return Finish::Over;
+        switch (m_command.alpha) {
+            case AlphaChoice::Straight:
+                return Finish::Straight;
+            case AlphaChoice::Premultiplied:
+                return Finish::Premultiplied;
+            default:
+                return NaturalAlpha(m_command.output, m_command.format);
+        }
+    }
+
+    void SetUpOutput() {
+        if (SameFile(m_command.input, m_command.output)) FailUsage("the output would overwrite the input " + m_command.input);
+        m_finish = WantedFinish();
+        if (m_finish == Finish::Over) m_background = OpenBackground(m_command.over, m_info.width, m_info.height);
+        if (m_limit == 1 && IsStill(m_command.output, m_command.format) && !m_info.still && !m_command.quiet) {
+            Note(m_command.output +
+                 " is one picture, so only the first frame is keyed; a name with %04d in it makes a sequence");
+        }
+        m_writer = OpenWriter({m_command.output, m_command.format, m_command.codec, m_finish, m_command.quiet, m_info});
+    }
+
+    /// Three threads in a row. The first failure stops all of them and is thrown at the end.
+    void Work(Passage first) {
+        const bool show = !m_command.quiet && ErrorIsTerminal();
+        m_progress.emplace(show, m_limit > 0 ? m_limit : m_info.frames);
+        std::thread reading([&] { Guarded([&] { ReadAll(std::move(first)); }); });
+        std::thread writing([&] { Guarded([&] { WriteAll(); }); });
+        Guarded([&] { KeyAll(); });
+        m_keyed.Close();
+        reading.join();
+        writing.join();
+        if (m_failure) std::rethrow_exception(m_failure);
+        m_writer->Close();
+    }
+
+    template <class Body>
+    void Guarded(Body body) {
+        try {
+            body();
+        } catch (...) {
+            const std::lock_guard lock(m_failureLock);
+            if (!m_failure) m_failure = std::current_exception();
+            m_arrived.Cancel();
+            m_keyed.Cancel();
+        }
+    }
+
+    void ReadAll(Passage first) {
+        std::optional<Passage> next(std::move(first));
+        while (next && m_arrived.Push(std::move(*next))) next = NextFrame();
+        m_arrived.Close();
+    }
+
+    void KeyAll() {
+        std::deque<int64_t> times;
+        const auto deliver = [&](Ref<IZFrame> keyed) {
+            const int64_t time = times.front();
+            times.pop_front();
+            return m_keyed.Push({std::move(keyed), time});
+        };
+        while (std::optional<Passage> next = m_arrived.Pop()) {
+            times.push_back(next->time);
+            Ref<IZFrame> keyed = m_keyer.Key(next->frame.get());
+            if (keyed && !deliver(std::move(keyed))) return;
+        }
+        Ref<IZFrame> last = m_keyer.Drain();
+        if (last && !times.empty()) deliver(std::move(last));
+    }
+
+    void WriteAll() {
+        Image finished;
+        while (std::optional<Passage> next = m_keyed.Pop()) {
+            const ImageView keyed = Keyer::View(next->frame.get(), m_info.width, m_info.height);
+            if (m_finish == Finish::Premultiplied) {
+                m_writer->Write(keyed, next->time);
+            } else {
+                FinishPicture(m_finish, keyed, m_background ? m_background->Next() : ImageView{}, finished);
+                m_writer->Write(finished.View(), next->time);
+            }
+            m_progress->Frame();
+        }
+    }
+
+    ExitStatus Report() {
+        m_progress->Done(m_command.output);
+        if (!Interrupted()) return kExitDone;
+        if (!m_command.quiet) {
+            Note("stopped after " + std::to_string(m_progress->Frames()) + " frames; " + m_command.output +
+                 " is complete up to there");
+        }
+        return kExitInterrupted;
+    }
+
+    const KeyCommand &m_command;
+    std::unique_ptr<MediaReader> m_reader;
+    SourceInfo m_info;
+    Keyer m_keyer;
+    int32_t m_threads = 2;
+    int64_t m_limit = 0;
+    int64_t m_read = 0;
+    Finish m_finish = Finish::Straight;
+    std::unique_ptr<Background> m_background;
+    std::unique_ptr<MediaWriter> m_writer;
+    std::optional<Progress> m_progress;
+    Channel<Passage> m_arrived{kFramesBetween};
+    Channel<Passage> m_keyed{kFramesBetween};
+    std::mutex m_failureLock;
+    std::exception_ptr m_failure;
+};
+
+}    // namespace
+
+ExitStatus RunKeyCommand(const KeyCommand &command) { return Job(command).Run(); }
+
+}    // namespace zkey

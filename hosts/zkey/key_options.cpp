@@ -1,0 +1,242 @@
+#include "hosts/zkey/key_options.h"
+
+#include <algorithm>
+
+#include "hosts/zkey/colours.h"
+#include "hosts/zkey/failure.h"
+#include "hosts/zkey/text.h"
+
+namespace zkey {
+namespace {
+
+constexpr std::size_t kMostKeys = 16;
+
+struct EntryField {
+    const char *name;
+    int32_t SINGLE_KEY::*member;
+};
+
+constexpr std::array<EntryField, 10> kEntryFields = {{{"nValue", &SINGLE_KEY::nValue},
+                                                      {"nDelta", &SINGLE_KEY::nDelta},
+                                                      {"nSmoothRange", &SINGLE_KEY::nSmoothRange},
+                                                      {"nAlpha", &SINGLE_KEY::nAlpha},
+                                                      {"nCancelRange", &SINGLE_KEY::nCancelRange},
+                                                      {"nCancelPower", &SINGLE_KEY::nCancelPower},
+                                                      {"nCancelChroma", &SINGLE_KEY::nCancelChroma},
+                                                      {"nCancelLuma", &SINGLE_KEY::nCancelLuma},
+                                                      {"nCancelAlpha", &SINGLE_KEY::nCancelAlpha},
+                                                      {"nReverseKey", &SINGLE_KEY::nReverseKey}}};
+
+struct RecordField {
+    const char *name;
+    int32_t CHROMA_KEY_RAW::*member;
+};
+
+constexpr std::array<RecordField, 6> kRecordFields = {{{"nMinTransparent", &CHROMA_KEY_RAW::nMinTransparent},
+                                                       {"nMaxTransparent", &CHROMA_KEY_RAW::nMaxTransparent},
+                                                       {"nEdgesSmooth", &CHROMA_KEY_RAW::nEdgesSmooth},
+                                                       {"bColorCancel", &CHROMA_KEY_RAW::bColorCancel},
+                                                       {"nInterlacedVideo", &CHROMA_KEY_RAW::nInterlacedVideo},
+                                                       {"nInverseKey", &CHROMA_KEY_RAW::nInverseKey}}};
+
+template <class Fields>
+auto FindField(const Fields &fields, std::string_view name) -> decltype(fields.data()) {
+    for (const auto &f : fields) {
+        if (SameWord(f.name, name)) return &f;
+    }
+    return nullptr;
+}
+
+template <class Fields>
+std::string Names(const Fields &fields) {
+    std::string out;
+    for (const auto &f : fields) out += (out.empty() ? "" : ", ") + std::string(f.name);
+    return out;
+}
+
+int32_t ParseByte(std::string_view option, std::string_view text) {
+    int32_t value = 0;
+    if (!ParseWhole(text, value) || value < 0 || value > 255) {
+        FailUsage(std::string(option) + ": \"" + std::string(text) + "\" is no number from 0 to 255");
+    }
+    return value;
+}
+
+int32_t Pack(int32_t low, int32_t middle, int32_t high) {
+    const auto byte = [](int32_t v) { return std::clamp(v, 0, 255); };
+    return byte(low) | (byte(middle) << 8) | (byte(high) << 16);
+}
+
+int32_t HlsValue(int32_t red, int32_t green, int32_t blue) {
+    const float r = static_cast<float>(red) / 255;
+    const float g = static_cast<float>(green) / 255;
+    const float b = static_cast<float>(blue) / 255;
+    const float most = std::max({r, g, b});
+    const float least = std::min({r, g, b});
+    const float c = most - least;
+    const float l = (most + least) / 2;
+    float h = 0;
+    float s = 0;
+    if (c > 0) {
+        s = l <= 0.5F ? c / (most + least) : c / (2 - (most + least));
+        h = r == most ? (g - b) * 60 / c : g == most ? 120 + (b - r) * 60 / c : (r - g) * 60 / c + 240;
+        if (h < 0) h += 360;
+    }
+    const auto byte = [](float v) { return static_cast<int32_t>(v + 0.499999F); };
+    return Pack(byte(h * 255 / 360), byte(l * 255), byte(s * 255));
+}
+
+/// The engine reads the bytes blue, green, red as if they were red, green, blue, and the key lives in that space.
+int32_t YuvValue(int32_t red, int32_t green, int32_t blue) {
+    const int32_t x0 = blue;
+    const int32_t x1 = green;
+    const int32_t x2 = red;
+    const int32_t t = 19595 * x0 + 38470 * x1 + 7471 * x2;
+    const int32_t u = 128 + (((((x2 << 16) - t + 32767) >> 16) * 32244) >> 16);
+    const int32_t v = 128 + (((((x0 << 16) - t + 32767) >> 16) * 57475) >> 16);
+    return Pack(t >> 16, u, v);
+}
+
+SINGLE_KEY BuildEntry(const KeyEntry &entry, eCK_Type type, const std::optional<ScreenKey> &screen) {
+    const bool found = !entry.colour && screen;
+    const std::array<int32_t, 3> fallback = found ? screen->tolerance : SpreadTolerance(type, kDefaultTolerance);
+    const std::array<int32_t, 3> tolerance = entry.tolerance.value_or(fallback);
+    SINGLE_KEY key{};
+    key.nValue = KeyValue(type, entry.colour.value_or(screen ? screen->colour : 0));
+    key.nDelta = Pack(tolerance[0], tolerance[1], tolerance[2]);
+    // A tolerance of 0 means the very colour; an all-zero width would switch the entry off.
+    if (key.nDelta == 0) key.nDelta = Pack(1, 1, 1);
+    key.nSmoothRange = entry.softness.value_or(found ? screen->softness : kDefaultSoftness);
+    key.nReverseKey = entry.reverse ? 1 : 0;
+    for (const FieldSetting &f : entry.fields) key.*(FindField(kEntryFields, f.first)->member) = f.second;
+    return key;
+}
+
+bool Protects(const KeyEntry &entry) {
+    bool reverse = entry.reverse;
+    for (const FieldSetting &f : entry.fields) {
+        if (SameWord(f.first, "nReverseKey")) reverse = f.second > 0;
+    }
+    return reverse;
+}
+
+}    // namespace
+
+KeyEntry &KeyOptions::Last() {
+    if (entries.empty()) entries.emplace_back();
+    return entries.back();
+}
+
+void KeyOptions::AddColour(std::string_view text) {
+    const std::optional<uint32_t> colour = ParseColour(text);
+    if (!colour) {
+        FailUsage("unknown colour \"" + std::string(text) + "\": give RRGGBB or one of " + ColourNames());
+    }
+    if (Last().colour) entries.emplace_back();
+    if (entries.size() > kMostKeys) FailUsage("--color: a key has 16 colours at most");
+    entries.back().colour = colour;
+}
+
+void KeyOptions::SetTolerance(std::string_view text) {
+    const std::size_t first = text.find(',');
+    if (first == std::string_view::npos) {
+        // Spread over the channels when the type is known; until then the first channel carries it.
+        Last().tolerance = {ParseByte("--tolerance", text), -1, -1};
+        return;
+    }
+    const std::size_t second = text.find(',', first + 1);
+    if (second == std::string_view::npos) FailUsage("--tolerance: give one number or three, as 40,20,20");
+    Last().tolerance = {ParseByte("--tolerance", text.substr(0, first)),
+                        ParseByte("--tolerance", text.substr(first + 1, second - first - 1)),
+                        ParseByte("--tolerance", text.substr(second + 1))};
+}
+
+void KeyOptions::SetSoftness(std::string_view text) { Last().softness = ParseByte("--softness", text); }
+
+void KeyOptions::SetReverse() { Last().reverse = true; }
+
+void KeyOptions::SetType(std::string_view text) {
+    if (SameWord(text, "RGB")) {
+        type = eCKT_RGB;
+    } else if (SameWord(text, "HLS")) {
+        type = eCKT_HLS;
+    } else if (SameWord(text, "YUV")) {
+        type = eCKT_YUV;
+    } else if (SameWord(text, "Alpha")) {
+        type = eCKT_Alpha;
+    } else {
+        FailUsage("--type: \"" + std::string(text) + "\" is none of RGB, HLS, YUV, Alpha");
+    }
+}
+
+void KeyOptions::SetField(std::string_view text) {
+    const std::size_t equals = text.find('=');
+    const std::string name(text.substr(0, equals));
+    int32_t value = 0;
+    if (equals == std::string_view::npos || !ParseWhole(text.substr(equals + 1), value)) {
+        FailUsage("--set " + std::string(text) + ": give NAME=NUMBER, as nEdgesSmooth=3");
+    }
+    if (FindField(kRecordFields, name) != nullptr) {
+        fields.emplace_back(name, value);
+    } else if (FindField(kEntryFields, name) != nullptr) {
+        Last().fields.emplace_back(name, value);
+    } else {
+        FailUsage("--set: the key has no field \"" + name + "\"; it has " + Names(kRecordFields) + ", and for each colour " +
+                  Names(kEntryFields));
+    }
+}
+
+bool KeyOptions::NeedsScreen() const {
+    if (type == eCKT_Alpha) return false;
+    return std::none_of(entries.begin(), entries.end(), [](const KeyEntry &e) {
+        const bool centre = e.colour || std::any_of(e.fields.begin(), e.fields.end(),
+                                                    [](const FieldSetting &f) { return SameWord(f.first, "nValue"); });
+        return centre && !Protects(e);
+    });
+}
+
+int32_t KeyValue(eCK_Type type, uint32_t colour) {
+    const auto red = static_cast<int32_t>((colour >> 16) & 255);
+    const auto green = static_cast<int32_t>((colour >> 8) & 255);
+    const auto blue = static_cast<int32_t>(colour & 255);
+    switch (type) {
+        case eCKT_HLS:
+            return HlsValue(red, green, blue);
+        case eCKT_YUV:
+            return YuvValue(red, green, blue);
+        default:
+            return Pack(red, green, blue);
+    }
+}
+
+std::array<int32_t, 3> SpreadTolerance(eCK_Type type, int32_t tolerance) {
+    const int32_t twice = std::min(2 * tolerance, 255);
+    switch (type) {
+        case eCKT_HLS:
+            return {tolerance, twice, twice};
+        case eCKT_YUV:
+            return {twice, tolerance, tolerance};
+        default:
+            return {tolerance, tolerance, tolerance};
+    }
+}
+
+CHROMA_KEY_RAW BuildKey(const KeyOptions &options, const std::optional<ScreenKey> &screen) {
+    CHROMA_KEY_RAW raw{};
+    raw.eType = options.type.value_or(kDefaultKeyType);
+    raw.nMinTransparent = 16;
+    raw.nMaxTransparent = 235;
+    std::vector<KeyEntry> entries = options.entries;
+    if (screen && std::all_of(entries.begin(), entries.end(), [](const KeyEntry &e) { return e.colour && Protects(e); })) {
+        entries.insert(entries.begin(), KeyEntry{});
+    }
+    if (entries.size() > kMostKeys) FailUsage("--color: a key has 16 colours at most");
+    for (KeyEntry &entry : entries) {
+        if (entry.tolerance && (*entry.tolerance)[1] < 0) entry.tolerance = SpreadTolerance(raw.eType, (*entry.tolerance)[0]);
+        raw.arrKeys[raw.nKeysUsed++] = BuildEntry(entry, raw.eType, screen);
+    }
+    for (const FieldSetting &f : options.fields) raw.*(FindField(kRecordFields, f.first)->member) = f.second;
+    return raw;
+}
+
+}    // namespace zkey

@@ -1,0 +1,67 @@
+// The key as the user describes it on the command line, and the record that the library computes from.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "zchromakey/key_types.h"
+
+namespace zkey {
+
+using FieldSetting = std::pair<std::string, int32_t>;
+
+/// One `--color` with the options that follow it.
+struct KeyEntry {
+    std::optional<uint32_t> colour;    ///< 0x00RRGGBB
+    std::optional<std::array<int32_t, 3>> tolerance;
+    std::optional<int32_t> softness;
+    bool reverse = false;
+    std::vector<FieldSetting> fields;    ///< fields of `SINGLE_KEY` by name, applied last
+};
+
+struct KeyOptions {
+    std::optional<eCK_Type> type;
+    std::vector<KeyEntry> entries;
+    std::vector<FieldSetting> fields;    ///< fields of `CHROMA_KEY_RAW` by name, applied last
+
+    /// `--color`: gives the last entry its colour if it has none yet, else starts a new entry.
+    void AddColour(std::string_view text);
+    void SetTolerance(std::string_view text);
+    void SetSoftness(std::string_view text);
+    void SetReverse();
+    void SetType(std::string_view text);
+    /// `--set NAME=VALUE`.
+    void SetField(std::string_view text);
+
+    /// True when no entry says what is to be keyed out, so that the screen has to be found in the picture.
+    bool NeedsScreen() const;
+
+private:
+    KeyEntry &Last();
+};
+
+/// A screen found in a picture: the key to use when none was given.
+struct ScreenKey {
+    uint32_t colour = 0;    ///< 0x00RRGGBB
+    std::array<int32_t, 3> tolerance{};
+    int32_t softness = 0;
+};
+
+inline constexpr eCK_Type kDefaultKeyType = eCKT_YUV;
+inline constexpr int32_t kDefaultTolerance = 24;
+inline constexpr int32_t kDefaultSoftness = 40;
+
+/// The colour as the centre of a key of this type, in the byte order of the record.
+int32_t KeyValue(eCK_Type type, uint32_t colour);
+/// One number for all channels: hue, or the two colour channels, take it as it is; brightness and saturation twice.
+std::array<int32_t, 3> SpreadTolerance(eCK_Type type, int32_t tolerance);
+
+/// The record. With `screen` the entries that lack a colour take it, and if all entries protect colours it goes before them.
+CHROMA_KEY_RAW BuildKey(const KeyOptions &options, const std::optional<ScreenKey> &screen);
+
+}    // namespace zkey

@@ -1,0 +1,147 @@
+#include "hosts/zkey/libav/clip.h"
+
+#include <cmath>
+#include <cstring>
+
+#include "hosts/zkey/failure.h"
+
+namespace zkey {
+namespace {
+
+AVRational SteadyRate(AVFormatContext *format, AVStream *stream) {
+    const AVRational guess = av_guess_frame_rate(format, stream, nullptr);
+    return guess.num > 0 && guess.den > 0 ? guess : AVRational{25, 1};
+}
+
+bool IsPicture(const AVFormatContext *format, const std::string &path) {
+    const std::string_view name = format->iformat->name;
+    return name.ends_with("_pipe") || (name == "image2" && path.find('%') == std::string::npos);
+}
+
+}    // namespace
+
+Clip::Clip(const std::string &path, bool audio) : m_path(path), m_frame(av_frame_alloc()), m_packet(av_packet_alloc()) {
+    av_log_set_level(AV_LOG_FATAL);
+    int error = avformat_open_input(&m_format, path.c_str(), nullptr, nullptr);
+    if (error < 0) {
+        Fail(error == AVERROR_INVALIDDATA ? path + " is no clip or picture that can be read"
+                                          : "cannot open " + path + ": " + LibavError(error));
+    }
+    try {
+        error = avformat_find_stream_info(m_format, nullptr);
+        if (error < 0) Fail("cannot read " + path + ": " + LibavError(error));
+        Describe(audio);
+    } catch (...) {
+        avformat_close_input(&m_format);
+        throw;
+    }
+}
+
+Clip::~Clip() { avformat_close_input(&m_format); }
+
+void Clip::Describe(bool audio) {
+    const AVCodec *codec = nullptr;
+    const int index = av_find_best_stream(m_format, AVMEDIA_TYPE_VIDEO, -1, -1, &codec, 0);
+    if (index == AVERROR_DECODER_NOT_FOUND) Fail("cannot decode " + m_path + ": no decoder for its pictures");
+    if (index < 0) Fail(m_path + " holds no picture");
+    m_stream = m_format->streams[index];
+    m_decoder.reset(avcodec_alloc_context3(codec));
+    avcodec_parameters_to_context(m_decoder.get(), m_stream->codecpar);
+    m_decoder->pkt_timebase = m_stream->time_base;
+    m_decoder->thread_count = 0;
+    const int error = avcodec_open2(m_decoder.get(), codec, nullptr);
+    if (error < 0) Fail("cannot decode " + m_path + ": " + LibavError(error));
+
+    m_info.width = m_decoder->width;
+    m_info.height = m_decoder->height;
+    if (m_info.width < 1 || m_info.height < 1) Fail("cannot decode " + m_path + ": its pictures have no size");
+    const AVRational rate = SteadyRate(m_format, m_stream);
+    const AVRational mean = m_stream->avg_frame_rate;
+    m_steady = mean.num <= 0 || mean.den <= 0 || std::fabs(av_q2d(mean) / av_q2d(rate) - 1) < 0.01;
+    m_info.rate = {rate.num, rate.den};
+    m_info.timeBase = m_steady ? Rational{rate.den, rate.num} : Rational{m_stream->time_base.num, m_stream->time_base.den};
+    const AVRational aspect = av_guess_sample_aspect_ratio(m_format, m_stream, nullptr);
+    if (aspect.num > 0 && aspect.den > 0) m_info.pixelAspect = {aspect.num, aspect.den};
+    m_info.still = IsPicture(m_format, m_path);
+    m_info.frames = m_info.still ? 1 : m_stream->nb_frames;
+    if (m_info.frames == 0 && m_format->duration > 0) {
+        m_info.frames = std::llround(static_cast<double>(m_format->duration) / AV_TIME_BASE * av_q2d(rate));
+    }
+
+    m_sound = audio ? av_find_best_stream(m_format, AVMEDIA_TYPE_AUDIO, -1, index, nullptr, 0) : -1;
+    if (m_sound >= 0) {
+        const AVStream *sound = m_format->streams[m_sound];
+        m_info.audio = std::make_shared<AudioTrack>(sound->codecpar, sound->time_base);
+    }
+    for (unsigned i = 0; i < m_format->nb_streams; ++i) {
+        const bool wanted = static_cast<int>(i) == index || static_cast<int>(i) == m_sound;
+        m_format->streams[i]->discard = wanted ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
+    }
+}
+
+AVFrame *Clip::Next() {
+    for (;;) {
+        av_frame_unref(m_frame.get());
+        const int got = avcodec_receive_frame(m_decoder.get(), m_frame.get());
+        if (got == 0) {
+            if (m_frame->width != m_info.width || m_frame->height != m_info.height) {
+                Fail(m_path + ": the size of the picture changes from " + std::to_string(m_info.width) + "x" +
+                     std::to_string(m_info.height) + " to " + std::to_string(m_frame->width) + "x" +
+                     std::to_string(m_frame->height));
+            }
+            StampTime();
+            return m_frame.get();
+        }
+        if (got == AVERROR_EOF) return nullptr;
+        if (got != AVERROR(EAGAIN)) Fail("cannot decode " + m_path + ": " + LibavError(got));
+        if (!FeedDecoder()) return nullptr;
+    }
+}
+
+bool Clip::FeedDecoder() {
+    while (!m_draining) {
+        const int error = av_read_frame(m_format, m_packet.get());
+        if (error < 0) {
+            // A file that breaks off ends here, with the pictures that it still gave.
+            m_draining = true;
+            return avcodec_send_packet(m_decoder.get(), nullptr) == 0;
+        }
+        if (m_packet->stream_index == m_sound) {
+            KeepSound();
+        } else if (m_packet->stream_index == m_stream->index) {
+            // A damaged packet costs its own picture; the decoder goes on with the next.
+            const int sent = avcodec_send_packet(m_decoder.get(), m_packet.get());
+            av_packet_unref(m_packet.get());
+            if (sent < 0 && sent != AVERROR_INVALIDDATA) Fail("cannot decode " + m_path + ": " + LibavError(sent));
+            return true;
+        }
+        av_packet_unref(m_packet.get());
+    }
+    return false;
+}
+
+void Clip::KeepSound() {
+    Libav<AVPacket> packet(av_packet_clone(m_packet.get()));
+    // Sound counts from the first picture, as the pictures do.
+    const int64_t origin = m_start != AV_NOPTS_VALUE ? m_start : m_stream->start_time;
+    if (packet && origin != AV_NOPTS_VALUE) {
+        const int64_t shift = av_rescale_q(origin, m_stream->time_base, m_info.audio->timeBase);
+        if (packet->pts != AV_NOPTS_VALUE) packet->pts -= shift;
+        if (packet->dts != AV_NOPTS_VALUE) packet->dts -= shift;
+    }
+    if (packet) m_info.audio->Put(std::move(packet));
+}
+
+void Clip::StampTime() {
+    const int64_t stamp = m_frame->best_effort_timestamp;
+    if (stamp == AV_NOPTS_VALUE) {
+        ++m_time;
+        return;
+    }
+    if (m_start == AV_NOPTS_VALUE) m_start = m_stream->start_time != AV_NOPTS_VALUE ? m_stream->start_time : stamp;
+    const AVRational unit{m_info.timeBase.num, m_info.timeBase.den};
+    const int64_t time = av_rescale_q_rnd(stamp - m_start, m_stream->time_base, unit, AV_ROUND_NEAR_INF);
+    m_time = std::max(time, m_time + 1);
+}
+
+}    // namespace zkey

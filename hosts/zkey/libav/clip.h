@@ -1,0 +1,53 @@
+// A clip or picture opened by FFmpeg's libraries: decoded pictures in order, sound on the side.
+#pragma once
+
+#include "hosts/zkey/libav/audio_track.h"
+#include "hosts/zkey/libav/libav.h"
+#include "hosts/zkey/media.h"
+#include "hosts/zkey/yuv_planes.h"
+
+namespace zkey {
+
+class Clip {
+public:
+    Clip(const std::string &path, bool audio);
+    ~Clip();
+    Clip(const Clip &) = delete;
+    Clip &operator=(const Clip &) = delete;
+
+    const SourceInfo &Info() const { return m_info; }
+    /// The next picture, or null at the end. Good until the next call; the caller may crop it.
+    AVFrame *Next();
+    /// When the picture that `Next` gave is shown, in units of the time base; always later than the one before.
+    int64_t Time() const { return m_time; }
+
+private:
+    void Describe(bool audio);
+    bool FeedDecoder();
+    void KeepSound();
+    void StampTime();
+
+    std::string m_path;
+    AVFormatContext *m_format = nullptr;
+    AVStream *m_stream = nullptr;
+    int m_sound = -1;
+    Libav<AVCodecContext> m_decoder;
+    Libav<AVFrame> m_frame;
+    Libav<AVPacket> m_packet;
+    SourceInfo m_info;
+    bool m_steady = true;    ///< every picture lasts equally long
+    bool m_draining = false;
+    int64_t m_start = AV_NOPTS_VALUE;    ///< time stamp of the first picture
+    int64_t m_time = -1;
+};
+
+/// Matrix and range of a picture.
+YuvMeaning MeaningOf(const AVFrame &frame);
+/// A conversion to 4 bytes a pixel (blue, green, red, and alpha if `to` has it) at another size, with the matrix and range
+/// of the picture. `cached` is taken and replaced.
+void ConvertPicture(const AVFrame &frame, AVPixelFormat to, int width, int height, uint8_t *dst, int step,
+                    Libav<SwsContext> &cached);
+/// `yuvj...` formats are their plain forms, with the range in the frame.
+AVPixelFormat PlainFormat(int format);
+
+}    // namespace zkey

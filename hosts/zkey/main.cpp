@@ -1,0 +1,47 @@
+#include <cstdio>
+#include <new>
+
+#include "hosts/zkey/failure.h"
+#include "hosts/zkey/help.h"
+#include "hosts/zkey/job.h"
+#include "hosts/zkey/progress.h"
+#include "hosts/zkey/system.h"
+
+namespace {
+
+using zkey::ExitStatus;
+
+ExitStatus Print(const std::string &text) {
+    std::fputs(text.c_str(), stdout);
+    return std::fflush(stdout) == 0 ? zkey::kExitDone : zkey::kExitFailed;
+}
+
+ExitStatus Run(const std::vector<std::string> &arguments) {
+    if (arguments.empty()) {
+        std::fputs(zkey::GeneralHelp().c_str(), stderr);
+        return zkey::kExitUsage;
+    }
+    const std::string &first = arguments[0];
+    if (first == "--help" || first == "-h" || first == "help") return Print(zkey::GeneralHelp());
+    if (first == "--version") return Print(zkey::VersionText());
+    if (first != "key") zkey::FailUsage("unknown command \"" + first + "\"; zkey --help lists them");
+    const zkey::KeyCommand command = zkey::ParseKeyCommand({arguments.begin() + 1, arguments.end()});
+    if (command.help) return Print(zkey::KeyHelp());
+    zkey::WatchInterrupt();
+    return zkey::RunKeyCommand(command);
+}
+
+}    // namespace
+
+int main(int argc, char **argv) {
+    zkey::SystemStart();
+    try {
+        return Run(zkey::Arguments(argc, argv));
+    } catch (const zkey::Failure &failure) {
+        zkey::Note(failure.what());
+        return failure.Status();
+    } catch (const std::bad_alloc &) {
+        zkey::Note("out of memory");
+        return zkey::kExitFailed;
+    }
+}

@@ -1,0 +1,58 @@
+#include "hosts/zkey/media.h"
+
+#include "hosts/zkey/colours.h"
+#include "hosts/zkey/failure.h"
+#include "hosts/zkey/text.h"
+
+namespace zkey {
+namespace {
+
+bool IsRaw(const std::string &path, const std::string &format) {
+    if (!format.empty()) return SameWord(format, "raw");
+    const std::string ext = ExtensionOf(path);
+    return ext == ".raw" || ext == ".bgra";
+}
+
+bool IsY4m(const std::string &path, const std::string &format) {
+    if (!format.empty()) return SameWord(format, "y4m");
+    return ExtensionOf(path) == ".y4m";
+}
+
+}    // namespace
+
+std::unique_ptr<MediaReader> OpenReader(const KeyCommand &command) {
+    if (command.raw) return OpenRawReader(command.input, *command.raw);
+    // A clip on standard input without a word about it is YUV4MPEG2; its first line tells whether that is true.
+    if (command.input == "-" || IsY4m(command.input, "")) return OpenY4mReader(command.input);
+    return OpenLibavReader(command.input, command.audio);
+}
+
+std::unique_ptr<MediaWriter> OpenWriter(const Delivery &delivery) {
+    if (delivery.path == "-" && delivery.format.empty()) return OpenRawWriter(delivery);
+    if (IsRaw(delivery.path, delivery.format)) return OpenRawWriter(delivery);
+    if (IsY4m(delivery.path, delivery.format)) return OpenY4mWriter(delivery);
+    if (delivery.path == "-") FailUsage("standard output takes raw frames or -f y4m");
+    return OpenLibavWriter(delivery);
+}
+
+std::unique_ptr<Background> OpenBackground(const std::string &what, int width, int height) {
+    if (SameWord(what, "checker")) return OpenCheckerBackground(width, height);
+    if (const auto colour = ParseColour(what)) return OpenPlainBackground(*colour, width, height);
+    return OpenFileBackground(what, width, height);
+}
+
+Finish NaturalAlpha(const std::string &path, const std::string &format) {
+    const bool raw = (path == "-" && format.empty()) || IsRaw(path, format);
+    return raw ? Finish::Premultiplied : Finish::Straight;
+}
+
+bool IsStill(const std::string &path, const std::string &format) {
+    if (!format.empty() || path.find('%') != std::string::npos) return false;
+    const std::string ext = ExtensionOf(path);
+    for (const char *still : {".png", ".jpg", ".jpeg", ".bmp", ".tif", ".tiff", ".webp", ".tga", ".ppm", ".pgm"}) {
+        if (ext == still) return true;
+    }
+    return false;
+}
+
+}    // namespace zkey

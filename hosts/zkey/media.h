@@ -1,0 +1,96 @@
+// Where pictures come from and where they go. Each kind of file or pipe is one reader or writer behind these interfaces;
+// which kinds there are, beyond raw frames and YUV4MPEG2, is decided when the program is built.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "hosts/zkey/composite.h"
+#include "hosts/zkey/frame_format.h"
+#include "hosts/zkey/options.h"
+
+namespace zkey {
+
+/// Sound that goes from the reader's file to the writer's untouched; known to those two only.
+struct AudioTrack;
+
+struct SourceInfo {
+    int32_t width = 0;
+    int32_t height = 0;
+    Rational rate{25, 1};
+    Rational timeBase{1, 25};    ///< unit of the pictures' times, in seconds
+    Rational pixelAspect{1, 1};
+    int64_t frames = 0;    ///< 0: unknown
+    bool still = false;    ///< one picture, not a clip
+    std::shared_ptr<AudioTrack> audio;
+};
+
+/// The next picture: what it will be handed over as, and when it is shown.
+struct Arrival {
+    eZFCC fcc = eZFCC_Default;
+    eZInterlace scan = eZI_Progressive;
+    int64_t time = 0;
+};
+
+class MediaReader {
+public:
+    virtual ~MediaReader() = default;
+    virtual const SourceInfo &Info() const = 0;
+    /// Fetches the next picture. False at the end.
+    virtual bool Next(Arrival &arrival) = 0;
+    /// Writes the fetched picture into a frame of the announced format and at least the announced size.
+    virtual void Store(uint8_t *pixels, const Z_VID_PROPS &props) = 0;
+};
+
+class MediaWriter {
+public:
+    virtual ~MediaWriter() = default;
+    /// One finished picture, 4 bytes a pixel.
+    virtual void Write(const ImageView &picture, int64_t time) = 0;
+    /// Completes the file. Without it a destructed writer leaves what there is.
+    virtual void Close() = 0;
+};
+
+/// A background of the size of the clip.
+class Background {
+public:
+    virtual ~Background() = default;
+    /// The picture behind the next frame; good until the next call.
+    virtual ImageView Next() = 0;
+};
+
+/// What the writer is asked for.
+struct Delivery {
+    std::string path;
+    std::string format;    ///< empty: by the path
+    std::string codec;     ///< empty: by the format
+    Finish finish = Finish::Straight;
+    bool quiet = false;
+    SourceInfo source;
+};
+
+std::unique_ptr<MediaReader> OpenReader(const KeyCommand &command);
+std::unique_ptr<MediaWriter> OpenWriter(const Delivery &delivery);
+std::unique_ptr<Background> OpenBackground(const std::string &what, int width, int height);
+/// How alpha is kept in such an output when the user does not say it.
+Finish NaturalAlpha(const std::string &path, const std::string &format);
+/// True when the output holds one picture only.
+bool IsStill(const std::string &path, const std::string &format);
+
+// The kinds that need nothing but this program.
+std::unique_ptr<MediaReader> OpenRawReader(const std::string &path, const RawSpec &spec);
+std::unique_ptr<MediaReader> OpenY4mReader(const std::string &path);
+std::unique_ptr<MediaWriter> OpenRawWriter(const Delivery &delivery);
+std::unique_ptr<MediaWriter> OpenY4mWriter(const Delivery &delivery);
+std::unique_ptr<Background> OpenPlainBackground(uint32_t colour, int width, int height);
+std::unique_ptr<Background> OpenCheckerBackground(int width, int height);
+
+// The kinds that need FFmpeg's libraries. A build without them refuses with a line that says so.
+std::unique_ptr<MediaReader> OpenLibavReader(const std::string &path, bool audio);
+std::unique_ptr<MediaWriter> OpenLibavWriter(const Delivery &delivery);
+std::unique_ptr<Background> OpenFileBackground(const std::string &path, int width, int height);
+/// "with FFmpeg's libraries (...)" or "without ...".
+std::string LibavText();
+
+}    // namespace zkey

@@ -1,0 +1,126 @@
+#include "hosts/zkey/options.h"
+
+#include <array>
+
+#include "hosts/zkey/colours.h"
+#include "hosts/zkey/failure.h"
+#include "hosts/zkey/text.h"
+
+namespace zkey {
+namespace {
+
+using Value = const std::string &;
+
+struct Option {
+    const char *name;
+    const char *brief;    ///< one letter with its dash, or nothing
+    bool takesValue;
+    void (*apply)(KeyCommand &, Value);
+};
+
+void SetAlpha(KeyCommand &c, Value v) {
+    if (SameWord(v, "straight")) {
+        c.alpha = AlphaChoice::Straight;
+    } else if (SameWord(v, "premultiplied")) {
+        c.alpha = AlphaChoice::Premultiplied;
+    } else {
+        FailUsage("--alpha: \"" + v + "\" is neither straight nor premultiplied");
+    }
+}
+
+void AddProp(KeyCommand &c, Value v) {
+    const std::size_t equals = v.find('=');
+    if (equals == std::string::npos || equals == 0) FailUsage("--prop " + v + ": give NAME=VALUE, as process.threads=4");
+    c.props.emplace_back(v.substr(0, equals), v.substr(equals + 1));
+}
+
+void SetFrames(KeyCommand &c, Value v) {
+    int32_t count = 0;
+    if (!ParseWhole(v, count) || count < 1) FailUsage("--frames: \"" + v + "\" is no number of frames");
+    c.frames = count;
+}
+
+constexpr std::array<Option, 20> kOptions = {{
+    {"--output", "-o", true, [](KeyCommand &c, Value v) { c.output = v; }},
+    {"--format", "-f", true, [](KeyCommand &c, Value v) { c.format = v; }},
+    {"--codec", "", true, [](KeyCommand &c, Value v) { c.codec = v; }},
+    {"--raw", "", true, [](KeyCommand &c, Value v) { c.raw = ParseRawSpec(v); }},
+    {"--color", "-c", true, [](KeyCommand &c, Value v) { c.key.AddColour(v); }},
+    {"--colour", "", true, [](KeyCommand &c, Value v) { c.key.AddColour(v); }},
+    {"--tolerance", "-t", true, [](KeyCommand &c, Value v) { c.key.SetTolerance(v); }},
+    {"--softness", "-s", true, [](KeyCommand &c, Value v) { c.key.SetSoftness(v); }},
+    {"--reverse", "", false, [](KeyCommand &c, Value) { c.key.SetReverse(); }},
+    {"--type", "", true, [](KeyCommand &c, Value v) { c.key.SetType(v); }},
+    {"--set", "", true, [](KeyCommand &c, Value v) { c.key.SetField(v); }},
+    {"--over", "", true, [](KeyCommand &c, Value v) { c.over = v; }},
+    {"--matte", "", false, [](KeyCommand &c, Value) { c.matte = true; }},
+    {"--alpha", "", true, SetAlpha},
+    {"--exact", "", false, [](KeyCommand &c, Value) { c.exact = true; }},
+    {"--prop", "", true, AddProp},
+    {"--quiet", "-q", false, [](KeyCommand &c, Value) { c.quiet = true; }},
+    {"--no-audio", "", false, [](KeyCommand &c, Value) { c.audio = false; }},
+    {"--frames", "", true, SetFrames},
+    {"--help", "-h", false, [](KeyCommand &c, Value) { c.help = true; }},
+}};
+
+const Option *Find(const std::string &name) {
+    for (const Option &o : kOptions) {
+        if (name == o.name || (o.brief[0] != '\0' && name == o.brief)) return &o;
+    }
+    return nullptr;
+}
+
+void Check(const KeyCommand &c) {
+    if (c.input.empty()) FailUsage("no input: zkey key INPUT -o OUTPUT");
+    if (c.output.empty()) FailUsage("no output: zkey key INPUT -o OUTPUT");
+    if (c.matte && !c.over.empty()) FailUsage("--matte and --over exclude each other");
+    if (c.alpha != AlphaChoice::ByContainer && (c.matte || !c.over.empty())) {
+        FailUsage("--alpha: with --matte or --over the output has no alpha");
+    }
+}
+
+}    // namespace
+
+const std::string *KeyCommand::Prop(std::string_view name) const {
+    const std::string *found = nullptr;
+    for (const auto &p : props) {
+        if (SameWord(p.first, name)) found = &p.second;
+    }
+    return found;
+}
+
+KeyCommand ParseKeyCommand(const std::vector<std::string> &arguments) {
+    KeyCommand command;
+    bool onlyNames = false;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        std::string name = arguments[i];
+        if (onlyNames || name == "-" || !name.starts_with('-')) {
+            if (!command.input.empty()) FailUsage("one input only: \"" + command.input + "\" or \"" + name + "\"");
+            command.input = name;
+            continue;
+        }
+        if (name == "--") {
+            onlyNames = true;
+            continue;
+        }
+        // --name=value; the value itself may hold further signs.
+        std::optional<std::string> value;
+        if (const std::size_t equals = name.find('='); name.starts_with("--") && equals != std::string::npos) {
+            value = name.substr(equals + 1);
+            name.resize(equals);
+        }
+        const Option *option = Find(name);
+        if (option == nullptr) FailUsage("unknown option " + name + "; zkey key --help lists them");
+        if (!option->takesValue && value) FailUsage(name + " takes no value");
+        if (option->takesValue && !value) {
+            if (i + 1 == arguments.size()) FailUsage(name + " needs a value");
+            value = arguments[++i];
+        }
+        option->apply(command, value.value_or(""));
+        if (command.help) return command;
+    }
+    Check(command);
+    return command;
+}
+
+}    // namespace zkey

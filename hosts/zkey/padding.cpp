@@ -1,0 +1,92 @@
+#include "hosts/zkey/padding.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+namespace zkey {
+namespace {
+
+int32_t RoundUp(int32_t value, int32_t step) { return (value + step - 1) / step * step; }
+
+void RepeatPixel(uint8_t *row, int32_t bytes, int32_t from, int32_t to) {
+    const uint8_t *last = row + std::ptrdiff_t{from - 1} * bytes;
+    for (int32_t x = from; x < to; ++x) std::memcpy(row + std::ptrdiff_t{x} * bytes, last, static_cast<std::size_t>(bytes));
+}
+
+/// Packed 4:2:2 of 8 bits; `luma` is the byte of the first luma sample in a pair of pixels.
+void RepeatPair(uint8_t *row, int luma, int32_t from, int32_t to) {
+    uint8_t *last = row + std::ptrdiff_t{(from - 1) / 2} * 4;
+    if (from % 2 != 0) last[luma + 2] = last[luma];
+    const uint8_t edge = last[luma + 2];
+    for (uint8_t *pair = last + 4; pair < row + std::ptrdiff_t{to} * 2; pair += 4) {
+        std::memcpy(pair, last, 4);
+        pair[luma] = edge;
+        pair[luma + 2] = edge;
+    }
+}
+
+uint32_t SampleGet(const uint8_t *row, int32_t index) {
+    uint32_t word = 0;
+    std::memcpy(&word, row + std::ptrdiff_t{index / 3} * 4, 4);
+    return (word >> (10 * (index % 3))) & 0x3FF;
+}
+
+void SamplePut(uint8_t *row, int32_t index, uint32_t value) {
+    uint32_t word = 0;
+    std::memcpy(&word, row + std::ptrdiff_t{index / 3} * 4, 4);
+    const int shift = 10 * (index % 3);
+    word = (word & ~(0x3FFU << shift)) | (value << shift);
+    std::memcpy(row + std::ptrdiff_t{index / 3} * 4, &word, 4);
+}
+
+/// v210: the samples of a pair of pixels are Cb, Y, Cr, Y, three to a word of 32 bits.
+void RepeatV210(uint8_t *row, int32_t from, int32_t to) {
+    const int32_t last = (from - 1) / 2 * 4;
+    const uint32_t cb = SampleGet(row, last);
+    const uint32_t cr = SampleGet(row, last + 2);
+    const uint32_t edge = SampleGet(row, from % 2 != 0 ? last + 1 : last + 3);
+    SamplePut(row, last + 3, edge);
+    for (int32_t at = last + 4; at < to * 2; at += 4) {
+        SamplePut(row, at, cb);
+        SamplePut(row, at + 1, edge);
+        SamplePut(row, at + 2, cr);
+        SamplePut(row, at + 3, edge);
+    }
+}
+
+void RepeatColumn(uint8_t *row, eZFCC fcc, int32_t from, int32_t to) {
+    switch (fcc) {
+        case eZFCC_RGB24:
+            return RepeatPixel(row, 3, from, to);
+        case eZFCC_RGB32:
+        case eZFCC_ARGB32:
+            return RepeatPixel(row, 4, from, to);
+        case eZFCC_YUY2:
+            return RepeatPair(row, 0, from, to);
+        case eZFCC_v210:
+            return RepeatV210(row, from, to);
+        default:
+            return RepeatPair(row, 1, from, to);
+    }
+}
+
+}    // namespace
+
+PictureSize PaddedSize(int32_t width, int32_t height, int32_t threads, bool interlaced) {
+    const int32_t rows = std::clamp(threads, 1, 16) * (interlaced ? 2 : 1);
+    return {RoundUp(width, 16), RoundUp(height, rows)};
+}
+
+void RepeatEdges(uint8_t *pixels, const Z_VID_PROPS &props, int32_t width, int32_t height) {
+    const std::ptrdiff_t step = props.nRowBytes;
+    if (width < props.nWidth) {
+        for (int32_t y = 0; y < height; ++y) RepeatColumn(pixels + y * step, props.fccType, width, props.nWidth);
+    }
+    const int32_t back = IsInterlaced(props.eInterlace) && height > 1 ? 2 : 1;
+    for (int32_t y = height; y < std::abs(props.nHeight); ++y) {
+        std::memcpy(pixels + y * step, pixels + (y - back) * step, static_cast<std::size_t>(step));
+    }
+}
+
+}    // namespace zkey

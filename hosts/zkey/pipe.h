@@ -1,0 +1,50 @@
+// A file or a standard stream that is read or written from front to back.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
+
+namespace zkey {
+
+class PipeReader {
+public:
+    /// "-" is standard input.
+    explicit PipeReader(const std::string &path);
+    ~PipeReader();
+    PipeReader(const PipeReader &) = delete;
+    PipeReader &operator=(const PipeReader &) = delete;
+
+    /// How many bytes came; fewer than asked for only at the end or after an interrupt.
+    std::size_t Read(uint8_t *to, std::size_t bytes);
+    /// One line without its end. False at the end, or when a line is longer than `most`.
+    bool Line(std::string &line, std::size_t most);
+    /// Bytes of a file; 0 for a stream.
+    int64_t Size() const { return m_size; }
+    const std::string &Name() const { return m_name; }
+
+private:
+    std::FILE *m_file;
+    std::string m_name;
+    int64_t m_size = 0;
+};
+
+class PipeWriter {
+public:
+    /// "-" is standard output.
+    explicit PipeWriter(const std::string &path);
+    ~PipeWriter();
+    PipeWriter(const PipeWriter &) = delete;
+    PipeWriter &operator=(const PipeWriter &) = delete;
+
+    void Write(const void *from, std::size_t bytes);
+    void Close();
+
+private:
+    [[noreturn]] void FailWrite() const;
+
+    std::FILE *m_file;
+    std::string m_name;
+};
+
+}    // namespace zkey

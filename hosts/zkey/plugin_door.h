@@ -1,0 +1,48 @@
+// The keyer as this program uses it: everything that is said to the library is said here.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "hosts/zkey/composite.h"
+#include "hosts/zkey/ref.h"
+#include "zchromakey/zchromakey.h"
+
+namespace zkey {
+
+/// A status in words, with its number.
+std::string StatusText(HRESULT status);
+
+class Keyer {
+public:
+    /// Creates the keyer and a frame factory; ends the program with a line when the library refuses.
+    Keyer();
+
+    void SetProp(const std::string &name, const std::string &value);
+    std::optional<std::string> Prop(const std::string &name);
+    void SetKey(CHROMA_KEY_RAW key);
+
+    /// A new frame of this description, with its pixels to be written. Any thread may call it.
+    Ref<IZFrame> NewFrame(const Z_VID_PROPS &props, uint8_t *&pixels);
+
+    /// Keys a frame. With the property output.thread the result is that of the frame before, and nothing for the first.
+    Ref<IZFrame> Key(IZFrame *frame);
+    /// The frame as the keyer sees it: only brought to 4 bytes a pixel. Resets the key.
+    Ref<IZFrame> Convert(IZFrame *frame);
+    /// The result that is still owed after the last frame, if any.
+    Ref<IZFrame> Drain();
+
+    /// The picture in a frame that the keyer gave, cropped to this size. Good while the frame lives.
+    static ImageView View(IZFrame *frame, int width, int height);
+
+private:
+    bool OneCallLate();
+
+    Ref<IZPlugin> m_plugin;
+    Ref<IZChromaKey> m_key;
+    Ref<IZProps> m_props;
+    Ref<IZFrames> m_frames;
+    Ref<IZFrame> m_pending;    ///< handed over, its result not yet received
+};
+
+}    // namespace zkey

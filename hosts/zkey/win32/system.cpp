@@ -1,0 +1,73 @@
+#include "hosts/zkey/system.h"
+
+#include <fcntl.h>
+#include <io.h>
+#include <shellapi.h>
+
+#include <atomic>
+
+#include "zchromakey/module.h"
+
+namespace zkey {
+namespace {
+
+std::atomic<bool> g_interrupted{false};
+
+// The second interrupt is left to the system, which ends the program.
+BOOL WINAPI OnInterrupt(DWORD) { return g_interrupted.exchange(true) ? FALSE : TRUE; }
+
+std::wstring Wide(const std::string &text) {
+    const int n = MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0);
+    std::wstring out(static_cast<size_t>(n), L'\0');
+    MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), out.data(), n);
+    return out;
+}
+
+std::string Utf8(const wchar_t *text) {
+    const int n = WideCharToMultiByte(CP_UTF8, 0, text, -1, nullptr, 0, nullptr, nullptr);
+    std::string out(static_cast<size_t>(n > 0 ? n - 1 : 0), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, text, -1, out.data(), n, nullptr, nullptr);
+    return out;
+}
+
+std::wstring FullPath(const std::string &path) {
+    const std::wstring wide = Wide(path);
+    std::wstring out(32768, L'\0');
+    out.resize(GetFullPathNameW(wide.c_str(), 32768, out.data(), nullptr));
+    return out;
+}
+
+}    // namespace
+
+void SystemStart() {
+    CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    _setmode(_fileno(stdin), _O_BINARY);
+    _setmode(_fileno(stdout), _O_BINARY);
+    SetConsoleOutputCP(CP_UTF8);
+}
+
+std::vector<std::string> Arguments(int, char **) {
+    int count = 0;
+    LPWSTR *wide = CommandLineToArgvW(GetCommandLineW(), &count);
+    std::vector<std::string> out;
+    for (int i = 1; wide != nullptr && i < count; ++i) out.push_back(Utf8(wide[i]));
+    LocalFree(wide);
+    return out;
+}
+
+std::FILE *OpenFile(const std::string &path, const char *mode) { return _wfopen(Wide(path).c_str(), Wide(mode).c_str()); }
+
+bool SameFile(const std::string &a, const std::string &b) {
+    return GetFileAttributesW(Wide(a).c_str()) != INVALID_FILE_ATTRIBUTES &&
+           CompareStringOrdinal(FullPath(a).c_str(), -1, FullPath(b).c_str(), -1, TRUE) == CSTR_EQUAL;
+}
+
+bool ErrorIsTerminal() { return _isatty(_fileno(stderr)) != 0; }
+
+void WatchInterrupt() { SetConsoleCtrlHandler(OnInterrupt, TRUE); }
+
+bool Interrupted() { return g_interrupted; }
+
+HRESULT KeyerClassObject(REFCLSID rclsid, REFIID riid, void **ppv) { return DllGetClassObject(rclsid, riid, ppv); }
+
+}    // namespace zkey
