@@ -38,7 +38,7 @@ public:
         Check(av_frame_make_writable(m_frame.get()));
         FillFrame(picture);
         m_frame->pts = time;
-        m_end = time + 1;
+        m_end = time + PictureTime();
         Encode(m_frame.get());
         MoveSound();
     }
@@ -188,23 +188,23 @@ private:
         return std::max<int64_t>(1, av_rescale_q(1, av_inv_q(m_encoder->framerate), m_encoder->time_base));
     }
 
-    /// Sound that has arrived goes on, but none after the last picture of a shortened clip.
+    /// Sound goes along with the pictures: what is due goes on, the rest waits, and after the last picture it ends.
     void MoveSound() {
         if (!m_source.audio) return;
-        while (Libav<AVPacket> packet = m_source.audio->Take()) {
-            const bool late =
-                packet->pts != AV_NOPTS_VALUE && av_compare_ts(packet->pts, m_source.audio->timeBase,
-                                                               m_end + kSoundAhead * PictureTime(), m_encoder->time_base) > 0;
-            if (m_sound == nullptr || late) continue;
+        for (;;) {
+            if (!m_held) m_held = m_source.audio->Take();
+            if (!m_held) return;
+            const bool early = m_held->pts != AV_NOPTS_VALUE &&
+                               av_compare_ts(m_held->pts, m_source.audio->timeBase, m_end, m_encoder->time_base) >= 0;
+            if (early) return;
+            const Libav<AVPacket> packet = std::move(m_held);
+            if (m_sound == nullptr) continue;
             packet->stream_index = m_sound->index;
             av_packet_rescale_ts(packet.get(), m_source.audio->timeBase, m_sound->time_base);
             packet->pos = -1;
             Check(av_interleaved_write_frame(m_format, packet.get()));
         }
     }
-
-    // Files keep sound some pictures ahead of the pictures themselves.
-    static constexpr int64_t kSoundAhead = 100;
 
     std::string m_path;
     SourceInfo m_source;
@@ -214,8 +214,9 @@ private:
     Libav<AVCodecContext> m_encoder;
     Libav<AVFrame> m_frame;
     Libav<AVPacket> m_packet;
+    Libav<AVPacket> m_held;    ///< sound that is not due yet
     Libav<SwsContext> m_scaler;
-    int64_t m_end = 0;
+    int64_t m_end = 0;    ///< when the last picture ends
 };
 
 }    // namespace
