@@ -1,0 +1,22 @@
+#include "imaging/colour/colour_kernels.h"
+#include "platform/processor.h"
+
+namespace zck {
+namespace {
+
+ColourKernels Make(KernelLevel level) {
+    ColourKernels table = {};
+    ColourKernelsInitRef(&table);
+    if (level == KernelLevel::Avx2) ColourKernelsInitAvx2(&table);
+    return table;
+}
+
+}    // namespace
+
+const ColourKernels &ColourKernelsGet() {
+    static const ColourKernels ref = Make(KernelLevel::Reference);
+    static const ColourKernels best = Make(KernelLevelGet());
+    return KernelLevelGet() == KernelLevel::Reference ? ref : best;
+}
+
+}    // namespace zck

@@ -1,0 +1,7 @@
+#include "imaging/primitives/row_kernels.h"
+
+namespace zck {
+
+void PrimitiveKernelsInitAvx2(PrimitiveKernels *) {}
+
+}    // namespace zck
