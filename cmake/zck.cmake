@@ -46,15 +46,6 @@ function(zck_test name)
   set_tests_properties(${name} PROPERTIES LABELS "${ARG_LABELS}" TIMEOUT 900)
 endfunction()
 
-# zck_bench(<name> SOURCES <file>... [LINKS <target>...])
-# One Google Benchmark program per folder: the target bench_<name>, which bench/run finds by its name.
-function(zck_bench name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
-  add_executable(bench_${name} ${ARG_SOURCES})
-  zck_compile(bench_${name})
-  target_link_libraries(bench_${name} PRIVATE ${ARG_LINKS} benchmark::benchmark_main)
-endfunction()
-
 # Flags that every target takes.
 function(zck_compile target)
   target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
