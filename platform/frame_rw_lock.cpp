@@ -1,6 +1,26 @@
 #include "platform/sync.h"
 
 namespace zck {
+namespace {
+
+/// How often this thread is inside of a lock that allows shared recursion.
+struct SharedEntries {
+    const FrameRWLock *lock;
+    int32_t count;
+};
+
+/// Room for as many locks at once. A lock that finds no room is entered for real each time, which is right as long as no
+/// writer waits.
+thread_local SharedEntries t_shared[16];
+
+SharedEntries *EntriesOf(const FrameRWLock *lock) noexcept {
+    for (SharedEntries &entries : t_shared) {
+        if (entries.lock == lock) return &entries;
+    }
+    return nullptr;
+}
+
+}    // namespace
 
 void FrameRWLock::lock() noexcept {
     m_section.lock();
@@ -14,7 +34,7 @@ void FrameRWLock::unlock() noexcept {
     m_section.unlock();
 }
 
-void FrameRWLock::lock_shared() noexcept {
+void FrameRWLock::EnterShared() noexcept {
     // Counted first and only then looked: either the writer sees this reader, or this reader sees the writer.
     m_readers.fetch_add(1);
     if (!m_writer.load()) return;
@@ -25,6 +45,26 @@ void FrameRWLock::lock_shared() noexcept {
     m_section.unlock();
 }
 
-void FrameRWLock::unlock_shared() noexcept { m_readers.fetch_sub(1); }
+void FrameRWLock::lock_shared() noexcept {
+    if (m_recursion == SharedRecursion::No) {
+        EnterShared();
+        return;
+    }
+    if (SharedEntries *entries = EntriesOf(this)) {
+        ++entries->count;
+        return;
+    }
+    EnterShared();
+    if (SharedEntries *room = EntriesOf(nullptr)) *room = {this, 1};
+}
+
+void FrameRWLock::unlock_shared() noexcept {
+    SharedEntries *entries = m_recursion == SharedRecursion::Yes ? EntriesOf(this) : nullptr;
+    if (entries != nullptr) {
+        if (--entries->count != 0) return;
+        entries->lock = nullptr;
+    }
+    m_readers.fetch_sub(1);
+}
 
 }    // namespace zck

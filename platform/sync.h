@@ -60,13 +60,18 @@ constexpr int kWaitAllMax = 64;
 /// reset are taken; after a time-out none is taken. False at once for a bad count or a null or invalid event.
 bool WaitAll(Event *const *events, int n, uint32_t ms) noexcept;
 
+/// Whether a thread that holds a `FrameRWLock` shared may enter it shared again.
+enum class SharedRecursion { No, Yes };
+
 /// Reader-writer lock of a critical section and a reader count, for `std::unique_lock` and `std::shared_lock`.
 ///
-/// The exclusive owner may enter again, exclusively or shared. A thread that holds it shared must not enter it again in any
-/// way: a writer that waits in between stops it for ever.
+/// The exclusive owner may enter again, exclusively or shared. A thread that holds it shared must not ask for it exclusively,
+/// and may ask for it shared again only with `SharedRecursion::Yes`: without, a writer that came in between stops both for
+/// ever. Entries must be left on the thread that made them.
 class FrameRWLock {
 public:
-    explicit FrameRWLock(uint32_t spinCount = 1024) noexcept : m_section(spinCount) {}
+    explicit FrameRWLock(uint32_t spinCount = 1024, SharedRecursion recursion = SharedRecursion::No) noexcept
+        : m_section(spinCount), m_recursion(recursion) {}
 
     void lock() noexcept;
     void unlock() noexcept;
@@ -74,7 +79,10 @@ public:
     void unlock_shared() noexcept;
 
 private:
+    void EnterShared() noexcept;
+
     CriticalSection m_section;
+    const SharedRecursion m_recursion;
     std::atomic<int32_t> m_readers{0};
     std::atomic<bool> m_writer{false};
     int32_t m_depth = 0;    // exclusive entries of the owner; guarded by the section
