@@ -5,21 +5,21 @@
 namespace zck::avx2 {
 namespace {
 
-__m256i Load32(const uint8_t *p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i *>(p)); }
-__m128i Load16(const uint8_t *p) { return _mm_loadu_si128(reinterpret_cast<const __m128i *>(p)); }
-void Store32(uint8_t *p, __m256i v) { _mm256_storeu_si256(reinterpret_cast<__m256i *>(p), v); }
-void Store16(uint8_t *p, __m128i v) { _mm_storeu_si128(reinterpret_cast<__m128i *>(p), v); }
+ZCK_INLINE __m256i Load32(const uint8_t *p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i *>(p)); }
+ZCK_INLINE __m128i Load16(const uint8_t *p) { return _mm_loadu_si128(reinterpret_cast<const __m128i *>(p)); }
+ZCK_INLINE void Store32(uint8_t *p, __m256i v) { _mm256_storeu_si256(reinterpret_cast<__m256i *>(p), v); }
+ZCK_INLINE void Store16(uint8_t *p, __m128i v) { _mm_storeu_si128(reinterpret_cast<__m128i *>(p), v); }
 
-uint8_t AddByte(int32_t a, int32_t b) { return static_cast<uint8_t>(a + b < 255 ? a + b : 255); }
-int32_t Limit(int32_t v) { return v < 0 ? 0 : v > 255 ? 255 : v; }
-__m256i Mask(bool on) { return _mm256_set1_epi32(on ? -1 : 0); }
+ZCK_INLINE uint8_t AddByte(int32_t a, int32_t b) { return static_cast<uint8_t>(a + b < 255 ? a + b : 255); }
+ZCK_INLINE int32_t Limit(int32_t v) { return v < 0 ? 0 : v > 255 ? 255 : v; }
+ZCK_INLINE __m256i Mask(bool on) { return _mm256_set1_epi32(on ? -1 : 0); }
 
 struct Bounds {
     __m256i high, above;    // bytes over `high`, or all where `above` is set, become 255
     __m256i low, below;     // of the others, bytes up to `low` become 0 where `below` is set
 };
 
-__m256i Bounded(__m256i v, const Bounds &b) {
+ZCK_INLINE __m256i Bounded(__m256i v, const Bounds &b) {
     const __m256i within = _mm256_cmpeq_epi8(_mm256_max_epu8(v, b.high), b.high);
     const __m256i under = _mm256_and_si256(_mm256_cmpeq_epi8(_mm256_min_epu8(v, b.low), v), b.below);
     const __m256i over = _mm256_or_si256(_mm256_xor_si256(within, _mm256_set1_epi8(-1)), b.above);

@@ -1,18 +1,24 @@
 #include "keying/kernels/kernels.h"
+#include "platform/processor.h"
 
 namespace zck {
 namespace {
 
-KeyingKernels MakeRef() {
+KeyingKernels Filled(void (*init)(KeyingKernels *)) {
     KeyingKernels table = {};
-    KeyingKernelsInitRef(&table);
+    init(&table);
     return table;
 }
 
 }    // namespace
 
 const KeyingKernels &KeyingKernelsGet() {
-    static const KeyingKernels ref = MakeRef();
+    if (KernelLevelGet() == KernelLevel::Avx2) {
+        // Made only here: even the filling is compiled for the level.
+        static const KeyingKernels avx2 = Filled(KeyingKernelsInitAvx2);
+        return avx2;
+    }
+    static const KeyingKernels ref = Filled(KeyingKernelsInitRef);
     return ref;
 }
 

@@ -15,15 +15,15 @@ struct Lanes {
 };
 
 // 256 on the ramp is well past the last rounding to 254, so that float errors of this bound do not matter.
-int32_t FullSurplus(float div) {
+ZCK_INLINE int32_t FullSurplus(float div) {
     const float side = 256.0F * div;
     const float v = side * side;
     return v < 2147483000.0F ? static_cast<int32_t>(v) : INT32_MAX;
 }
 
-__m256i Words(int32_t low, int32_t high) { return _mm256_set1_epi32(low | high * 65536); }
+ZCK_INLINE __m256i Words(int32_t low, int32_t high) { return _mm256_set1_epi32(low | high * 65536); }
 
-Lanes LanesOf(const DistanceKey &key) {
+ZCK_INLINE Lanes LanesOf(const DistanceKey &key) {
     Lanes l;
     l.k02 = Words(key.k[0], key.k[2]);
     l.k1 = Words(key.k[1], 0);
@@ -35,14 +35,14 @@ Lanes LanesOf(const DistanceKey &key) {
     return l;
 }
 
-__m256i HalfSquare(__m256i channels, __m256i centre) {
+ZCK_INLINE __m256i HalfSquare(__m256i channels, __m256i centre) {
     const __m256i e = _mm256_sub_epi16(channels, centre);
     return _mm256_srli_epi16(_mm256_mullo_epi16(e, e), 1);
 }
 
 // V of 8 pixels. Half squares are at most 32258 and weights at most 16382: signed words and 32-bit sums hold them. The
 // fourth byte has weight 0.
-__m256i Surplus(const uint8_t *src, const Lanes &l) {
+ZCK_INLINE __m256i Surplus(const uint8_t *src, const Lanes &l) {
     const __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(src));
     const __m256i q02 = HalfSquare(_mm256_and_si256(v, _mm256_set1_epi16(255)), l.k02);
     const __m256i q1 = HalfSquare(_mm256_srli_epi16(v, 8), l.k1);
@@ -51,21 +51,23 @@ __m256i Surplus(const uint8_t *src, const Lanes &l) {
 }
 
 // Alpha as 32-bit lanes, not clamped from above. Inside the key V is negative: it is made 0, not left to a not-a-number.
-__m256i Ramp(__m256i v, const Lanes &l) {
+ZCK_INLINE __m256i Ramp(__m256i v, const Lanes &l) {
     const __m256 f = _mm256_cvtepi32_ps(_mm256_max_epi32(v, _mm256_setzero_si256()));
     return _mm256_cvtps_epi32(_mm256_div_ps(_mm256_sqrt_ps(f), l.div));
 }
 
 // 32 alphas of four times 8 lanes, clamped to bytes, in order.
-__m256i Bytes(__m256i a, __m256i b, __m256i c, __m256i d) {
+ZCK_INLINE __m256i Bytes(__m256i a, __m256i b, __m256i c, __m256i d) {
     const __m256i packed = _mm256_packus_epi16(_mm256_packs_epi32(a, b), _mm256_packs_epi32(c, d));
     return _mm256_permutevar8x32_epi32(packed, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7));
 }
 
-__m256i Ramp32(const __m256i *v, const Lanes &l) { return Bytes(Ramp(v[0], l), Ramp(v[1], l), Ramp(v[2], l), Ramp(v[3], l)); }
+ZCK_INLINE __m256i Ramp32(const __m256i *v, const Lanes &l) {
+    return Bytes(Ramp(v[0], l), Ramp(v[1], l), Ramp(v[2], l), Ramp(v[3], l));
+}
 
 // 32 pixels. On a clean screen most runs lie wholly inside or wholly outside the key, and the roots are the cost.
-__m256i Alpha32(const uint8_t *src, const Lanes &l) {
+ZCK_INLINE __m256i Alpha32(const uint8_t *src, const Lanes &l) {
     const __m256i v[4] = {Surplus(src, l), Surplus(src + 32, l), Surplus(src + 64, l), Surplus(src + 96, l)};
     const __m256i high = _mm256_max_epi32(_mm256_max_epi32(v[0], v[1]), _mm256_max_epi32(v[2], v[3]));
     if (_mm256_movemask_epi8(_mm256_cmpgt_epi32(high, _mm256_setzero_si256())) == 0) return _mm256_setzero_si256();
@@ -74,7 +76,7 @@ __m256i Alpha32(const uint8_t *src, const Lanes &l) {
     return Ramp32(v, l);
 }
 
-void Block(uint8_t *dst, const uint8_t *src, const Lanes &l) {
+ZCK_INLINE void Block(uint8_t *dst, const uint8_t *src, const Lanes &l) {
     const __m256i a = Ramp(Surplus(src, l), l);
     _mm_storel_epi64(reinterpret_cast<__m128i *>(dst), _mm256_castsi256_si128(Bytes(a, a, a, a)));
 }

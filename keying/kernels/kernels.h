@@ -85,7 +85,7 @@ struct KeyingKernels {
     Filter3x3 gauss;     ///< weights 1 2 1, 2 4 2, 1 2 1, over 16, ties to even
 };
 
-/// The table for this processor, chosen once per level. Callers use it and never choose a kernel themselves.
+/// The table for this processor and for the limit that tests set; a call keeps the one that it got for all of its rows.
 const KeyingKernels &KeyingKernelsGet();
 
 /// Fill a table for one level; `InitAvx2` only where the processor has it.

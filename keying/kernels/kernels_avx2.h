@@ -3,6 +3,9 @@
 
 #include "keying/kernels/kernels.h"
 
+// For the pieces of a row: a call would pass vectors through memory and load every constant again.
+#define ZCK_INLINE inline __attribute__((always_inline))
+
 namespace zck::avx2 {
 
 // distance_avx2.cpp

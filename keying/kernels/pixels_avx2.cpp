@@ -5,36 +5,42 @@
 namespace zck::avx2 {
 namespace {
 
-__m256i Load8(const uint8_t *p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i *>(p)); }
-void Store8(uint8_t *p, __m256i v) { _mm256_storeu_si256(reinterpret_cast<__m256i *>(p), v); }
+ZCK_INLINE __m256i Load8(const uint8_t *p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i *>(p)); }
+ZCK_INLINE void Store8(uint8_t *p, __m256i v) { _mm256_storeu_si256(reinterpret_cast<__m256i *>(p), v); }
 
 // The first `n` of 8 pixels, n below 8; the lanes beyond are neither read nor written.
-__m256i FirstLanes(int32_t n) { return _mm256_cmpgt_epi32(_mm256_set1_epi32(n), _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7)); }
-__m256i LoadSome(const uint8_t *p, __m256i lanes) { return _mm256_maskload_epi32(reinterpret_cast<const int *>(p), lanes); }
-void StoreSome(uint8_t *p, __m256i lanes, __m256i v) { _mm256_maskstore_epi32(reinterpret_cast<int *>(p), lanes, v); }
+ZCK_INLINE __m256i FirstLanes(int32_t n) {
+    return _mm256_cmpgt_epi32(_mm256_set1_epi32(n), _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7));
+}
+ZCK_INLINE __m256i LoadSome(const uint8_t *p, __m256i lanes) {
+    return _mm256_maskload_epi32(reinterpret_cast<const int *>(p), lanes);
+}
+ZCK_INLINE void StoreSome(uint8_t *p, __m256i lanes, __m256i v) {
+    _mm256_maskstore_epi32(reinterpret_cast<int *>(p), lanes, v);
+}
 
 // 8 alpha bytes as the top bytes of 8 lanes.
-__m256i TopBytes(__m128i alpha) { return _mm256_slli_epi32(_mm256_cvtepu8_epi32(alpha), 24); }
-__m256i Alpha8(const uint8_t *alpha) { return TopBytes(_mm_loadl_epi64(reinterpret_cast<const __m128i *>(alpha))); }
+ZCK_INLINE __m256i TopBytes(__m128i alpha) { return _mm256_slli_epi32(_mm256_cvtepu8_epi32(alpha), 24); }
+ZCK_INLINE __m256i Alpha8(const uint8_t *alpha) { return TopBytes(_mm_loadl_epi64(reinterpret_cast<const __m128i *>(alpha))); }
 
-__m256i AlphaSome(const uint8_t *alpha, int32_t n) {
+ZCK_INLINE __m256i AlphaSome(const uint8_t *alpha, int32_t n) {
     uint64_t bytes = 0;
     for (int32_t x = 0; x < n; ++x) bytes |= static_cast<uint64_t>(alpha[x]) << (8 * x);
     return TopBytes(_mm_cvtsi64_si128(static_cast<int64_t>(bytes)));
 }
 
-__m256i Merged(__m256i pixels, __m256i alpha) {
+ZCK_INLINE __m256i Merged(__m256i pixels, __m256i alpha) {
     return _mm256_or_si256(_mm256_and_si256(pixels, _mm256_set1_epi32(0x00FFFFFF)), alpha);
 }
 
 // (t + (t >> 8) + 1) >> 8; at most 65280 before the last shift, so that unsigned words hold it.
-__m256i Over255(__m256i t) {
+ZCK_INLINE __m256i Over255(__m256i t) {
     const __m256i sum = _mm256_add_epi16(_mm256_add_epi16(t, _mm256_srli_epi16(t, 8)), _mm256_set1_epi16(1));
     return _mm256_srli_epi16(sum, 8);
 }
 
 // The fourth byte is multiplied by 255, which gives it back.
-__m256i Multiplied(__m256i pixels) {
+ZCK_INLINE __m256i Multiplied(__m256i pixels) {
     const __m256i zero = _mm256_setzero_si256();
     const __m256i one = _mm256_set1_epi64x(0x00FF000000000000);
     const __m256i spreadLow =

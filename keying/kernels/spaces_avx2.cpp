@@ -5,17 +5,19 @@
 namespace zck::avx2 {
 namespace {
 
-__m256i FirstLanes(int32_t n) { return _mm256_cmpgt_epi32(_mm256_set1_epi32(n), _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7)); }
+ZCK_INLINE __m256i FirstLanes(int32_t n) {
+    return _mm256_cmpgt_epi32(_mm256_set1_epi32(n), _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7));
+}
 
 // Byte j of each 32-bit lane.
-__m256i Channel(__m256i v, int j) { return _mm256_and_si256(_mm256_srli_epi32(v, 8 * j), _mm256_set1_epi32(255)); }
+ZCK_INLINE __m256i Channel(__m256i v, int j) { return _mm256_and_si256(_mm256_srli_epi32(v, 8 * j), _mm256_set1_epi32(255)); }
 
-__m256 Unit(__m256i v, int j) { return _mm256_div_ps(_mm256_cvtepi32_ps(Channel(v, j)), _mm256_set1_ps(255.0F)); }
+ZCK_INLINE __m256 Unit(__m256i v, int j) { return _mm256_div_ps(_mm256_cvtepi32_ps(Channel(v, j)), _mm256_set1_ps(255.0F)); }
 
-__m256i Rounded(__m256 v) { return _mm256_cvttps_epi32(_mm256_add_ps(v, _mm256_set1_ps(0.499999F))); }
+ZCK_INLINE __m256i Rounded(__m256 v) { return _mm256_cvttps_epi32(_mm256_add_ps(v, _mm256_set1_ps(0.499999F))); }
 
 // Three bytes of each lane, with the top byte of `dst`.
-__m256i Assemble(__m256i b0, __m256i b1, __m256i b2, __m256i dst) {
+ZCK_INLINE __m256i Assemble(__m256i b0, __m256i b1, __m256i b2, __m256i dst) {
     const __m256i low = _mm256_or_si256(b0, _mm256_slli_epi32(b1, 8));
     const __m256i high = _mm256_or_si256(_mm256_slli_epi32(b2, 16), _mm256_andnot_si256(_mm256_set1_epi32(0x00FFFFFF), dst));
     return _mm256_or_si256(low, high);
@@ -23,7 +25,7 @@ __m256i Assemble(__m256i b0, __m256i b1, __m256i b2, __m256i dst) {
 
 // In degrees. One rule for the three sextant pairs: a difference times 60 over the chroma, plus 0, 120 or 240; the order of
 // the roundings is that of the reference.
-__m256 Hue(__m256 b, __m256 g, __m256 r, __m256 top, __m256 chroma) {
+ZCK_INLINE __m256 Hue(__m256 b, __m256 g, __m256 r, __m256 top, __m256 chroma) {
     const __m256 redTop = _mm256_cmp_ps(r, top, _CMP_EQ_OQ);
     const __m256 greenTop = _mm256_cmp_ps(g, top, _CMP_EQ_OQ);
     const __m256 from = _mm256_blendv_ps(_mm256_blendv_ps(r, b, greenTop), g, redTop);
@@ -35,7 +37,7 @@ __m256 Hue(__m256 b, __m256 g, __m256 r, __m256 top, __m256 chroma) {
     return _mm256_add_ps(h, _mm256_and_ps(negative, _mm256_set1_ps(360.0F)));
 }
 
-__m256i Hls(__m256i pixels, __m256i dst) {
+ZCK_INLINE __m256i Hls(__m256i pixels, __m256i dst) {
     const __m256 full = _mm256_set1_ps(255.0F);
     const __m256 b = Unit(pixels, 0);
     const __m256 g = Unit(pixels, 1);
@@ -56,12 +58,12 @@ __m256i Hls(__m256i pixels, __m256i dst) {
 }
 
 // ((x << 16) - t + 32767) >> 16, the colour difference of one channel.
-__m256i Difference(__m256i x, __m256i t) {
+ZCK_INLINE __m256i Difference(__m256i x, __m256i t) {
     const __m256i scaled = _mm256_add_epi32(_mm256_slli_epi32(x, 16), _mm256_set1_epi32(32767));
     return _mm256_srai_epi32(_mm256_sub_epi32(scaled, t), 16);
 }
 
-__m256i Yuv(__m256i pixels, __m256i dst) {
+ZCK_INLINE __m256i Yuv(__m256i pixels, __m256i dst) {
     const __m256i x02 = _mm256_and_si256(pixels, _mm256_set1_epi16(255));
     const __m256i x1 = Channel(pixels, 1);
     // The weight of channel 1 is too large for a signed word: it is given as two halves of one lane.

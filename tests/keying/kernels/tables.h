@@ -18,6 +18,6 @@ inline KeyingKernels Avx2Table() {
 }
 
 // Asked of the compiler's run time, so that no mask of our own hides a processor's level.
-inline bool Avx2Here() { return __builtin_cpu_supports("avx2") != 0; }
+inline bool Avx2Here() { return __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("fma") != 0; }
 
 }    // namespace zck::test

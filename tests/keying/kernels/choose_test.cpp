@@ -1,0 +1,23 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "platform/processor.h"
+#include "tests/keying/kernels/tables.h"
+
+namespace zck {
+namespace {
+
+bool Same(const KeyingKernels &a, const KeyingKernels &b) { return std::memcmp(&a, &b, sizeof a) == 0; }
+
+TEST(KeyingKernelsGet, FollowsTheProcessorAndTheLimit) {
+    KernelLevelLimit(KernelLevel::Reference);
+    EXPECT_TRUE(Same(KeyingKernelsGet(), test::RefTable()));
+    KernelLevelLimit(KernelLevel::Avx2);
+    EXPECT_TRUE(Same(KeyingKernelsGet(), test::Avx2Here() ? test::Avx2Table() : test::RefTable()));
+}
+
+TEST(KeyingKernelsGet, GivesTheSameTableEachTime) { EXPECT_EQ(&KeyingKernelsGet(), &KeyingKernelsGet()); }
+
+}    // namespace
+}    // namespace zck
