@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <random>
@@ -56,7 +57,7 @@ protected:
 // read too far right of a source made with a guard of 0.
 class Row {
 public:
-    Row(size_t size, size_t misalignment, size_t guard) : m_guard(guard), m_begin(kGuard + misalignment), m_size(size) {
+    Row(size_t size, size_t misalignment, size_t guard) : m_begin(kGuard + misalignment), m_size(size) {
         m_bytes.assign(m_begin + size + guard, kGuardByte);
     }
     uint8_t *Data() { return m_bytes.data() + m_begin; }
@@ -73,7 +74,7 @@ public:
     bool operator==(const Row &other) const { return m_bytes == other.m_bytes; }
 
 private:
-    size_t m_guard, m_begin, m_size;
+    size_t m_begin, m_size;
     std::vector<uint8_t> m_bytes;
 };
 

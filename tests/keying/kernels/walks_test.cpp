@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <vector>
 
 #include "tests/keying/kernels/tables.h"
@@ -59,7 +60,7 @@ TEST_F(Walks, DistanceOverEveryValueOfTheRamp) {
         const double top = 256.6 * key.div;
         const auto end = static_cast<int64_t>(top * top) + 1000;
         ASSERT_LT(end, INT32_MAX - 2 * kSteps);
-        std::printf("divisor %.9g: %lld values\n", static_cast<double>(key.div), static_cast<long long>(end));
+        std::printf("divisor %.9g: %.0f values\n", static_cast<double>(key.div), static_cast<double>(end));
         key = {{1, 1, 1}, {1, 1, 1}, 0, key.div};
         bool zero = false;
         bool full = false;
