@@ -30,7 +30,7 @@ private:
 };
 
 /// An event that threads wait for. With `manualReset` it stays set until `Reset`; without, one wait takes it.
-/// Must outlive the calls on it, those of the thread that sets it included.
+/// A thread whose wait has returned may destroy it, also while the thread that set it is still on its way out of `Set`.
 class Event {
 public:
     explicit Event(bool manualReset, bool signalled = false) noexcept;

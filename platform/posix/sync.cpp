@@ -6,6 +6,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <climits>
 #include <ctime>
 #include <mutex>
@@ -31,9 +32,9 @@ struct Deadline {
 using Word = std::atomic<uint32_t>;
 static_assert(sizeof(Word) == 4 && Word::is_always_lock_free);
 
-/// Sleeps while the word is 0. False when the time has passed.
-bool FutexWaitWhileZero(Word &word, const Deadline &deadline) noexcept {
-    const long result = syscall(SYS_futex, &word, FUTEX_WAIT_BITSET_PRIVATE, 0, deadline.endless ? nullptr : &deadline.at,
+/// Sleeps while the word is `value`. False when the time has passed.
+bool FutexWait(Word &word, uint32_t value, const Deadline &deadline) noexcept {
+    const auto result = syscall(SYS_futex, &word, FUTEX_WAIT_BITSET_PRIVATE, value, deadline.endless ? nullptr : &deadline.at,
                                 nullptr, FUTEX_BITSET_MATCH_ANY);
     return result == 0 || errno != ETIMEDOUT;
 }
@@ -65,27 +66,27 @@ void CriticalSection::lock() noexcept { MutexIn(m_state).lock(); }
 bool CriticalSection::try_lock() noexcept { return MutexIn(m_state).try_lock(); }
 void CriticalSection::unlock() noexcept { MutexIn(m_state).unlock(); }
 
+// One word tells all, so that `Set` touches the event with a single access: whoever waited may destroy it right after.
 struct Event::State {
-    Word word{0};        // 1 when set
-    Word sleepers{0};    // threads that may sleep on the word; a terminated one stays counted, which costs a call only
+    static constexpr uint32_t kSet = 1;
+    /// Added for each thread that may sleep on the word. A terminated one stays counted, which costs a call only.
+    static constexpr uint32_t kSleeper = 2;
+
+    Word word{0};
     bool manual{false};
 
-    bool IsSet() const noexcept { return word.load() != 0; }
+    bool IsSet() const noexcept { return (word.load() & kSet) != 0; }
     /// Takes the event if it is set.
-    bool Take() noexcept {
-        if (manual) return IsSet();
-        uint32_t set = 1;
-        return word.compare_exchange_strong(set, 0);
-    }
+    bool Take() noexcept { return ((manual ? word.load() : word.fetch_and(~kSet)) & kSet) != 0; }
     void Set() noexcept {
-        word.store(1);
-        if (sleepers.load() != 0) FutexWakeAll(word);
+        if (word.fetch_or(kSet) >= kSleeper) FutexWakeAll(word);
     }
-    /// Waits for the word, which another waiter may have taken again on return. False when the time has passed.
+    void Reset() noexcept { word.fetch_and(~kSet); }
+    /// Waits for a change of the word, which is not always a set event. False when the time has passed.
     bool Sleep(const Deadline &deadline) noexcept {
-        sleepers.fetch_add(1);
-        const bool inTime = FutexWaitWhileZero(word, deadline);
-        sleepers.fetch_sub(1);
+        const uint32_t value = word.fetch_add(kSleeper) + kSleeper;
+        const bool inTime = (value & kSet) != 0 || FutexWait(word, value, deadline);
+        word.fetch_sub(kSleeper);
         return inTime;
     }
 };
@@ -97,12 +98,12 @@ Event::Event(bool manualReset, bool signalled) noexcept {
     static_assert(sizeof(State) <= sizeof(m_state));
     auto *state = new (m_state) State;
     state->manual = manualReset;
-    state->word = signalled ? 1 : 0;
+    state->word = signalled ? State::kSet : 0;
 }
 Event::~Event() { Own().~State(); }
 bool Event::Valid() const noexcept { return true; }
 void Event::Set() noexcept { Own().Set(); }
-void Event::Reset() noexcept { Own().word.store(0); }
+void Event::Reset() noexcept { Own().Reset(); }
 
 bool Event::Wait(uint32_t ms) noexcept {
     State &state = Own();

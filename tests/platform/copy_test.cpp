@@ -17,7 +17,7 @@ std::vector<uint8_t> Pattern(size_t n) {
 }
 
 TEST(CopyTest, CopiesEveryByteAndNoOther) {
-    for (const size_t n : {0, 1, 7, 64, 4096, 100003, 9000001}) {
+    for (const size_t n : std::initializer_list<size_t>{0, 1, 7, 64, 4096, 100003, 9000001}) {
         const std::vector<uint8_t> src = Pattern(n + 1);
         for (const bool guarded : {false, true}) {
             std::vector<uint8_t> dst(n + 2, 0xEE);

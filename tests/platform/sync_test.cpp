@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <mutex>
 #include <thread>
 #include <vector>
@@ -55,6 +56,17 @@ TEST(EventTest, WakesASleeper) {
         ASSERT_TRUE(pong.Wait(10000));
     }
     other.join();
+}
+
+TEST(EventTest, MayBeDestroyedByTheOneWhoWaited) {
+    for (int i = 0; i < 500; ++i) {
+        auto event = std::make_unique<Event>(i % 2 != 0);
+        Event *raw = event.get();
+        std::thread setter([raw] { raw->Set(); });
+        EXPECT_TRUE(event->Wait(10000));
+        event.reset();
+        setter.join();
+    }
 }
 
 TEST(EventTest, OneSetReleasesOneOfManyWaiters) {

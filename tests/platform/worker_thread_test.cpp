@@ -126,7 +126,6 @@ TEST(WorkerThreadTest, ThreadLeftToItselfSeesItsFlagClearedBesideANewOne) {
     thread.Wake();
     EXPECT_TRUE(fresh.worked.Wait(10000)) << "the wake went to the old thread";
     EXPECT_EQ(thread.Stop(kInfinite, false), S_OK);
-    SleepMs(20);    // the old thread still has a few steps to its end
 }
 
 TEST(WorkerThreadTest, TerminatesAThreadThatComputes) {
