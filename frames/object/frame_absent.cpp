@@ -1,0 +1,39 @@
+// Operations whose rooms are not built yet: sound, stored form, conversion, mixing and text. They keep their slots.
+#include "frames/object/frame.h"
+
+namespace zck {
+namespace {
+
+template <class T>
+HRESULT Absent(T **out) {
+    if (out != nullptr) *out = nullptr;
+    return E_NOTIMPL;
+}
+
+}    // namespace
+
+HRESULT CCoZFrame2::ZFAudioChannelGet(int32_t, int64_t, int32_t *, int64_t *) { return E_NOTIMPL; }
+HRESULT CCoZFrame2::ZFAudioChannelsCommit() { return E_NOTIMPL; }
+HRESULT CCoZFrame2::ZFAudioSamplesSet(Z_AUD_PROPS *, int32_t) { return E_NOTIMPL; }
+HRESULT CCoZFrame2::ZFAudioSet(Z_AUD_PROPS *, int32_t, int64_t) { return E_NOTIMPL; }
+HRESULT CCoZFrame2::ZFAudioAdd(IZFFrame *, int32_t *, int32_t *, int32_t, double, double, int32_t) { return E_NOTIMPL; }
+HRESULT CCoZFrame2::ZFAudioMix(IZFFrame *, double, double, int32_t, BSTR) { return E_NOTIMPL; }
+HRESULT CCoZFrame2::ZFAudioCopyTo(BSTR, IZFFrame *) { return E_NOTIMPL; }
+HRESULT CCoZFrame2::ZFAudioSaveToFile(BSTR, int32_t) { return E_NOTIMPL; }
+HRESULT CCoZFrame2::ZFAudioFromFile(BSTR, int32_t, int32_t) { return E_NOTIMPL; }
+HRESULT CCoZFrame2::ZFAudioGain(BSTR, double, double) { return E_NOTIMPL; }
+
+HRESULT CCoZFrame2::ZFSaveAll(int32_t *, int64_t *, int32_t) { return E_NOTIMPL; }
+HRESULT CCoZFrame2::ZFLoadAll(int32_t, int64_t, int32_t) { return E_NOTIMPL; }
+
+HRESULT CCoZFrame2::ZFAVPropsSet(Z_AV_PROPS *, BSTR) { return E_NOTIMPL; }
+HRESULT CCoZFrame2::ZFOverlay(IZFFrame *, IZFFrame *, int32_t, int32_t, double, BSTR, int64_t, int32_t) { return E_NOTIMPL; }
+HRESULT CCoZFrame2::ZFConvert(Z_AV_PROPS *, IZFFrame **, int32_t *, BSTR, int64_t) { return E_NOTIMPL; }
+HRESULT CCoZFrame2::ZFResize(eZFCC, int32_t, int32_t, int32_t, IZFFrame **_ppFrameRes, BSTR, int64_t) {
+    return Absent(_ppFrameRes);
+}
+HRESULT CCoZFrame2::ZFTransition(IZFFrame *, IZFFrame **, double, int64_t, BSTR, int64_t) { return E_NOTIMPL; }
+HRESULT CCoZFrame2::ZFPrint(BSTR, double, PrintRect *, uint32_t, BSTR, int64_t) { return E_NOTIMPL; }
+HRESULT CCoZFrame2::ZFOverlayRect(IZFFrame *, IZFFrame *, PrintRect *, int32_t, double, BSTR, int64_t) { return E_NOTIMPL; }
+
+}    // namespace zck

@@ -1,0 +1,79 @@
+#include "frames/object/pixel_work.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+#include "frames/media/video_props.h"
+
+namespace zck {
+namespace {
+
+eZFCC Plainest(eZFCC fcc) {
+    if (fcc == eZFCC_HDYC) return eZFCC_UYVY;
+    return fcc == eZFCC_RGB32 ? eZFCC_ARGB32 : fcc;
+}
+
+bool IsPacked422(eZFCC fcc) { return fcc == eZFCC_UYVY || fcc == eZFCC_HDYC || fcc == eZFCC_YUY2 || fcc == eZFCC_YVYU; }
+
+// Bytes of a row that every conversion into the format writes. An odd last pixel of a 4:2:2 row is not sure to be written.
+int64_t SureRowBytes(eZFCC fcc, int64_t width) {
+    if (fcc == eZFCC_v210) return width / 6 * 16;
+    if (IsPacked422(fcc)) return width / 2 * 4;
+    if (fcc == eZFCC_RGB24) return width * 3;
+    return fcc == eZFCC_RGB32 || fcc == eZFCC_ARGB32 ? width * 4 : 0;
+}
+
+// Buffers come from the pool with the pixels of an earlier frame in them.
+void TailsClear(const Z_VID_PROPS &props, uint8_t *pixels, int64_t size) {
+    const int64_t step = std::max<int64_t>(std::abs(static_cast<int64_t>(props.nRowBytes)), 1);
+    const int64_t sure = std::clamp<int64_t>(SureRowBytes(props.fccType, props.nWidth), 0, step);
+    if (sure == step) return;
+    for (int64_t row = 0; row < size; row += step) {
+        if (row + sure < size) std::memset(pixels + row + sure, 0, static_cast<size_t>(std::min(step, size - row) - sure));
+    }
+}
+
+}    // namespace
+
+bool SameBytes(eZFCC a, eZFCC b) { return Plainest(a) == Plainest(b); }
+
+CloneWork CloneWorkOf(const Z_VID_PROPS &source, int32_t videoSize, eZFCC fcc) {
+    if (fcc == eZFCC_Default || videoSize <= 0) return CloneWork::Plain;
+    // A bottom-up picture is always turned over by a conversion into the RGB family.
+    const bool turns = IsRgbFormat(fcc) && source.nHeight >= 1;
+    if (!SameBytes(source.fccType, fcc) || turns) return CloneWork::Convert;
+    return source.fccType == fcc ? CloneWork::Plain : CloneWork::Relabel;
+}
+
+Z_VID_PROPS ConvertedRecord(const Z_VID_PROPS &source, eZFCC fcc) {
+    Z_VID_PROPS target = source;
+    const int64_t rows = std::min<int64_t>(std::abs(static_cast<int64_t>(source.nHeight)), INT32_MAX);
+    target.fccType = fcc;
+    target.nRowBytes = RowBytes(fcc, source.nWidth);
+    target.nHeight = static_cast<int32_t>(IsRgbFormat(fcc) ? -rows : rows);
+    return target;
+}
+
+bool PixelsFit(const Z_VID_PROPS &props, uint32_t size) {
+    Z_VID_PROPS used = props;
+    VideoPropsUpdate(&used, false);
+    // One line with row bytes is one line; the update takes it for a request for a sign.
+    if (std::abs(static_cast<int64_t>(props.nHeight)) == 1 && props.nRowBytes != 0) used.nHeight = props.nHeight;
+    return VideoBytesNeeded(used) <= size;
+}
+
+HRESULT PixelsConvert(const PixelJob &job) {
+    if (!PixelsFit(job.sourceProps, job.sourceSize) || !PixelsFit(job.targetProps, job.targetSize))
+        return kVfwEInvalidMediaType;
+    if (!job.bZeroed) TailsClear(job.targetProps, job.target, job.targetSize);
+    return E_NOTIMPL;
+}
+
+void PixelsFill(const Z_VID_PROPS &props, uint8_t *pixels, uint32_t size, uint32_t color, bool bZeroed) {
+    if (!bZeroed) std::memset(pixels, 0, size);
+    (void)props;
+    (void)color;
+}
+
+}    // namespace zck

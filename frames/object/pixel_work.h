@@ -1,0 +1,42 @@
+// Pixel work on whole pictures, with the checks that keep it inside their buffers.
+#pragma once
+
+#include <cstdint>
+
+#include "frames/media/pixel_format.h"
+#include "platform/status.h"
+#include "zchromakey/media_types.h"
+
+namespace zck {
+
+/// Formats that are the same bytes: HDYC reads as UYVY, RGB32 as ARGB32.
+bool SameBytes(eZFCC a, eZFCC b);
+
+/// What a clone in another format has to do.
+enum class CloneWork { Plain, Relabel, Convert };
+CloneWork CloneWorkOf(const Z_VID_PROPS &source, int32_t videoSize, eZFCC fcc);
+
+/// The record of a picture after conversion: RGB formats with the top row first.
+Z_VID_PROPS ConvertedRecord(const Z_VID_PROPS &source, eZFCC fcc);
+
+/// Whether a buffer holds all pixels that a record states, as an operation would read the record.
+bool PixelsFit(const Z_VID_PROPS &props, uint32_t size);
+
+/// One conversion. The target's buffer is as large as `FrameBufferSize` of its record.
+struct PixelJob {
+    Z_VID_PROPS sourceProps{};
+    Z_VID_PROPS targetProps{};
+    const uint8_t *source = nullptr;
+    uint8_t *target = nullptr;
+    uint32_t sourceSize = 0;
+    uint32_t targetSize = 0;
+    bool bZeroed = false;    ///< the target's bytes are 0
+};
+
+/// Converts; target bytes that the conversion does not reach are 0.
+HRESULT PixelsConvert(const PixelJob &job);
+
+/// Fills a picture with a colour 0xAABBGGRR; formats that cannot be filled stay 0. `bZeroed` as above.
+void PixelsFill(const Z_VID_PROPS &props, uint8_t *pixels, uint32_t size, uint32_t color, bool bZeroed);
+
+}    // namespace zck

@@ -1,0 +1,75 @@
+#include "frames/object/data_name.h"
+
+#include <gtest/gtest.h>
+
+#include "frames/object/name_map.h"
+
+namespace zck {
+namespace {
+
+constexpr int32_t Code(char a, char b, char c, char d) {
+    return static_cast<int32_t>(static_cast<uint8_t>(a) | static_cast<uint8_t>(b) << 8 | static_cast<uint8_t>(c) << 16 |
+                                static_cast<uint32_t>(static_cast<uint8_t>(d)) << 24);
+}
+
+struct NameCase {
+    int32_t code;
+    const char *name;
+};
+
+TEST(DataName, CodesBecomeNamesAndComeBack) {
+    const NameCase cases[] = {
+        {Code('C', '6', '0', '8'), "C608"},
+        {Code('N', 'S', 'S', '2'), "NSS2"},
+        {Code(' ', '~', 'a', 'Z'), " ~aZ"},
+        {0x00000001, "0x00000001"},
+        {Code('a', 'b', 'c', '\x1F'), "0x1F636261"},
+        {Code('\x7F', 'b', 'c', 'd'), "0x6463627F"},
+        {static_cast<int32_t>(0xFFFFFFFF), "0xFFFFFFFF"},
+    };
+    for (const NameCase &c : cases) {
+        EXPECT_EQ(TextFromUtf8(c.name), NameFromCode(c.code)) << c.name;
+        EXPECT_EQ(c.code, CodeFromName(TextFromUtf8(c.name))) << c.name;
+    }
+}
+
+TEST(DataName, NamesThatAreNoCodesKeepFourCharacters) {
+    EXPECT_EQ(0, CodeFromName(TextView()));
+    EXPECT_EQ('a', CodeFromName(ZCK_TEXT("a")));
+    EXPECT_EQ(Code('l', 'o', 'n', 'g'), CodeFromName(ZCK_TEXT("longer name")));
+    EXPECT_EQ(Code('0', 'x', '1', '2'), CodeFromName(ZCK_TEXT("0x12")));
+    EXPECT_EQ(0x123, CodeFromName(ZCK_TEXT("0x123")));
+    EXPECT_EQ(Code('#', '1', '2', '3'), CodeFromName(ZCK_TEXT("#123")));
+    EXPECT_EQ(0x1234, CodeFromName(ZCK_TEXT("#1234")));
+    EXPECT_EQ(Code('a', '?', 'b', 'c'), CodeFromName(ZCK_TEXT("a\u20ACbc")));
+    EXPECT_EQ(Code('a', '\xE9', 'b', 'c'), CodeFromName(ZCK_TEXT("a\u00E9bc")));
+}
+
+TEST(DataName, IdentifiersInBraces) {
+    const GUID id = {0xC87CEAAF, 0x75BE, 0x0BC4, {0x84, 0xEB, 0xAC, 0x27, 0x98, 0x50, 0x76, 0x02}};
+    const Text name = NameFromIdentifier(id);
+    EXPECT_EQ("{C87CEAAF-75BE-0BC4-84EB-AC2798507602}", Utf8FromText(name));
+    EXPECT_EQ(static_cast<int32_t>(0xC87CEAAF), CodeFromName(name));
+}
+
+TEST(NameMap, KeepsTheOrderOfFirstInsertion) {
+    NameMap<int> map;
+    map.Set(ZCK_TEXT("b"), 1);
+    map.Set(ZCK_TEXT("a"), 2);
+    map.Set(ZCK_TEXT("c"), 3);
+    EXPECT_EQ(2, map.Set(ZCK_TEXT("A"), 4));
+    ASSERT_EQ(3U, map.Count());
+    EXPECT_EQ(Text(ZCK_TEXT("a")), map.Name(1));
+    EXPECT_EQ(4, map.At(1));
+    int removed = 0;
+    EXPECT_TRUE(map.Remove(ZCK_TEXT("B"), removed));
+    EXPECT_EQ(1, removed);
+    EXPECT_FALSE(map.Remove(ZCK_TEXT("B"), removed));
+    ASSERT_EQ(2U, map.Count());
+    EXPECT_EQ(Text(ZCK_TEXT("a")), map.Name(0));
+    EXPECT_EQ(3, *map.Find(ZCK_TEXT("C")));
+    EXPECT_EQ(nullptr, map.Find(ZCK_TEXT("d")));
+}
+
+}    // namespace
+}    // namespace zck
