@@ -93,6 +93,7 @@ TEST(RowBytes, NegativeWidthsRoundAsTheArithmeticSays) {
     EXPECT_EQ(RowBytes(eZFCC_v210, -1), 0);    // division toward zero
     EXPECT_EQ(RowBytes(eZFCC_v210, -95), -128);
     EXPECT_EQ(RowBytes(eZFCC_I420, -7), -7);
+    EXPECT_EQ(RowBytes(kFccYvu9, -3), -4);    // -27 bits are shifted down to -4 bytes
 }
 
 TEST(RowBytes, HugeWidthsAreClampedNotWrapped) {

@@ -8,6 +8,15 @@
 namespace zck {
 namespace {
 
+// Waits until the thread has brought the count down, at most ten seconds.
+bool FallsTo(IPCBufferHeap &heap, int32_t count) {
+    for (int i = 0; i < 10000; ++i) {
+        if (heap.BufferCount() <= count) return true;
+        SleepMs(1);
+    }
+    return false;
+}
+
 void Fill(IPCBufferHeap &heap, int32_t size, int32_t count) { ASSERT_EQ(heap.GetBuffer(size, nullptr, count), S_OK); }
 
 TEST(ReleaseFreeFrames, OneSizeEndsOneBelowTheMinimum) {
@@ -76,7 +85,7 @@ TEST(ReleaseFreeFrames, ClosesTheSections) {
     ASSERT_EQ(heap.GetBuffer(480, &b, 1), S_OK);
     const uint64_t id = b->BufferId();
     heap.ReturnFrame(b);
-    while (heap.BufferCount() != 0) SleepMs(1);    // this call or the thread
+    ASSERT_TRUE(FallsTo(heap, 0));
     IPCBuffer other;
     // The count falls before the section is closed, so look for a while.
     for (int i = 0; i < 2000 && other.OpenBuffer(id) == S_OK; ++i) {
@@ -84,15 +93,6 @@ TEST(ReleaseFreeFrames, ClosesTheSections) {
         SleepMs(1);
     }
     EXPECT_NE(other.OpenBuffer(id), S_OK);
-}
-
-// Waits until the thread has brought the count down, at most ten seconds.
-bool FallsTo(IPCBufferHeap &heap, int32_t count) {
-    for (int i = 0; i < 10000; ++i) {
-        if (heap.BufferCount() <= count) return true;
-        SleepMs(1);
-    }
-    return false;
 }
 
 TEST(ReleaseWorker, BringsThePoolBackToSixteen) {
