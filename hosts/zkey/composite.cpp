@@ -15,8 +15,9 @@ uint32_t Load(const uint8_t *p) {
 
 void Store(uint8_t *p, uint32_t v) { std::memcpy(p, &v, 4); }
 
-uint32_t Divide(uint32_t byte, float scale) {
-    return static_cast<uint32_t>(static_cast<int32_t>(std::min(static_cast<float>(byte) * scale + 0.5F, 255.0F)));
+uint32_t Divide(uint32_t byte, float alpha) {
+    const float v = static_cast<float>(static_cast<int32_t>(byte * 255)) / alpha;
+    return static_cast<uint32_t>(static_cast<int32_t>(std::min(v + 0.5F, 255.0F)));
 }
 
 /// byte x weight / 255, rounded down but for whole results: the keyer's own rule.
@@ -38,9 +39,9 @@ void StraightRow(uint8_t *dst, const uint8_t *src, int width) {
         const uint32_t p = Load(src + std::ptrdiff_t{4} * x);
         const uint32_t a = p >> 24;
         // A transparent pixel has no colour left: all its bytes are 0, and any divisor does.
-        const float scale = 255.0F / static_cast<float>(static_cast<int32_t>(std::max(a, 1U)));
-        Store(dst + std::ptrdiff_t{4} * x, (a << 24) | (Divide((p >> 16) & 255, scale) << 16) |
-                                               (Divide((p >> 8) & 255, scale) << 8) | Divide(p & 255, scale));
+        const auto alpha = static_cast<float>(static_cast<int32_t>(std::max(a, 1U)));
+        Store(dst + std::ptrdiff_t{4} * x, (a << 24) | (Divide((p >> 16) & 255, alpha) << 16) |
+                                               (Divide((p >> 8) & 255, alpha) << 8) | Divide(p & 255, alpha));
     }
 }
 

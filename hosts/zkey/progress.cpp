@@ -45,8 +45,8 @@ void Progress::Frame() {
 void Progress::Done(const std::string &output) {
     if (!m_show) return;
     char speed[64];
-    std::snprintf(speed, sizeof speed, "%.1f frames a second", Speed());
-    std::fprintf(stderr, "%szkey: %s: %lld frames, %s\n", kClear, output.c_str(), static_cast<long long>(m_frames), speed);
+    std::snprintf(speed, sizeof speed, " frames, %.1f frames a second", Speed());
+    std::fprintf(stderr, "%szkey: %s: %s%s\n", kClear, output.c_str(), std::to_string(m_frames).c_str(), speed);
 }
 
 }    // namespace zkey

@@ -5,8 +5,6 @@
 
 #include <csignal>
 
-#include "zchromakey/module.h"
-
 namespace zkey {
 namespace {
 
@@ -42,7 +40,5 @@ void WatchInterrupt() {
 }
 
 bool Interrupted() { return g_interrupted != 0; }
-
-HRESULT KeyerClassObject(REFCLSID rclsid, REFIID riid, void **ppv) { return DllGetClassObject(rclsid, riid, ppv); }
 
 }    // namespace zkey

@@ -1,12 +1,14 @@
 #include "hosts/zkey/system.h"
 
+// The shell's header needs the system's before it.
+// clang-format off
+#include "zchromakey/com.h"
+#include <shellapi.h>
+// clang-format on
 #include <fcntl.h>
 #include <io.h>
-#include <shellapi.h>
 
 #include <atomic>
-
-#include "zchromakey/module.h"
 
 namespace zkey {
 namespace {
@@ -67,7 +69,5 @@ bool ErrorIsTerminal() { return _isatty(_fileno(stderr)) != 0; }
 void WatchInterrupt() { SetConsoleCtrlHandler(OnInterrupt, TRUE); }
 
 bool Interrupted() { return g_interrupted; }
-
-HRESULT KeyerClassObject(REFCLSID rclsid, REFIID riid, void **ppv) { return DllGetClassObject(rclsid, riid, ppv); }
 
 }    // namespace zkey
