@@ -43,6 +43,16 @@ TEST(DistanceKernel, WorkedCase) {
     EXPECT_EQ(AlphaOf(key, 100, 160, 100), 255);
 }
 
+// Weights before rounding: 16382, 6634.03, 4749.81.
+TEST(DistanceKeySetup, UnequalHalfWidthsRoundTheirWeightsToNearest) {
+    const DistanceKey key = DistanceKeySetup(Grey(100), 7 | 11 << 8 | 13 << 16, 5);
+    EXPECT_EQ(key.w[0], 16382);
+    EXPECT_EQ(key.w[1], 6634);
+    EXPECT_EQ(key.w[2], 4750);
+    EXPECT_EQ(key.off, 401359);
+    EXPECT_EQ(key.div, 2.8474379F);
+}
+
 TEST(DistanceKeySetup, WidestKeyIsScaledByItsWeights) {
     const DistanceKey key = DistanceKeySetup(Grey(128), Grey(255), 0);
     ExpectWeights(key, 16382);
