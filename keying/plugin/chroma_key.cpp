@@ -1,0 +1,85 @@
+#include "keying/plugin/chroma_key.h"
+
+#include <mutex>
+
+#include "keying/key/key.h"
+#include "platform/status.h"
+
+namespace zck {
+
+namespace {
+
+constexpr uint32_t kStopTimeoutMs = 10000;
+
+struct DefaultProperty {
+    TextView name;
+    TextView value;
+};
+
+/// In the order in which a listing shows them.
+constexpr DefaultProperty kDefaults[] = {
+    {ZCK_TEXT("background"), ZCK_TEXT("checker")},  {ZCK_TEXT("detect.blocks"), ZCK_TEXT("48")},
+    {ZCK_TEXT("detect.threshold"), ZCK_TEXT("16")}, {ZCK_TEXT("detect.key_diff"), ZCK_TEXT("1.0")},
+    {ZCK_TEXT("detect.max_keys"), ZCK_TEXT("1")},   {ZCK_TEXT("output.thread"), ZCK_TEXT("true")},
+    {ZCK_TEXT("process.threads"), ZCK_TEXT("2")},   {ZCK_TEXT("keying.borders"), ZCK_TEXT("")},
+};
+
+}    // namespace
+
+CCoZChromaKey::CCoZChromaKey() : m_outputDone(true, true), m_key{}, m_adjust(AdjustDefaults()), m_outputThread(&OutputThread) {
+    for (const DefaultProperty &property : kDefaults) m_props.Set(property.name, property.value);
+}
+
+CCoZChromaKey::~CCoZChromaKey() { m_outputThread.Stop(kStopTimeoutMs, true, false); }
+
+HRESULT CCoZChromaKey::FinalConstruct() { return m_outputThread.Start(this, 0); }
+
+HRESULT CCoZChromaKey::KeySet(IZKey *_pKeyObject) {
+    return Guarded([&]() -> HRESULT {
+        CHROMA_KEY_RAW key{};
+        CK_ADJUST adjust = AdjustDefaults();
+        if (_pKeyObject != nullptr) {
+            {
+                const std::lock_guard guard(m_keyLock);
+                key = m_key;
+                adjust = m_adjust;
+            }
+            // A key object that gives nothing leaves the present key in force.
+            _pKeyObject->KeyRawGet(&key, &adjust);
+        }
+        const std::lock_guard guard(m_keyLock);
+        m_key = key;
+        m_adjust = adjust;
+        return S_OK;
+    });
+}
+
+HRESULT CCoZChromaKey::KeyGet(IUnknown *_pZFrameForAdjustOrNull, IZKey **_ppKeyObject, BSTR) {
+    if (_ppKeyObject == nullptr) return E_POINTER;
+    *_ppKeyObject = nullptr;
+    return Guarded([&]() -> HRESULT {
+        ComPtr<IZFrame> frame = QueryFor<IZFrame>(_pZFrameForAdjustOrNull);
+        if (!frame) {
+            const std::lock_guard guard(m_lastFrameLock);
+            frame = m_lastFrame;
+        }
+        return frame ? E_NOTIMPL : kVfwEWrongState;
+    });
+}
+
+HRESULT CCoZChromaKey::KeyRawSet(CHROMA_KEY_RAW *_pvmKey) {
+    if (_pvmKey == nullptr) return E_POINTER;
+    const std::lock_guard guard(m_keyLock);
+    m_key = *_pvmKey;
+    m_adjust = AdjustFromRaw(m_key, -1);
+    return S_OK;
+}
+
+HRESULT CCoZChromaKey::KeyRawGet(CHROMA_KEY_RAW *_pvmKey) {
+    if (_pvmKey == nullptr) return E_POINTER;
+    const std::lock_guard guard(m_keyLock);
+    *_pvmKey = m_key;
+    return S_OK;
+}
+
+}    // namespace zck

@@ -1,0 +1,86 @@
+// `CCoZChromaKey`: the keyer that a host places in its video chain.
+#pragma once
+
+#include "frames/memory/blob_holder.h"
+#include "frames/views/f_frame.h"
+#include "keying/plugin/frame_process.h"
+#include "keying/plugin/memory_props.h"
+#include "keying/slices/slices.h"
+#include "platform/object.h"
+#include "platform/worker_thread.h"
+#include "zchromakey/persist.h"
+#include "zchromakey/plugin.h"
+
+namespace zck {
+
+/// A frame enters through `OnMediaReceive`; a clone of it in `eZFCC_ARGB32` leaves with the alpha of the current key and
+/// premultiplied colour. Free-threaded and aggregatable.
+///
+/// The output thread lives as long as the object; the slice threads start with the first frame. The last-frame lock and the
+/// key lock are never held together, and neither is held while keying or while calling out. The pending and the finished
+/// frame belong to the output thread while the output-done event is reset, and to the caller while it is set.
+class CCoZChromaKey : public CoObject<IZChromaKey, IZPlugin, IZFProcessRedir<CCoZChromaKey>, IZProps, IZPersist> {
+public:
+    CCoZChromaKey();
+    ~CCoZChromaKey() override;
+
+    /// Starts the output thread; its failure is the failure of the creation.
+    HRESULT FinalConstruct() override;
+
+    // IZChromaKey
+    HRESULT Z_STDCALL KeySet(IZKey *_pKeyObject) override;
+    HRESULT Z_STDCALL KeyGet(IUnknown *_pZFrameForAdjustOrNull, IZKey **_ppKeyObject, BSTR _bsProps) override;
+    HRESULT Z_STDCALL KeyRawSet(CHROMA_KEY_RAW *_pvmKey) override;
+    HRESULT Z_STDCALL KeyRawGet(CHROMA_KEY_RAW *_pvmKey) override;
+
+    // IZPlugin
+    HRESULT Z_STDCALL OnMediaReceive(int64_t _llCallbackUserData, IUnknown *_pSender, IZFrame *_pFrame,
+                                     IZFrame **_ppFrameRes) override;
+    HRESULT Z_STDCALL OnMediaEnd(int64_t _llCallbackUserData, IUnknown *_pSender, uint32_t _dwFlags) override;
+    HRESULT Z_STDCALL OnMediaFlush(int64_t _llCallbackUserData, IUnknown *_pSender, uint32_t _dwFlags) override;
+
+    // IZProps
+    HRESULT Z_STDCALL PropsSet(BSTR _bsPropName, BSTR _bsPropValue) override;
+    HRESULT Z_STDCALL PropsGet(BSTR _bsPropName, BSTR *_pbsPropValue) override;
+    HRESULT Z_STDCALL PropsGetCount(BSTR _bsNodeName, int32_t *_pnCount) override;
+    HRESULT Z_STDCALL PropsGetByIndex(BSTR _bsNodeName, int32_t _nIndex, BSTR *_pbsPropName, BSTR *_pbsPropValue,
+                                      int32_t *_pbNode) override;
+    HRESULT Z_STDCALL PropsRemove(BSTR _bsPropName) override;
+    HRESULT Z_STDCALL PropsInfoGet(BSTR _bsPropName, eZInfoType _eType, BSTR *_pbsInfo) override;
+    HRESULT Z_STDCALL PropsOptionGetCount(BSTR _bsPropName, int32_t *_pnOptionCount) override;
+    HRESULT Z_STDCALL PropsOptionGetByIndex(BSTR _bsPropName, int32_t _nOptionIdx, BSTR *_pbsOptionValue,
+                                            BSTR *_pbsHelp) override;
+    HRESULT Z_STDCALL PropsOptionSetByIndex(BSTR _bsPropName, int32_t _nOptionInx) override;
+    HRESULT Z_STDCALL PropsOptionGet(BSTR _bsPropName, int32_t *_pnOptionIdx, BSTR *_pbsOptionValue, BSTR *_pbsHelp) override;
+
+    // IZPersist
+    HRESULT Z_STDCALL PersistSaveToFile(BSTR _bsObject, BSTR _bsFileName, BSTR _bsSaveParam) override;
+    HRESULT Z_STDCALL PersistSaveToString(BSTR _bsObject, BSTR *_pbsXMLDesc, BSTR _bsSaveParam) override;
+    HRESULT Z_STDCALL PersistLoad(BSTR _bsObject, BSTR _bsXMLDescOrFile, BSTR _bsLoadParam) override;
+
+private:
+    static void OutputThread(void *owner, int32_t index, CWorkerThread &self);
+
+    HRESULT ReceiveOverOutputThread(const ComPtr<IZFrame> &frame, IZFrame **result);
+    HRESULT KeyingStep(IZFrame *frame, ComPtr<IZFrame> *result);
+    HRESULT KeyFrame(IZFrame *working);
+    ComPtr<IZFrame> CutToBorders(IZFrame *clone) const;
+    CHROMA_KEY_RAW KeySnapshot() const;
+
+    CMemoryProps m_props;
+    CriticalSection m_lastFrameLock;
+    ComPtr<IZFrame> m_lastFrame;
+    CSliceThreads m_slices;
+    CriticalSection m_keyingLock;
+    CriticalSection m_receiveLock;
+    Event m_outputDone;
+    ComPtr<IZFrame> m_pendingFrame;
+    ComPtr<IZFrame> m_finishedFrame;
+    mutable CriticalSection m_keyLock;
+    CHROMA_KEY_RAW m_key;
+    CK_ADJUST m_adjust;
+    CBLOBHolder<CHeapAlloc> m_alpha;
+    CWorkerThread m_outputThread;
+};
+
+}    // namespace zck

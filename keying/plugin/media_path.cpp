@@ -1,0 +1,135 @@
+// The road of a frame: in through `OnMediaReceive`, over the output thread or straight, and out as a keyed clone.
+#include <algorithm>
+#include <cstring>
+#include <mutex>
+
+#include "frames/media/video_props.h"
+#include "keying/plugin/borders.h"
+#include "keying/plugin/chroma_key.h"
+#include "platform/clock.h"
+#include "platform/status.h"
+
+namespace zck {
+
+namespace {
+
+constexpr uint32_t kOutputWaitMs = 1000;
+constexpr int32_t kFallbackThreads = 6;
+constexpr int32_t kMostThreads = 16;
+
+constexpr TextView kOutputThreadName = ZCK_TEXT("output.thread");
+constexpr TextView kThreadsName = ZCK_TEXT("process.threads");
+constexpr TextView kBordersName = ZCK_TEXT("keying.borders");
+
+HRESULT HandOn(ComPtr<IZFrame> &&frame, IZFrame **result) {
+    if (!frame) return E_INVALIDARG;
+    *result = frame.Detach();
+    return S_OK;
+}
+
+}    // namespace
+
+HRESULT CCoZChromaKey::OnMediaReceive(int64_t, IUnknown *, IZFrame *_pFrame, IZFrame **_ppFrameRes) {
+    if (_pFrame == nullptr || _ppFrameRes == nullptr) return E_INVALIDARG;
+    return Guarded([&]() -> HRESULT {
+        const ComPtr<IZFrame> frame = QueryFor<IZFrame>(_pFrame);
+        if (!frame) return E_NOINTERFACE;
+        {
+            // The old frame leaves after the lock: its release may call anywhere.
+            ComPtr<IZFrame> last = frame;
+            const std::lock_guard guard(m_lastFrameLock);
+            std::swap(m_lastFrame, last);
+        }
+        if (m_props.GetBool(kOutputThreadName, true)) return ReceiveOverOutputThread(frame, _ppFrameRes);
+        ComPtr<IZFrame> keyed;
+        const HRESULT hr = KeyingStep(frame.get(), &keyed);
+        return FAILED(hr) ? hr : HandOn(std::move(keyed), _ppFrameRes);
+    });
+}
+
+HRESULT CCoZChromaKey::OnMediaEnd(int64_t, IUnknown *, uint32_t) { return S_OK; }
+
+HRESULT CCoZChromaKey::OnMediaFlush(int64_t, IUnknown *, uint32_t) { return S_OK; }
+
+HRESULT CCoZChromaKey::ReceiveOverOutputThread(const ComPtr<IZFrame> &frame, IZFrame **result) {
+    const uint32_t start = TimerMs();
+    for (uint32_t waited = 0; waited <= kOutputWaitMs; waited = TimerMs() - start) {
+        if (!m_outputDone.Wait(kOutputWaitMs - waited)) return S_FALSE;
+        // One delivery thread is the rule; should a second one come along, the event belongs to the first that finds it set.
+        const std::lock_guard guard(m_receiveLock);
+        if (!m_outputDone.Wait(0)) continue;
+        HRESULT hr = S_FALSE;
+        if (m_finishedFrame) hr = HandOn(std::move(m_finishedFrame), result);
+        m_pendingFrame = frame;
+        m_outputDone.Reset();
+        m_outputThread.Wake();
+        return hr;
+    }
+    return S_FALSE;
+}
+
+void CCoZChromaKey::OutputThread(void *owner, int32_t, CWorkerThread &self) {
+    auto &plugin = *static_cast<CCoZChromaKey *>(owner);
+    while (self.WaitWake()) {
+        if (!plugin.m_pendingFrame) continue;
+        // A failure has nobody to go to: the holder stays empty, and the next call finds no frame.
+        Guarded([&] { return plugin.KeyingStep(plugin.m_pendingFrame.get(), &plugin.m_finishedFrame); });
+        plugin.m_pendingFrame.Reset();
+        plugin.m_outputDone.Set();
+    }
+}
+
+CHROMA_KEY_RAW CCoZChromaKey::KeySnapshot() const {
+    const std::lock_guard guard(m_keyLock);
+    return m_key;
+}
+
+HRESULT CCoZChromaKey::KeyingStep(IZFrame *frame, ComPtr<IZFrame> *result) {
+    if (frame == nullptr || result == nullptr) return E_INVALIDARG;
+    if (KeySnapshot().eType == eCKT_None) return S_OK;
+    ComPtr<IZFrame> clone;
+    HRESULT hr = frame->FrameClone(clone.Put(), eZFC_Full, eZFCC_ARGB32);
+    if (FAILED(hr)) return hr;
+    if (!QueryFor<IZFFrame>(clone.get())) return E_NOINTERFACE;
+    const ComPtr<IZFrame> cut = CutToBorders(clone.get());
+    hr = KeyFrame(cut ? cut.get() : clone.get());
+    if (FAILED(hr)) return hr;
+    *result = std::move(clone);
+    return S_OK;
+}
+
+ComPtr<IZFrame> CCoZChromaKey::CutToBorders(IZFrame *clone) const {
+    ComPtr<IZFrame> cut;
+    Text text;
+    m_props.Get(kBordersName, &text);
+    const auto borders = BordersFromText(text);
+    Z_AV_PROPS props;
+    if (!borders || !borders->Any() || FAILED(clone->FrameAVPropsGet(&props))) return cut;
+    tagRECT rect = BordersRect(*borders, props.vidProps);
+    if (FAILED(clone->FrameCut(-1, &rect, cut.Put()))) cut.Reset();
+    return cut;
+}
+
+HRESULT CCoZChromaKey::KeyFrame(IZFrame *working) {
+    Z_AV_PROPS props;
+    int32_t bytes = 0;
+    int64_t address = 0;
+    HRESULT hr = working->FrameAVPropsGet(&props);
+    if (SUCCEEDED(hr)) hr = working->FrameVideoGetBytes(&bytes, &address);
+    if (FAILED(hr)) return hr;
+    const CHROMA_KEY_RAW key = KeySnapshot();
+    if (key.eType == eCKT_None || key.eType == eCKT_Alpha) return S_OK;
+    auto *pixels = reinterpret_cast<uint8_t *>(address);
+    if (pixels != nullptr && VideoBytesNeeded(props.vidProps) > bytes) return kVfwEInvalidMediaType;
+
+    // The slice pool and the plane serve one frame at a time.
+    const std::lock_guard guard(m_keyingLock);
+    // One byte a pixel would do; the plane has the frame's byte size and is kept. Without memory the dispatcher finds no plane.
+    const bool fresh = m_alpha.Reserve(static_cast<uint32_t>(bytes)) == S_OK;
+    if (fresh) std::memset(m_alpha.Data(0), 0, m_alpha.Capacity());
+    hr = m_slices.SetThreadCount(std::min(m_props.GetInt(kThreadsName, kFallbackThreads), kMostThreads));
+    if (FAILED(hr)) return hr;
+    return m_slices.Dispatch(pixels, m_alpha.Data(0), &props.vidProps, &key, true, false);
+}
+
+}    // namespace zck

@@ -1,0 +1,45 @@
+// The door of the library: class objects, the unload question, and the frame factory for hosts without frames of their own.
+#include "zchromakey/module.h"
+
+#include "frames/factory/factory.h"
+#include "keying/plugin/chroma_key.h"
+#include "platform/object.h"
+#include "platform/status.h"
+
+namespace {
+
+template <class T>
+HRESULT FactoryCreate(REFIID riid, void **ppv) {
+    return zck::CreateObject<zck::CoClassFactory<T>>(nullptr, riid, ppv);
+}
+
+/// A class that the module can create.
+struct ClassEntry {
+    const CLSID *clsid;
+    HRESULT (*factory)(REFIID riid, void **ppv);
+};
+
+constexpr ClassEntry kClasses[] = {
+    {&CLSID_ZChromaKey, &FactoryCreate<zck::CCoZChromaKey>},
+};
+
+}    // namespace
+
+extern "C" {
+
+HRESULT Z_STDCALL DllGetClassObject(REFCLSID rclsid, REFIID riid, void **ppv) {
+    if (ppv == nullptr) return E_POINTER;
+    *ppv = nullptr;
+    for (const ClassEntry &entry : kClasses)
+        if (rclsid == *entry.clsid) return entry.factory(riid, ppv);
+    return CLASS_E_CLASSNOTAVAILABLE;
+}
+
+HRESULT Z_STDCALL DllCanUnloadNow() { return zck::ModuleCount::Get() == 0 ? S_OK : S_FALSE; }
+
+HRESULT Z_STDCALL ZFramesCreate(REFIID riid, void **ppv) {
+    if (ppv == nullptr) return E_POINTER;
+    *ppv = nullptr;
+    return zck::FrameFactoryCreate(riid, ppv);
+}
+}

@@ -1,0 +1,268 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <vector>
+
+#include "frames/factory/factory.h"
+#include "frames/media/pixel_format.h"
+#include "keying/plugin/chroma_key.h"
+#include "platform/status.h"
+#include "zchromakey/zchromakey.h"
+
+namespace zck {
+namespace {
+
+constexpr int kWidth = 64;
+constexpr int kHeight = 32;
+constexpr uint32_t kGreen = 0xFF10C020;
+constexpr uint32_t kSkin = 0xFF8090D0;
+
+/// A plug-in, a frame factory and a key that takes pure screen pixels out.
+class MediaPath : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_EQ(CreateObject<CCoZChromaKey>(nullptr, IID_IZPlugin, reinterpret_cast<void **>(m_plugin.Put())), S_OK);
+        ASSERT_EQ(FrameFactoryCreate(IID_IZFrames, reinterpret_cast<void **>(m_frames.Put())), S_OK);
+        m_key = QueryFor<IZChromaKey>(m_plugin.get());
+        m_props = QueryFor<IZProps>(m_plugin.get());
+        ASSERT_TRUE(m_key && m_props);
+    }
+
+    void Set(const char *name, const char *value) {
+        const Bstr bsName(TextFromUtf8(name));
+        const Bstr bsValue(TextFromUtf8(value));
+        ASSERT_EQ(m_props->PropsSet(bsName.get(), bsValue.get()), S_OK);
+    }
+
+    void SetKey(eCK_Type type) {
+        CHROMA_KEY_RAW key{};
+        key.eType = type;
+        key.nKeysUsed = 1;
+        key.arrKeys[0].nValue = 0x0020C010;    // red in the low byte
+        key.arrKeys[0].nDelta = 0x00282828;
+        key.arrKeys[0].nSmoothRange = 20;
+        key.nMaxTransparent = 255;
+        ASSERT_EQ(m_key->KeyRawSet(&key), S_OK);
+    }
+
+    /// Green on the left half, skin on the right one, top-down.
+    ComPtr<IZFrame> Frame(eZFCC fcc = eZFCC_RGB32, int width = kWidth, int height = kHeight) {
+        Z_VID_PROPS props{};
+        props.fccType = fcc;
+        props.nWidth = width;
+        props.nHeight = -height;
+        props.nRowBytes = RowBytes(fcc, width);
+        props.eInterlace = eZI_Progressive;
+        std::vector<uint32_t> pixels(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+        for (std::size_t i = 0; i < pixels.size(); ++i)
+            pixels[i] = i % static_cast<std::size_t>(width) < static_cast<std::size_t>(width) / 2 ? kGreen : kSkin;
+        ComPtr<IZFrame> frame;
+        EXPECT_EQ(m_frames->FrameCreateFromProps(&props, reinterpret_cast<int64_t>(pixels.data()), frame.Put(), nullptr), S_OK);
+        return frame;
+    }
+
+    static std::vector<uint32_t> Pixels(IZFrame *frame) {
+        int32_t bytes = 0;
+        int64_t address = 0;
+        EXPECT_EQ(frame->FrameVideoGetBytes(&bytes, &address), S_OK);
+        std::vector<uint32_t> pixels(static_cast<std::size_t>(bytes) / 4);
+        if (!pixels.empty()) std::memcpy(pixels.data(), reinterpret_cast<const void *>(address), pixels.size() * 4);
+        return pixels;
+    }
+
+    static uint32_t At(const std::vector<uint32_t> &pixels, int x, int y) {
+        return pixels[static_cast<std::size_t>(y * kWidth + x)];
+    }
+
+    ComPtr<IZPlugin> m_plugin;
+    ComPtr<IZFrames> m_frames;
+    ComPtr<IZChromaKey> m_key;
+    ComPtr<IZProps> m_props;
+};
+
+TEST_F(MediaPath, EachFrameComesOneCallLate) {
+    SetKey(eCKT_RGB);
+    const ComPtr<IZFrame> first = Frame();
+    ComPtr<IZFrame> out;
+    EXPECT_EQ(m_plugin->OnMediaReceive(0, nullptr, first.get(), out.Put()), S_FALSE);
+    EXPECT_FALSE(out);
+    EXPECT_EQ(m_plugin->OnMediaReceive(0, nullptr, Frame(eZFCC_RGB32, 32, 16).get(), out.Put()), S_OK);
+    ASSERT_TRUE(out);
+    Z_AV_PROPS props{};
+    ASSERT_EQ(out->FrameAVPropsGet(&props), S_OK);
+    EXPECT_EQ(props.vidProps.nWidth, kWidth);
+    EXPECT_EQ(props.vidProps.fccType, eZFCC_ARGB32);
+    const auto pixels = Pixels(out.get());
+    EXPECT_EQ(At(pixels, 3, 5), 0u);
+    EXPECT_EQ(At(pixels, 60, 5), kSkin);
+}
+
+TEST_F(MediaPath, TheInputFrameIsNeverChanged) {
+    Set("output.thread", "false");
+    SetKey(eCKT_RGB);
+    const ComPtr<IZFrame> in = Frame(eZFCC_ARGB32);
+    const auto before = Pixels(in.get());
+    ComPtr<IZFrame> out;
+    ASSERT_EQ(m_plugin->OnMediaReceive(0, nullptr, in.get(), out.Put()), S_OK);
+    EXPECT_EQ(Pixels(in.get()), before);
+    EXPECT_NE(Pixels(out.get()), before);
+}
+
+TEST_F(MediaPath, WithoutAKeyThePlainCloneLeaves) {
+    Set("output.thread", "false");
+    for (const eCK_Type type : {eCKT_Alpha, eCKT_Auto}) {
+        SetKey(type);
+        const ComPtr<IZFrame> in = Frame();
+        ComPtr<IZFrame> out;
+        ASSERT_EQ(m_plugin->OnMediaReceive(0, nullptr, in.get(), out.Put()), S_OK);
+        EXPECT_EQ(Pixels(out.get()), Pixels(in.get()));
+        Z_AV_PROPS props{};
+        out->FrameAVPropsGet(&props);
+        EXPECT_EQ(props.vidProps.fccType, eZFCC_ARGB32);
+    }
+}
+
+TEST_F(MediaPath, ASwitchedOffKeyRefusesTheFrameButKeepsIt) {
+    SetKey(eCKT_None);
+    ComPtr<IZKey> key;
+    EXPECT_EQ(m_key->KeyGet(nullptr, key.Put(), nullptr), kVfwEWrongState);
+    Set("output.thread", "false");
+    ComPtr<IZFrame> out;
+    EXPECT_EQ(m_plugin->OnMediaReceive(0, nullptr, Frame().get(), out.Put()), E_INVALIDARG);
+    EXPECT_FALSE(out);
+    EXPECT_NE(m_key->KeyGet(nullptr, key.Put(), nullptr), kVfwEWrongState);
+    Set("output.thread", "true");
+    EXPECT_EQ(m_plugin->OnMediaReceive(0, nullptr, Frame().get(), out.Put()), S_FALSE);
+    EXPECT_EQ(m_plugin->OnMediaReceive(0, nullptr, Frame().get(), out.Put()), S_FALSE);
+    EXPECT_FALSE(out);
+}
+
+TEST_F(MediaPath, BordersStayUnkeyedButConverted) {
+    Set("output.thread", "false");
+    Set("keying.borders", "10 4");
+    SetKey(eCKT_RGB);
+    ComPtr<IZFrame> out;
+    ASSERT_EQ(m_plugin->OnMediaReceive(0, nullptr, Frame().get(), out.Put()), S_OK);
+    const auto pixels = Pixels(out.get());
+    EXPECT_EQ(At(pixels, 15, 10), kGreen);
+    EXPECT_EQ(At(pixels, 16, 10), 0u);
+    EXPECT_EQ(At(pixels, 20, 3), kGreen);
+    EXPECT_EQ(At(pixels, 20, 4), 0u);
+    EXPECT_EQ(At(pixels, 20, kHeight - 5), 0u);
+    EXPECT_EQ(At(pixels, 20, kHeight - 4), kGreen);
+}
+
+TEST_F(MediaPath, BordersWithoutANumberKeyTheWholeFrame) {
+    Set("output.thread", "false");
+    Set("keying.borders", " ; ");
+    SetKey(eCKT_RGB);
+    ComPtr<IZFrame> out;
+    ASSERT_EQ(m_plugin->OnMediaReceive(0, nullptr, Frame().get(), out.Put()), S_OK);
+    EXPECT_EQ(At(Pixels(out.get()), 0, 0), 0u);
+}
+
+TEST_F(MediaPath, EveryThreadCountKeysTheFrameAndAbsurdOnesAreRefused) {
+    Set("output.thread", "false");
+    SetKey(eCKT_RGB);
+    std::vector<uint32_t> expected;
+    for (const char *count : {"1", "2", "4", "8", "16", "20"}) {
+        Set("process.threads", count);
+        ComPtr<IZFrame> out;
+        ASSERT_EQ(m_plugin->OnMediaReceive(0, nullptr, Frame().get(), out.Put()), S_OK) << count;
+        if (expected.empty()) expected = Pixels(out.get());
+        EXPECT_EQ(Pixels(out.get()), expected) << count;
+    }
+    for (const char *count : {"0", "-3", "many"}) {
+        Set("process.threads", count);
+        ComPtr<IZFrame> out;
+        EXPECT_EQ(m_plugin->OnMediaReceive(0, nullptr, Frame().get(), out.Put()), E_INVALIDARG) << count;
+        EXPECT_FALSE(out);
+    }
+}
+
+TEST_F(MediaPath, NullArgumentsAndForeignObjectsAreRefused) {
+    ComPtr<IZFrame> out;
+    EXPECT_EQ(m_plugin->OnMediaReceive(0, nullptr, nullptr, out.Put()), E_INVALIDARG);
+    EXPECT_EQ(m_plugin->OnMediaReceive(0, nullptr, Frame().get(), nullptr), E_INVALIDARG);
+    const ComPtr<IZFProcess> process = QueryFor<IZFProcess>(m_plugin.get());
+    ASSERT_TRUE(process);
+    ComPtr<IUnknown> result;
+    EXPECT_EQ(process->FrameProcess(m_plugin.get(), result.Put(), nullptr), E_NOINTERFACE);
+    EXPECT_EQ(process->FrameProcess(nullptr, result.Put(), nullptr), E_INVALIDARG);
+    EXPECT_EQ(m_key->KeyRawSet(nullptr), E_POINTER);
+    EXPECT_EQ(m_key->KeyRawGet(nullptr), E_POINTER);
+}
+
+TEST_F(MediaPath, FrameProcessHandsTheInputBackWhenThereIsNoResult) {
+    SetKey(eCKT_RGB);
+    const ComPtr<IZFProcess> process = QueryFor<IZFProcess>(m_plugin.get());
+    const ComPtr<IZFrame> in = Frame();
+    ComPtr<IUnknown> out;
+    EXPECT_EQ(process->FrameProcess(in.get(), out.Put(), nullptr), S_FALSE);
+    EXPECT_EQ(QueryFor<IZFrame>(out.get()).get(), in.get());
+    EXPECT_EQ(process->FrameProcess(Frame().get(), out.Put(), nullptr), S_OK);
+    EXPECT_NE(QueryFor<IZFrame>(out.get()).get(), in.get());
+}
+
+TEST_F(MediaPath, FlushAndEndLeaveThePendingFrame) {
+    SetKey(eCKT_RGB);
+    ComPtr<IZFrame> out;
+    m_plugin->OnMediaReceive(0, nullptr, Frame().get(), out.Put());
+    EXPECT_EQ(m_plugin->OnMediaFlush(0, nullptr, 7), S_OK);
+    EXPECT_EQ(m_plugin->OnMediaEnd(0, nullptr, 7), S_OK);
+    EXPECT_EQ(m_plugin->OnMediaReceive(0, nullptr, Frame().get(), out.Put()), S_OK);
+    EXPECT_TRUE(out);
+}
+
+TEST_F(MediaPath, ARecordThatStatesMoreThanItsPixelsIsRefused) {
+    Set("output.thread", "false");
+    SetKey(eCKT_RGB);
+    const ComPtr<IZFrame> frame = Frame(eZFCC_ARGB32);
+    Z_AV_PROPS props{};
+    frame->FrameAVPropsGet(&props);
+    props.vidProps.nHeight = -100000;
+    frame->FrameAVPropsSet(&props);
+    ComPtr<IZFrame> out;
+    EXPECT_EQ(m_plugin->OnMediaReceive(0, nullptr, frame.get(), out.Put()), kVfwEInvalidMediaType);
+    EXPECT_FALSE(out);
+}
+
+TEST_F(MediaPath, AFrameWithoutPixelsIsRefusedByAKeyAndPassesWithoutOne) {
+    Set("output.thread", "false");
+    ComPtr<IZFrame> empty;
+    ASSERT_EQ(m_frames->FrameCreate(0, nullptr, empty.Put()), S_OK);
+    ComPtr<IZFrame> out;
+    SetKey(eCKT_Alpha);
+    EXPECT_EQ(m_plugin->OnMediaReceive(0, nullptr, empty.get(), out.Put()), S_OK);
+    SetKey(eCKT_RGB);
+    EXPECT_EQ(m_plugin->OnMediaReceive(0, nullptr, empty.get(), out.Put()), E_POINTER);
+}
+
+TEST_F(MediaPath, AnEmptyKeyMakesTheFrameOpaqueOnSeveralThreadsOnly) {
+    Set("output.thread", "false");
+    CHROMA_KEY_RAW key{};
+    key.eType = eCKT_RGB;
+    key.nKeysUsed = -5;
+    ASSERT_EQ(m_key->KeyRawSet(&key), S_OK);
+    ComPtr<IZFrame> out;
+    ASSERT_EQ(m_plugin->OnMediaReceive(0, nullptr, Frame().get(), out.Put()), S_OK);
+    EXPECT_EQ(At(Pixels(out.get()), 0, 0), kGreen);
+}
+
+TEST_F(MediaPath, TheRawKeyComesBackAsItWasSet) {
+    CHROMA_KEY_RAW key{};
+    key.eType = eCKT_YUV;
+    key.nKeysUsed = 20;
+    key.arrKeys[15].nReverseKey = -7;
+    ASSERT_EQ(m_key->KeyRawSet(&key), S_OK);
+    CHROMA_KEY_RAW back{};
+    ASSERT_EQ(m_key->KeyRawGet(&back), S_OK);
+    EXPECT_EQ(std::memcmp(&key, &back, sizeof key), 0);
+    EXPECT_EQ(m_key->KeySet(nullptr), S_OK);
+    m_key->KeyRawGet(&back);
+    EXPECT_EQ(back.eType, eCKT_Alpha);
+    EXPECT_EQ(back.nKeysUsed, 0);
+}
+
+}    // namespace
+}    // namespace zck
