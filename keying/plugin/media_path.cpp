@@ -1,6 +1,5 @@
 // The road of a frame: in through `OnMediaReceive`, over the output thread or straight, and out as a keyed clone.
 #include <algorithm>
-#include <cstring>
 #include <mutex>
 
 #include "frames/media/video_props.h"
@@ -125,11 +124,10 @@ HRESULT CCoZChromaKey::KeyFrame(IZFrame *working) {
     // The slice pool and the plane serve one frame at a time.
     const std::lock_guard guard(m_keyingLock);
     // One byte a pixel would do; the plane has the frame's byte size and is kept. Without memory the dispatcher finds no plane.
-    const bool fresh = m_alpha.Reserve(static_cast<uint32_t>(bytes)) == S_OK;
-    if (fresh) std::memset(m_alpha.Data(0), 0, m_alpha.Capacity());
+    m_alpha.Reserve(static_cast<uint32_t>(bytes));
     hr = m_slices.SetThreadCount(std::min(m_props.GetInt(kThreadsName, kFallbackThreads), kMostThreads));
     if (FAILED(hr)) return hr;
-    return m_slices.Dispatch(pixels, m_alpha.Data(0), &props.vidProps, &key, true, false);
+    return m_slices.Dispatch(pixels, m_alpha.Data(0), &props.vidProps, &key, true, false, nullptr, bytes);
 }
 
 }    // namespace zck
