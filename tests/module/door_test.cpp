@@ -34,7 +34,7 @@ TEST(Door, ThePluginIsMadeByItsClassFactory) {
 
 TEST(Door, ALockKeepsTheModule) {
     Held<IClassFactory> factory;
-    ASSERT_EQ(DllGetClassObject(CLSID_ZChromaKey, IID_IUnknown, factory.Out()), S_OK);
+    ASSERT_EQ(DllGetClassObject(CLSID_ZChromaKey, IID_IClassFactory, factory.Out()), S_OK);
     ASSERT_EQ(factory->LockServer(1), S_OK);
     EXPECT_EQ(DllCanUnloadNow(), S_FALSE);
     ASSERT_EQ(factory->LockServer(0), S_OK);
