@@ -150,6 +150,7 @@ struct NoMemory {
 };
 
 TEST(BlobHolder, IsEmptyWhenThereIsNoMemory) {
+    NoMemory::freed = 0;
     CBLOBHolder<NoMemory> holder;
     ASSERT_EQ(holder.Reserve(16), S_OK);
     EXPECT_EQ(holder.Reserve(17, 5), E_OUTOFMEMORY);
