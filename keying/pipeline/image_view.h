@@ -28,6 +28,11 @@ struct ImageView {
     int32_t AlphaReach() const { return std::max(blocks * 8, width + 1); }
 };
 
+/// Blocks that are measured in a row; rows `stride` bytes apart.
+inline int32_t BlocksOf(int32_t width, int64_t stride) {
+    return DistanceBlocks(width, static_cast<int32_t>(std::min<int64_t>(stride, INT32_MAX)));
+}
+
 /// The view of props that were found sound by `CheckProps`.
 inline ImageView MakeView(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS *props, int64_t stride, const KeyBounds &bounds) {
     const int32_t height = props->nHeight < 0 ? -props->nHeight : props->nHeight;

@@ -6,6 +6,7 @@
 #include "keying/pipeline/image_view.h"
 #include "keying/pipeline/plan.h"
 #include "keying/pipeline/plane_road.h"
+#include "keying/pipeline/row_road.h"
 #include "platform/status.h"
 
 namespace zck {
@@ -28,6 +29,24 @@ HRESULT KeyFields(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS &props, CHR
     return FAILED(first) ? first : second;
 }
 
+// The frame as rows, if it has a shape for that.
+bool KeyRows(const ImageView &image, const KeyPlan &plan, bool fields, bool writeAlpha) {
+    if (image.bounds.alphaRow != KeyBounds::kAnyRow || image.bounds.pixelRow != KeyBounds::kAnyRow) return false;
+    RowFrame frame = {};
+    frame.view = image;
+    frame.plan = &plan;
+    frame.fields = fields ? 2 : 1;
+    frame.view.blocks = BlocksOf(image.width, image.stride * frame.fields);
+    frame.keyedRows = image.height / frame.fields * frame.fields;
+    frame.merge = image.props->fccType == eZFCC_ARGB32 || writeAlpha;
+    if (!RowRoad::Serves(frame)) return false;
+    RowRoad road;
+    road.Start(frame, 1);
+    road.MakeEdges(0);
+    road.Walk(0);
+    return true;
+}
+
 }    // namespace
 
 HRESULT CheckProps(const Z_VID_PROPS &props) {
@@ -42,9 +61,12 @@ HRESULT KeyImage(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS *props, cons
     const HRESULT hr = CheckProps(*props);
     if (FAILED(hr)) return hr;
     return Guarded([&] {
-        if (key->nInterlacedVideo > 0) return KeyFields(pixels, alpha, *props, *key, writeAlpha, bounds);
+        const KeyPlan plan = KeyPlanMake(*key);
         const ImageView view = MakeView(pixels, alpha, props, AlphaStride(*props), bounds);
-        return KeyByPlanes(view, KeyPlanMake(*key), writeAlpha);
+        const bool fields = key->nInterlacedVideo > 0;
+        if (KeyRows(view, plan, fields, writeAlpha)) return plan.hasAlpha ? S_OK : S_FALSE;
+        if (fields) return KeyFields(pixels, alpha, *props, *key, writeAlpha, bounds);
+        return KeyByPlanes(view, plan, writeAlpha);
     });
 }
 
@@ -52,8 +74,7 @@ HRESULT CK_GetAlphaKeyEx3(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS *pr
                           bool writeAlpha) {
     if (pixels == nullptr || alpha == nullptr || props == nullptr || key == nullptr) return E_POINTER;
     const int64_t rows = props->nHeight < 0 ? -int64_t{props->nHeight} : props->nHeight;
-    constexpr int64_t kAnyRow = std::numeric_limits<int64_t>::max();
-    const KeyBounds bounds{rows * props->nRowBytes, rows * AlphaStride(*props), kAnyRow, kAnyRow};
+    const KeyBounds bounds{rows * props->nRowBytes, rows * AlphaStride(*props), KeyBounds::kAnyRow, KeyBounds::kAnyRow};
     return KeyImage(pixels, alpha, props, key, writeAlpha, bounds);
 }
 

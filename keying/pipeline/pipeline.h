@@ -27,6 +27,8 @@ HRESULT CK_GetAlphaKeyEx3(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS *pr
 
 /// What a call may touch, for callers that know it better than the props say.
 struct KeyBounds {
+    static constexpr int64_t kAnyRow = INT64_MAX;    ///< rows may run into each other, as far as the buffer goes
+
     int64_t pixelBytes;    ///< from `pixels` on; reads beyond give 0
     int64_t alphaBytes;    ///< from `alpha` on; writes beyond are dropped
     int64_t pixelRow;      ///< bytes from the start of a pixel row that may be read

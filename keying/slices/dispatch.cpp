@@ -13,8 +13,6 @@
 namespace zck {
 namespace {
 
-constexpr int64_t kAnyRow = std::numeric_limits<int64_t>::max();
-
 int32_t RowCount(const Z_VID_PROPS &props) { return props.nHeight < 0 ? -props.nHeight : props.nHeight; }
 
 HRESULT CheckFrame(const Z_VID_PROPS &props, int32_t slices, int64_t pixelBytes) {
@@ -38,57 +36,92 @@ KeyBounds SliceBounds(const Z_VID_PROPS &props, int64_t pixelBytes, int32_t inde
     const int64_t stride = AlphaStride(props);
     const int64_t alphaBytes = stride * RowCount(props);
     const bool single = count == 1;
-    return {pixelBytes - int64_t{index} * props.nRowBytes, alphaBytes - index * stride, single ? kAnyRow : props.nRowBytes,
-            single ? kAnyRow : stride};
+    return {pixelBytes - int64_t{index} * props.nRowBytes, alphaBytes - index * stride,
+            single ? KeyBounds::kAnyRow : props.nRowBytes, single ? KeyBounds::kAnyRow : stride};
 }
 
 }    // namespace
+
+bool CSliceThreads::PrepareRows(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS &props, const RowSource *source,
+                                int64_t pixelBytes) {
+    Frame &frame = *m_frame;
+    frame.plan = KeyPlanMake(frame.key);
+    RowFrame rows = {};
+    rows.view = MakeView(pixels, alpha, &props, AlphaStride(props), SliceBounds(props, pixelBytes, 0, m_count));
+    rows.plan = &frame.plan;
+    rows.source = source;
+    rows.fields = frame.key.nInterlacedVideo != 0 ? 2 : 1;
+    rows.seam = m_count > 1;
+    // Slices measure their rows as images with rows N times as far apart; one slice does its fields apart.
+    rows.view.blocks = BlocksOf(props.nWidth, rows.view.stride * (rows.seam ? m_count : rows.fields));
+    rows.keyedRows = rows.seam ? rows.view.height / m_count * m_count : rows.view.height / rows.fields * rows.fields;
+    rows.merge = props.fccType == eZFCC_ARGB32;
+    rows.premultiply = true;
+    if (!RowRoad::Serves(rows)) return false;
+    frame.bands = frame.road.Start(rows, m_count);
+    std::fill_n(frame.bandStatus, kSlotsMax, S_OK);
+    frame.edgesToCome = frame.bands;
+    frame.edgesDone.Reset();
+    return true;
+}
+
+// What keeps a frame by rows from being whole: a source that failed, or no memory. No slice's status tells it.
+HRESULT CSliceThreads::FinishRows() {
+    for (const HRESULT hr : m_frame->bandStatus) {
+        if (FAILED(hr)) return hr;
+    }
+    return S_OK;
+}
 
 HRESULT CSliceThreads::Dispatch(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS *vidProps, const CHROMA_KEY_RAW *key,
                                 bool bWriteAlpha, bool bReturnEarly, const RowSource *source, int64_t pixelBytes) {
     if (pixels == nullptr || alpha == nullptr || vidProps == nullptr || key == nullptr) return E_POINTER;
     Frame &frame = *m_frame;
     const Z_VID_PROPS props = *vidProps;
-    const HRESULT sound = CheckFrame(props, m_count, pixelBytes);
     const bool keys = IsKeyingType(key->eType);
-    if (FAILED(sound)) return keys ? sound : S_FALSE;
+    HRESULT hr = CheckFrame(props, m_count, pixelBytes);
+    if (FAILED(hr)) return keys ? hr : S_FALSE;
     if (pixelBytes == 0) pixelBytes = int64_t{RowCount(props)} * props.nRowBytes;
 
+    const int32_t n = m_count;
     frame.key = *key;
     frame.key.nKeysUsed = KeysUsed(*key);
     frame.key.nInterlacedVideo = FieldOrderSign(&props) != 0 ? 1 : 0;
     frame.bWriteAlpha = bWriteAlpha;
-    const HRESULT fetched = FetchAll(pixels, props, source);
-    if (FAILED(fetched)) return fetched;
-    if (!keys) return S_FALSE;
-
-    const int32_t n = m_count;
     frame.count = n;
     frame.props = props;
     frame.props.nRowBytes *= n;
     frame.props.nHeight /= n;
     frame.props.eInterlace = eZI_Progressive;
-    if (frame.props.nHeight == 0) {
-        // Fewer rows than slices: nothing is keyed.
-        for (int32_t i = 0; i < n; ++i) m_status[static_cast<size_t>(i)] = S_OK;
-        if (bReturnEarly) return S_FALSE;
-        PremultiplyFrame(pixels, props, pixelBytes);
-        return m_status[0] < 0 ? m_status[0] : m_status[1];
-    }
-    for (int32_t i = 0; i < n; ++i) {
-        frame.slicePixels[i] = pixels + int64_t{i} * props.nRowBytes;
-        frame.sliceAlpha[i] = alpha + int64_t{i} * AlphaStride(props);
-        frame.sliceBounds[i] = SliceBounds(props, pixelBytes, i, n);
-    }
-    WakeAll();
-    if (bReturnEarly) return S_FALSE;
-    const HRESULT hr = WaitDone();
+    const bool sliced = keys && frame.props.nHeight != 0;
+    frame.byRows = sliced && !bReturnEarly && PrepareRows(pixels, alpha, props, source, pixelBytes);
+    if (!frame.byRows) hr = FetchAll(pixels, props, source);
     if (FAILED(hr)) return hr;
-    if (n > 1) {
-        KeyBounds bounds = SliceBounds(props, pixelBytes, 0, n);
-        FinishAlphaWithin(pixels, alpha, &props, &frame.key, bounds);
+    if (!keys) return S_FALSE;
+
+    if (sliced) {
+        for (int32_t i = 0; i < n; ++i) {
+            frame.slicePixels[i] = pixels + int64_t{i} * props.nRowBytes;
+            frame.sliceAlpha[i] = alpha + int64_t{i} * AlphaStride(props);
+            frame.sliceBounds[i] = SliceBounds(props, pixelBytes, i, n);
+        }
+        WakeAll();
+    } else {
+        // Fewer rows than slices: nothing is keyed.
+        std::fill_n(m_status.begin(), n, S_OK);
     }
-    PremultiplyFrame(pixels, props, pixelBytes);
+    if (bReturnEarly) return S_FALSE;
+    if (sliced) {
+        hr = WaitDone();
+        if (FAILED(hr)) return hr;
+    }
+    if (frame.byRows) {
+        hr = FinishRows();
+        if (FAILED(hr)) return hr;
+    } else {
+        if (sliced && n > 1) FinishAlphaWithin(pixels, alpha, &props, &frame.key, SliceBounds(props, pixelBytes, 0, n));
+        PremultiplyFrame(pixels, props, pixelBytes);
+    }
     return m_status[0] < 0 ? m_status[0] : m_status[1];
 }
 

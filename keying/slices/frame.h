@@ -2,6 +2,7 @@
 #pragma once
 
 #include "keying/pipeline/pipeline.h"
+#include "keying/pipeline/row_road.h"
 #include "keying/slices/slices.h"
 
 namespace zck {
@@ -14,6 +15,15 @@ struct CSliceThreads::Frame {
     Z_VID_PROPS props = {};    // of a slice: rows N times as far apart, one N-th of them
     int32_t count = 0;         // N, as it was when the frame came
     bool bWriteAlpha = false;
+
+    // The frame as rows, when it has a shape for that; the slots then have bands instead of slices.
+    bool byRows = false;
+    KeyPlan plan = {};
+    RowRoad road;
+    int32_t bands = 0;
+    HRESULT bandStatus[kSlotsMax] = {};
+    std::atomic<int32_t> edgesToCome{0};
+    Event edgesDone{true};
 };
 
 }    // namespace zck

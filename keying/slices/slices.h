@@ -59,6 +59,10 @@ private:
     static void Body(void *owner, int32_t index, CWorkerThread &self);
     void Work(int32_t index, CWorkerThread &self);
     HRESULT WorkComb(int32_t index);
+    HRESULT WorkBand(int32_t index, const CWorkerThread &self);
+    bool AwaitEdges(const CWorkerThread &self);
+    bool PrepareRows(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS &props, const RowSource *source, int64_t pixelBytes);
+    HRESULT FinishRows();
     void StopAll();
     void WakeAll();
 
