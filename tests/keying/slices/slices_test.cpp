@@ -2,4 +2,507 @@
 
 #include <gtest/gtest.h>
 
-TEST(Slices, placeholder_for_build) { SUCCEED(); }
+#include "keying/slices/finish_alpha.h"
+#include "platform/status.h"
+#include "tests/keying/pipeline/image_fixture.h"
+
+namespace zck {
+namespace {
+
+using test::GreenKey;
+using test::Guarded;
+using test::Props;
+
+uint8_t Multiplied(int32_t c, int32_t a) {
+    const int32_t t = c * a;
+    return static_cast<uint8_t>((t + (t >> 8) + 1) >> 8);
+}
+
+/// A frame with a plane that holds `held`.
+struct Frame {
+    explicit Frame(const Z_VID_PROPS &p, uint8_t held = 0x55)
+        : props(p), pixels(test::PixelBytes(p)), alpha(test::AlphaBytes(p), held) {
+        test::FillScene(pixels.Data(), pixels.Size(), 5);
+        before = pixels.Bytes();
+    }
+    HRESULT Dispatch(CSliceThreads &pool, const CHROMA_KEY_RAW &key, const RowSource *source = nullptr) {
+        return pool.Dispatch(pixels.Data(), alpha.Data(), &props, &key, true, false, source);
+    }
+    size_t At(int32_t x, int32_t y) const { return static_cast<size_t>(y * props.nRowBytes + 4 * x); }
+    uint8_t Alpha(int32_t x, int32_t y) const { return alpha.Data()[y * AlphaStride(props) + x]; }
+    uint8_t Byte(int32_t x, int32_t y, size_t j) const { return pixels.Data()[At(x, y) + j]; }
+    uint8_t Old(int32_t x, int32_t y, size_t j) const { return before[At(x, y) + j]; }
+    /// The pixel has this alpha, and its old colour times it.
+    bool Left(int32_t x, int32_t y, int32_t a) const {
+        for (size_t j = 0; j < 3; ++j) {
+            if (Byte(x, y, j) != Multiplied(Old(x, y, j), a)) return false;
+        }
+        return Byte(x, y, 3) == a;
+    }
+
+    Z_VID_PROPS props;
+    Guarded pixels;
+    Guarded alpha;
+    std::vector<uint8_t> before;
+};
+
+struct Pool : CSliceThreads {
+    explicit Pool(int32_t n) { SetThreadCount(n); }
+};
+
+TEST(Slices, thread_count_has_limits) {
+    CSliceThreads pool;
+    EXPECT_EQ(6, pool.ThreadCount());
+    EXPECT_EQ(S_FALSE, pool.SetThreadCount(6));
+    EXPECT_EQ(E_INVALIDARG, pool.SetThreadCount(0));
+    EXPECT_EQ(E_INVALIDARG, pool.SetThreadCount(-3));
+    EXPECT_EQ(E_INVALIDARG, pool.SetThreadCount(INT32_MIN));
+    EXPECT_EQ(6, pool.ThreadCount());
+    EXPECT_EQ(S_OK, pool.SetThreadCount(20));
+    EXPECT_EQ(16, pool.ThreadCount());
+    EXPECT_EQ(S_OK, pool.SetThreadCount(20));
+    EXPECT_EQ(S_FALSE, pool.SetThreadCount(16));
+    EXPECT_EQ(S_OK, pool.SetThreadCount(1));
+}
+
+TEST(Slices, nothing_to_wait_for_before_the_first_frame) {
+    Pool pool(2);
+    EXPECT_EQ(S_FALSE, pool.WaitDone());
+    Frame frame(Props(16, 4));
+    EXPECT_EQ(S_OK, frame.Dispatch(pool, GreenKey()));
+    EXPECT_EQ(S_OK, pool.WaitDone());
+}
+
+TEST(Slices, refuses_null_arguments) {
+    Pool pool(2);
+    Frame f(Props(16, 4));
+    const CHROMA_KEY_RAW key = GreenKey();
+    EXPECT_EQ(E_POINTER, pool.Dispatch(nullptr, f.alpha.Data(), &f.props, &key, true, false));
+    EXPECT_EQ(E_POINTER, pool.Dispatch(f.pixels.Data(), nullptr, &f.props, &key, true, false));
+    EXPECT_EQ(E_POINTER, pool.Dispatch(f.pixels.Data(), f.alpha.Data(), nullptr, &key, true, false));
+    EXPECT_EQ(E_POINTER, pool.Dispatch(f.pixels.Data(), f.alpha.Data(), &f.props, nullptr, true, false));
+    EXPECT_EQ(E_POINTER, FinishAlpha(nullptr, f.alpha.Data(), &f.props, &key));
+    EXPECT_EQ(E_POINTER, FinishAlpha(f.pixels.Data(), nullptr, &f.props, &key));
+    EXPECT_EQ(E_POINTER, FinishAlpha(f.pixels.Data(), f.alpha.Data(), nullptr, &key));
+    EXPECT_EQ(E_POINTER, FinishAlpha(f.pixels.Data(), f.alpha.Data(), &f.props, nullptr));
+}
+
+TEST(Slices, absurd_props_are_refused_and_touch_nothing) {
+    const auto refused = [](void (*change)(Z_VID_PROPS &)) {
+        for (const int32_t n : {1, 3}) {
+            Pool pool(n);
+            Frame frame(Props(16, 6));
+            const Z_VID_PROPS sound = frame.props;
+            change(frame.props);
+            EXPECT_EQ(E_INVALIDARG, frame.Dispatch(pool, GreenKey()));
+            const CHROMA_KEY_RAW key = GreenKey();
+            EXPECT_EQ(E_INVALIDARG, FinishAlpha(frame.pixels.Data(), frame.alpha.Data(), &frame.props, &key));
+            EXPECT_EQ(frame.before, frame.pixels.Bytes());
+            frame.props = sound;
+            EXPECT_EQ(S_OK, frame.Dispatch(pool, GreenKey())) << "the pool is none the worse";
+        }
+    };
+    refused([](Z_VID_PROPS &p) { p.nRowBytes = 63; });
+    refused([](Z_VID_PROPS &p) { p.nRowBytes = -64; });
+    refused([](Z_VID_PROPS &p) { p.nWidth = -1; });
+    refused([](Z_VID_PROPS &p) { p.nHeight = INT32_MIN; });
+    refused([](Z_VID_PROPS &p) { p.fccType = eZFCC_Default; });
+    Pool pool(2);
+    Frame frame(Props(16, 6));
+    frame.props.nRowBytes = 0x7FFFFFF0;
+    frame.props.nHeight = 0;
+    EXPECT_EQ(E_INVALIDARG, frame.Dispatch(pool, GreenKey())) << "the rows of a slice are too far apart";
+}
+
+TEST(Slices, a_buffer_that_is_too_small_is_refused) {
+    for (const int32_t n : {1, 2}) {
+        Pool pool(n);
+        Frame f(Props(16, 4, eZFCC_ARGB32, 4));
+        const CHROMA_KEY_RAW key = GreenKey();
+        const int64_t need = 3 * 80 + 64;
+        EXPECT_EQ(E_INVALIDARG, pool.Dispatch(f.pixels.Data(), f.alpha.Data(), &f.props, &key, true, false, nullptr, need - 1));
+        EXPECT_EQ(f.before, f.pixels.Bytes());
+        EXPECT_EQ(S_OK, pool.Dispatch(f.pixels.Data(), f.alpha.Data(), &f.props, &key, true, false, nullptr, need));
+    }
+}
+
+TEST(Slices, types_that_key_nothing_pass) {
+    for (const eCK_Type type : {eCKT_Alpha, eCKT_None, eCKT_Auto}) {
+        Pool pool(2);
+        Frame frame(Props(16, 4));
+        CHROMA_KEY_RAW key = GreenKey();
+        key.eType = type;
+        EXPECT_EQ(S_FALSE, frame.Dispatch(pool, key));
+        EXPECT_EQ(frame.before, frame.pixels.Bytes());
+        EXPECT_EQ(S_FALSE, pool.WaitDone()) << "no thread was started";
+    }
+}
+
+TEST(Slices, colour_is_multiplied_by_alpha_in_the_end) {
+    for (const int32_t n : {1, 2, 4}) {
+        Pool pool(n);
+        Frame frame(Props(32, 8));
+        EXPECT_EQ(S_OK, frame.Dispatch(pool, GreenKey()));
+        for (int32_t y = 0; y < 8; ++y) {
+            for (int32_t x = 0; x < 32; ++x) EXPECT_TRUE(frame.Left(x, y, frame.Alpha(x, y))) << x << "," << y;
+        }
+    }
+}
+
+TEST(Slices, gap_pixels_are_multiplied_by_the_alpha_they_had) {
+    for (const int32_t n : {1, 2}) {
+        Pool pool(n);
+        Frame frame(Props(24, 4));
+        EXPECT_EQ(S_OK, frame.Dispatch(pool, GreenKey()));
+        for (int32_t y = 0; y < 4; ++y) {
+            for (int32_t x = 16; x < 24; ++x) EXPECT_TRUE(frame.Left(x, y, frame.Old(x, y, 3)));
+        }
+    }
+}
+
+TEST(Slices, rows_below_the_last_whole_comb_keep_the_alpha_of_the_plane) {
+    Pool pool(7);
+    Frame frame(Props(16, 1080));
+    EXPECT_EQ(S_OK, frame.Dispatch(pool, GreenKey()));
+    Pool single(1);
+    Frame whole(Props(16, 1080));
+    EXPECT_EQ(S_OK, whole.Dispatch(single, GreenKey()));
+    for (int32_t y = 0; y < 1080; ++y) {
+        for (int32_t x = 0; x < 16; ++x) EXPECT_TRUE(frame.Left(x, y, y < 1078 ? whole.Alpha(x, y) : 0x55)) << x << "," << y;
+    }
+}
+
+TEST(Slices, a_frame_lower_than_the_count_is_only_multiplied) {
+    for (const int32_t h : {1, 3, -3}) {
+        Pool pool(4);
+        Frame frame(Props(16, h));
+        CHROMA_KEY_RAW key = GreenKey();
+        key.nEdgesSmooth = 3;
+        key.nInverseKey = 1;
+        EXPECT_EQ(S_OK, frame.Dispatch(pool, key));
+        for (int32_t y = 0; y < std::abs(h); ++y) {
+            for (int32_t x = 0; x < 16; ++x) {
+                EXPECT_TRUE(frame.Left(x, y, frame.Old(x, y, 3)));
+                EXPECT_EQ(0x55, frame.Alpha(x, y));
+            }
+        }
+    }
+}
+
+TEST(Slices, inversion_takes_effect_once_with_one_slice_and_not_at_all_with_more) {
+    CHROMA_KEY_RAW key = GreenKey();
+    Pool one(1);
+    Frame plain(Props(32, 8));
+    EXPECT_EQ(S_OK, plain.Dispatch(one, key));
+    key.nInverseKey = 1;
+    Frame inverted(Props(32, 8));
+    EXPECT_EQ(S_OK, inverted.Dispatch(one, key));
+    Pool two(2);
+    Frame twice(Props(32, 8));
+    EXPECT_EQ(S_OK, twice.Dispatch(two, key));
+    for (int32_t y = 0; y < 8; ++y) {
+        for (int32_t x = 0; x < 32; ++x) {
+            EXPECT_EQ(255 - plain.Alpha(x, y), inverted.Alpha(x, y));
+            EXPECT_EQ(plain.Alpha(x, y), twice.Alpha(x, y));
+        }
+    }
+}
+
+TEST(Slices, more_slices_smooth_the_inverted_plane) {
+    // Erosion of the inverted plane is not the inversion of the eroded one: the two results must differ.
+    CHROMA_KEY_RAW key = GreenKey();
+    key.nEdgesSmooth = 3;
+    Pool two(2);
+    Frame plain(Props(32, 16));
+    EXPECT_EQ(S_OK, plain.Dispatch(two, key));
+    key.nInverseKey = 1;
+    Frame inverted(Props(32, 16));
+    EXPECT_EQ(S_OK, inverted.Dispatch(two, key));
+    EXPECT_NE(plain.alpha.Bytes(), inverted.alpha.Bytes());
+}
+
+TEST(Slices, the_late_byte_of_an_inversion_stays_in_its_row) {
+    // Without keys only the pass after the slices inverts: 18 columns without padding.
+    CHROMA_KEY_RAW key = GreenKey();
+    key.nKeysUsed = 0;
+    key.nInverseKey = 1;
+    Pool pool(2);
+    Frame frame(Props(18, 4));
+    EXPECT_EQ(S_FALSE, frame.Dispatch(pool, key));
+    for (int32_t y = 0; y < 4; ++y) {
+        for (int32_t x = 0; x < 18; ++x) EXPECT_EQ(x == 16 ? 255 : 0, frame.Alpha(x, y)) << x << "," << y;
+    }
+    Frame padded(Props(18, 4, eZFCC_ARGB32, 2), 0xF0);
+    EXPECT_EQ(S_FALSE, padded.Dispatch(pool, key));
+    for (int32_t y = 0; y < 4; ++y) {
+        EXPECT_EQ(0x0F, padded.Alpha(18, y)) << "with padding it is there";
+        EXPECT_EQ(0xF0, padded.Alpha(19, y));
+    }
+}
+
+TEST(Slices, a_rounded_width_stays_in_its_row) {
+    // 5 columns without padding: the slices' rows are further apart, so that 8 are measured and 5 are kept.
+    Pool pool(2);
+    Frame frame(Props(5, 4));
+    EXPECT_EQ(S_OK, frame.Dispatch(pool, GreenKey()));
+    Pool single(1);
+    Frame line(Props(24, 1));
+    std::copy_n(frame.before.data(), 80, line.pixels.Data());
+    EXPECT_EQ(S_OK, line.Dispatch(single, GreenKey()));
+    for (int32_t i = 0; i < 20; ++i) EXPECT_EQ(line.Alpha(i, 0), frame.Alpha(i % 5, i / 5)) << i;
+    EXPECT_TRUE(frame.alpha.GuardsHold());
+}
+
+TEST(Slices, rgb32_gets_its_alpha_from_several_slices_only) {
+    Pool one(1);
+    Frame single(Props(32, 4, eZFCC_RGB32));
+    EXPECT_EQ(S_OK, single.Dispatch(one, GreenKey()));
+    Pool two(2);
+    Frame several(Props(32, 4, eZFCC_RGB32));
+    EXPECT_EQ(S_OK, several.Dispatch(two, GreenKey()));
+    for (int32_t y = 0; y < 4; ++y) {
+        for (int32_t x = 0; x < 32; ++x) {
+            EXPECT_TRUE(single.Left(x, y, single.Old(x, y, 3)));
+            EXPECT_TRUE(several.Left(x, y, several.Alpha(x, y)));
+        }
+    }
+    EXPECT_EQ(single.alpha.Bytes(), several.alpha.Bytes());
+}
+
+TEST(Slices, the_frame_decides_about_fields) {
+    CHROMA_KEY_RAW key = GreenKey();
+    key.nEdgesSmooth = 2;
+    for (const int32_t n : {1, 2}) {
+        Pool pool(n);
+        const auto alphaOf = [&](eZInterlace scan, eZVideoFormat format, int32_t stored) {
+            Frame frame(Props(32, 16));
+            frame.props.eInterlace = scan;
+            frame.props.eVideoFormat = format;
+            key.nInterlacedVideo = stored;
+            EXPECT_EQ(S_OK, frame.Dispatch(pool, key));
+            return frame.alpha.Bytes();
+        };
+        const auto progressive = alphaOf(eZI_Progressive, eZVF_Custom, 0);
+        const auto fields = alphaOf(eZI_Field1First, eZVF_Custom, 0);
+        EXPECT_NE(progressive, fields);
+        EXPECT_EQ(fields, alphaOf(eZI_Field2First, eZVF_Custom, 0));
+        EXPECT_EQ(progressive, alphaOf(eZI_Progressive, eZVF_HD1080_50i, 1)) << "the stored value is overruled";
+        EXPECT_EQ(fields, alphaOf(eZI_Default, eZVF_HD1080_50i, 0));
+        EXPECT_EQ(fields, alphaOf(eZI_Default, eZVF_NTSC, 0));
+        EXPECT_EQ(progressive, alphaOf(eZI_Default, eZVF_HD1080_25p, 1));
+        EXPECT_EQ(progressive, alphaOf(eZI_Default, eZVF_Custom, 1));
+        EXPECT_EQ(progressive, alphaOf(eZI_Inverse, eZVF_HD1080_50i, 1));
+    }
+}
+
+TEST(Slices, an_odd_last_line_of_fields) {
+    CHROMA_KEY_RAW key = GreenKey();
+    key.nEdgesSmooth = 1;
+    Z_VID_PROPS props = Props(32, 9);
+    props.eInterlace = eZI_Field1First;
+    // One slice keys the two fields: the last line is not keyed at all.
+    Pool one(1);
+    Frame single(props);
+    EXPECT_EQ(S_OK, single.Dispatch(one, key));
+    // Three slices key all lines, and the pass after them leaves the last one unsmoothed.
+    Pool three(3);
+    Frame several(props);
+    EXPECT_EQ(S_OK, several.Dispatch(three, key));
+    Frame bare(Props(32, 9));
+    key.nEdgesSmooth = 0;
+    EXPECT_EQ(S_OK, bare.Dispatch(three, key));
+    for (int32_t x = 0; x < 32; ++x) {
+        EXPECT_EQ(0x55, single.Alpha(x, 8));
+        EXPECT_TRUE(single.Left(x, 8, single.Old(x, 8, 3)));
+        EXPECT_TRUE(several.Left(x, 8, bare.Alpha(x, 8)));
+    }
+}
+
+TEST(Slices, status_is_that_of_the_first_two) {
+    CHROMA_KEY_RAW none = GreenKey();
+    none.nKeysUsed = 0;
+    Pool pool(1);
+    Frame frame(Props(16, 8));
+    EXPECT_EQ(S_OK, frame.Dispatch(pool, none)) << "one slice answers what slot 1 held: at first 0";
+    EXPECT_EQ(S_OK, pool.SetThreadCount(2));
+    EXPECT_EQ(S_FALSE, frame.Dispatch(pool, none));
+    EXPECT_EQ(S_OK, pool.SetThreadCount(1));
+    EXPECT_EQ(S_FALSE, frame.Dispatch(pool, GreenKey())) << "and then what the last frame of two left";
+    EXPECT_EQ(S_OK, pool.SetThreadCount(3));
+    EXPECT_EQ(S_OK, frame.Dispatch(pool, GreenKey()));
+    // A failing slice 0 comes first: smoothing without interior.
+    EXPECT_EQ(S_OK, pool.SetThreadCount(1));
+    CHROMA_KEY_RAW smooth = GreenKey();
+    smooth.nEdgesSmooth = 1;
+    Frame thin(Props(2, 8));
+    EXPECT_EQ(StatusOf(0xFFFFFFFA), thin.Dispatch(pool, smooth));
+    EXPECT_EQ(S_OK, pool.SetThreadCount(2));
+    EXPECT_EQ(S_OK, thin.Dispatch(pool, smooth)) << "the failure of the pass after the slices is not looked at";
+}
+
+TEST(Slices, without_keys_the_frame_is_opaque) {
+    CHROMA_KEY_RAW none = GreenKey();
+    none.nKeysUsed = 0;
+    Pool two(2);
+    Frame several(Props(32, 4));
+    EXPECT_EQ(S_FALSE, several.Dispatch(two, none));
+    Pool one(1);
+    Frame single(Props(32, 4));
+    one.Dispatch(single.pixels.Data(), single.alpha.Data(), &single.props, &none, true, false);
+    for (int32_t y = 0; y < 4; ++y) {
+        for (int32_t x = 0; x < 32; ++x) {
+            EXPECT_TRUE(several.Left(x, y, 255));
+            EXPECT_TRUE(single.Left(x, y, single.Old(x, y, 3))) << "one slice writes no alpha without keys";
+        }
+    }
+}
+
+TEST(Slices, returning_early_leaves_the_slices_to_the_caller) {
+    Pool pool(3);
+    Frame frame(Props(32, 9));
+    const CHROMA_KEY_RAW key = GreenKey();
+    EXPECT_EQ(S_FALSE, pool.Dispatch(frame.pixels.Data(), frame.alpha.Data(), &frame.props, &key, true, true));
+    EXPECT_EQ(S_OK, pool.WaitDone());
+    for (int32_t y = 0; y < 9; ++y) {
+        for (int32_t x = 0; x < 32; ++x) {
+            EXPECT_EQ(frame.Alpha(x, y), frame.Byte(x, y, 3));
+            EXPECT_EQ(frame.Old(x, y, 1), frame.Byte(x, y, 1)) << "not multiplied";
+        }
+    }
+}
+
+TEST(Slices, the_count_may_change_with_each_frame) {
+    CSliceThreads pool;
+    Pool single(1);
+    Frame expected(Props(48, 24));
+    EXPECT_EQ(S_OK, expected.Dispatch(single, GreenKey()));
+    for (const int32_t n : {6, 1, 16, 2, 3, 12, 4, 1, 8}) {
+        pool.SetThreadCount(n);
+        for (int32_t again = 0; again < 3; ++again) {
+            Frame frame(Props(48, 24));
+            EXPECT_EQ(S_OK, frame.Dispatch(pool, GreenKey()));
+            if (24 % n == 0) {
+                EXPECT_EQ(expected.pixels.Bytes(), frame.pixels.Bytes()) << n;
+            }
+        }
+    }
+}
+
+struct Source {
+    std::atomic<int32_t> count[64] = {};
+    int32_t failing = -1;
+    static HRESULT Fetch(void *context, int32_t row, uint8_t *dst) {
+        auto &source = *static_cast<Source *>(context);
+        ++source.count[row];
+        if (row == source.failing) return E_FAIL;
+        dst[0] = static_cast<uint8_t>(row);
+        return S_OK;
+    }
+};
+
+TEST(Slices, a_source_is_asked_for_each_row_once) {
+    for (const int32_t n : {1, 2, 3, 7, 16}) {
+        for (const int32_t edges : {0, 3}) {
+            for (const int32_t h : {3, 41, 64}) {
+                for (const eCK_Type type : {eCKT_RGB, eCKT_Auto}) {
+                    Pool pool(n);
+                    Source source;
+                    const RowSource rows{&source, Source::Fetch};
+                    Z_VID_PROPS props = Props(16, h);
+                    props.eInterlace = n == 3 ? eZI_Field1First : eZI_Progressive;
+                    Frame frame(props);
+                    CHROMA_KEY_RAW key = GreenKey();
+                    key.eType = type;
+                    key.nEdgesSmooth = edges;
+                    EXPECT_EQ(type == eCKT_Auto ? S_FALSE : S_OK, frame.Dispatch(pool, key, &rows));
+                    for (int32_t y = 0; y < 64; ++y) EXPECT_EQ(y < h ? 1 : 0, source.count[y]) << n << " " << y;
+                }
+            }
+        }
+    }
+}
+
+TEST(Slices, a_failing_source_fails_the_frame) {
+    for (const int32_t n : {1, 2, 4}) {
+        for (const int32_t edges : {0, 3}) {
+            for (const int32_t row : {0, 20, 31, 63}) {
+                Pool pool(n);
+                Source source;
+                source.failing = row;
+                const RowSource rows{&source, Source::Fetch};
+                Frame frame(Props(16, 64));
+                CHROMA_KEY_RAW key = GreenKey();
+                key.nEdgesSmooth = edges;
+                EXPECT_EQ(E_FAIL, frame.Dispatch(pool, key, &rows));
+                source.failing = -1;
+                EXPECT_EQ(S_OK, frame.Dispatch(pool, key, &rows));
+            }
+        }
+    }
+}
+
+TEST(FinishAlpha, merges_the_plane) {
+    Frame frame(Props(27, 3, eZFCC_RGB32));
+    CHROMA_KEY_RAW key = GreenKey();
+    EXPECT_EQ(S_OK, FinishAlpha(frame.pixels.Data(), frame.alpha.Data(), &frame.props, &key));
+    for (int32_t x = 0; x < 27; ++x) EXPECT_EQ(x >= 16 && x < 24 ? frame.Old(x, 1, 3) : 0x55, frame.Byte(x, 1, 3));
+}
+
+TEST(FinishAlpha, ends_early_without_interior) {
+    for (const auto &[w, h] : {std::pair{2, 9}, {9, 2}}) {
+        Frame frame(Props(w, h));
+        CHROMA_KEY_RAW key = GreenKey();
+        key.nEdgesSmooth = 1;
+        key.nInverseKey = 1;
+        EXPECT_EQ(StatusOf(0xFFFFFFFA), FinishAlpha(frame.pixels.Data(), frame.alpha.Data(), &frame.props, &key));
+        EXPECT_EQ(frame.before, frame.pixels.Bytes());
+        EXPECT_EQ(0x55, frame.Alpha(0, 0));
+    }
+}
+
+TEST(FinishAlpha, smoothing_never_grows_and_keeps_the_border) {
+    // One opaque dot of 3 by 3 in the middle: eroded to a point, boxed, then bound by the plane.
+    Frame frame(Props(32, 16), 0);
+    for (int32_t y = 6; y < 9; ++y) {
+        for (int32_t x = 10; x < 13; ++x) frame.alpha.Data()[y * 32 + x] = 255;
+    }
+    for (int32_t x = 0; x < 32; ++x) frame.alpha.Data()[x] = 77;
+    CHROMA_KEY_RAW key = GreenKey();
+    key.nEdgesSmooth = 2;
+    EXPECT_EQ(S_OK, FinishAlpha(frame.pixels.Data(), frame.alpha.Data(), &frame.props, &key));
+    // The point of 255 becomes a box of ((255 + 5) * 455) >> 12 = 28, and the Gauss filter makes that of it.
+    EXPECT_EQ(28, frame.Alpha(11, 7));
+    EXPECT_EQ((28 * 12 + 7 + 1) >> 4, frame.Alpha(10, 7));
+    EXPECT_EQ((28 * 9 + 7 + 1) >> 4, frame.Alpha(10, 6));
+    EXPECT_EQ((28 + 7 + 1) >> 4, frame.Alpha(9, 5));
+    EXPECT_EQ(0, frame.Alpha(8, 7));
+    EXPECT_EQ(77, frame.Alpha(5, 0));
+    EXPECT_EQ((77 * 4 + 7 + 1) >> 4, frame.Alpha(5, 1));
+}
+
+TEST(FinishAlpha, treats_fields_apart_by_the_key) {
+    // Lines of 0 and 255 in turn: smoothed together they blend, apart they stay.
+    Frame frame(Props(16, 12), 0);
+    for (int32_t y = 0; y < 12; y += 2) std::fill_n(frame.alpha.Data() + 16 * y, 16, uint8_t{255});
+    const auto stripes = frame.alpha.Bytes();
+    CHROMA_KEY_RAW key = GreenKey();
+    key.nEdgesSmooth = 1;
+    key.nInterlacedVideo = 1;
+    EXPECT_EQ(S_OK, FinishAlpha(frame.pixels.Data(), frame.alpha.Data(), &frame.props, &key));
+    EXPECT_EQ(stripes, frame.alpha.Bytes());
+    key.nInterlacedVideo = 0;
+    EXPECT_EQ(S_OK, FinishAlpha(frame.pixels.Data(), frame.alpha.Data(), &frame.props, &key));
+    EXPECT_NE(stripes, frame.alpha.Bytes());
+}
+
+TEST(FinishAlpha, returns_the_first_failure_of_two_fields) {
+    Frame frame(Props(16, 5));
+    CHROMA_KEY_RAW key = GreenKey();
+    key.nEdgesSmooth = 1;
+    key.nInterlacedVideo = 1;
+    EXPECT_EQ(StatusOf(0xFFFFFFFA), FinishAlpha(frame.pixels.Data(), frame.alpha.Data(), &frame.props, &key));
+    EXPECT_EQ(frame.before, frame.pixels.Bytes());
+}
+
+}    // namespace
+}    // namespace zck
