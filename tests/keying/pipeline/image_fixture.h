@@ -78,8 +78,8 @@ inline void FillScene(uint8_t *pixels, size_t bytes, uint32_t seed) {
         for (size_t n = 0; n < run && i + 4 <= bytes; ++n, i += 4) {
             for (size_t j = 0; j < 3; ++j) {
                 const uint32_t spread = kind == 0 ? 8 : kind == 1 ? 40 : 90;
-                const int near = colour[j] + static_cast<int>(random() % (2 * spread)) - static_cast<int>(spread);
-                pixels[i + j] = static_cast<uint8_t>(kind == 3 ? random() : static_cast<uint32_t>(std::clamp(near, 0, 255)));
+                const int value = colour[j] + static_cast<int>(random() % (2 * spread)) - static_cast<int>(spread);
+                pixels[i + j] = static_cast<uint8_t>(kind == 3 ? random() : static_cast<uint32_t>(std::clamp(value, 0, 255)));
             }
             pixels[i + 3] = static_cast<uint8_t>(random());
         }

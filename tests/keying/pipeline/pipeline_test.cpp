@@ -420,15 +420,15 @@ TEST(Pipeline, key_bytes_of_rgb_are_red_first) {
     image.Paint(200, 60, 20);
     EXPECT_EQ(S_OK, image.Key(key));
     EXPECT_EQ(0, image.Alpha(0, 0));
-    // The half-widths turn with the centre: 30 off in blue is inside, 30 off in red is far.
-    Image near(Props(16, 1));
-    near.Paint(170, 60, 20);
-    EXPECT_EQ(S_OK, near.Key(key));
-    EXPECT_EQ(0, near.Alpha(0, 0));
-    Image far(Props(16, 1));
-    far.Paint(200, 60, 50);
-    EXPECT_EQ(S_OK, far.Key(key));
-    EXPECT_EQ(255, far.Alpha(0, 0));
+    // The half-widths turn with the centre: 30 off in blue is inside, 30 off in red is outside.
+    Image blueOff(Props(16, 1));
+    blueOff.Paint(170, 60, 20);
+    EXPECT_EQ(S_OK, blueOff.Key(key));
+    EXPECT_EQ(0, blueOff.Alpha(0, 0));
+    Image redOff(Props(16, 1));
+    redOff.Paint(200, 60, 50);
+    EXPECT_EQ(S_OK, redOff.Key(key));
+    EXPECT_EQ(255, redOff.Alpha(0, 0));
 }
 
 TEST(Pipeline, hls_and_yuv_keys_measure_in_their_space) {
