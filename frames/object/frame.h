@@ -8,6 +8,7 @@
 #include "frames/object/name_map.h"
 #include "frames/views/f_factory.h"
 #include "frames/views/frame_i.h"
+#include "frames/views/frame_shell.h"
 #include "frames/views/frames_i.h"
 #include "frames/views/sample_buffer.h"
 #include "platform/com_ptr.h"
@@ -34,7 +35,7 @@ struct FramePixels {
 /// Locks: `m_lockMedia` guards description, time, pixels and sound; `m_lockData` the three maps. No lock is held while
 /// another object is called: what is needed is taken under the lock first. Where both are held, data comes before media.
 /// The factory is set before the frame is handed out and does not change.
-class CCoZFrame2 final : public CoObject<IZFrame_I, IZFFrame, INSSBuffer3> {
+class CCoZFrame2 final : public CoObject<IZFrame_I, IZFFrame, INSSBuffer3, IZFrameShell> {
 public:
     /// Bytes under a name. Never changed once they are stored, so that frames share them. A used size of 0 with room for 8
     /// bytes is a 64-bit value that was given instead of an address.
@@ -178,6 +179,10 @@ public:
     HRESULT Z_STDCALL SetSampleProperties(DWORD _cbProps, BYTE *_pbProps) override;
     HRESULT Z_STDCALL SetProperty(GUID _id, void *_pValue, DWORD _cbValue) override;
     HRESULT Z_STDCALL GetProperty(GUID _id, void *_pValue, DWORD *_pcbValue) override;
+
+    // IZFrameShell
+    HRESULT Z_STDCALL CloneShell(IZFrame *_pFrame, eZFrameClone _eCloneType, eZFCC _fccPixelFormat, IZFrame_I **_ppClone,
+                                 IZFrame_I **_ppLocal, ZF_SHELL *_pShell) override;
 
 protected:
     void *InterfaceFind(REFIID riid) noexcept override;

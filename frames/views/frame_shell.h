@@ -15,8 +15,8 @@ struct ZF_SHELL {
     int32_t bConvert;    ///< 0: the clone's bytes are the source's; else they are converted from one description to the other
 };
 
-/// For callers that convert and work on the pixels in one walk over the memory. Only factories of this library have it; a
-/// caller that does not find it uses `IZFrame::FrameClone`.
+/// For callers that convert and work on the pixels in one walk over the memory. Factories of this library have it, and
+/// their frames lead to them; a caller that does not find it uses `IZFrame::FrameClone`.
 struct IZFrameShell : IUnknown {
     /// Does what `FrameClone(_eCloneType, _fccPixelFormat)` does, but leaves the pixels of `*_ppClone` to the caller.
     ///

@@ -3,6 +3,7 @@
 
 #include "frames/memory/blob_holder.h"
 #include "frames/views/f_frame.h"
+#include "keying/plugin/borders.h"
 #include "keying/plugin/frame_process.h"
 #include "keying/plugin/memory_props.h"
 #include "keying/slices/slices.h"
@@ -64,7 +65,10 @@ private:
     HRESULT ReceiveOverOutputThread(const ComPtr<IZFrame> &frame, IZFrame **result);
     HRESULT KeyingStep(IZFrame *frame, ComPtr<IZFrame> *result);
     HRESULT KeyFrame(IZFrame *working);
-    ComPtr<IZFrame> CutToBorders(IZFrame *clone) const;
+    HRESULT KeyPixels(uint8_t *pixels, int32_t bytes, const Z_VID_PROPS &props, const CHROMA_KEY_RAW &key,
+                      const RowSource *rows);
+    std::optional<Borders> BordersNow() const;
+    static void CutToBorders(const Borders &borders, ComPtr<IZFrame> *working);
     CHROMA_KEY_RAW KeySnapshot() const;
 
     CMemoryProps m_props;

@@ -5,6 +5,7 @@
 #include "frames/media/video_props.h"
 #include "keying/plugin/borders.h"
 #include "keying/plugin/chroma_key.h"
+#include "keying/plugin/frame_source.h"
 #include "platform/clock.h"
 #include "platform/status.h"
 
@@ -85,28 +86,44 @@ CHROMA_KEY_RAW CCoZChromaKey::KeySnapshot() const {
 
 HRESULT CCoZChromaKey::KeyingStep(IZFrame *frame, ComPtr<IZFrame> *result) {
     if (frame == nullptr || result == nullptr) return E_INVALIDARG;
-    if (KeySnapshot().eType == eCKT_None) return S_OK;
+    const CHROMA_KEY_RAW key = KeySnapshot();
+    if (key.eType == eCKT_None) return S_OK;
+    const std::optional<Borders> borders = BordersNow();
+    if (key.eType != eCKT_Alpha && !borders) {
+        CFrameSource source;
+        if (source.Open(frame) == S_OK) {
+            const RowSource rows = source.Rows();
+            const HRESULT hr = KeyPixels(source.Pixels(), source.Bytes(), source.Props(), key, &rows);
+            if (SUCCEEDED(hr)) *result = source.Clone();
+            return hr;
+        }
+    }
     ComPtr<IZFrame> clone;
     HRESULT hr = frame->FrameClone(clone.Put(), eZFC_Full, eZFCC_ARGB32);
     if (FAILED(hr)) return hr;
     if (!QueryFor<IZFFrame>(clone.get())) return E_NOINTERFACE;
-    const ComPtr<IZFrame> cut = CutToBorders(clone.get());
-    hr = KeyFrame(cut ? cut.get() : clone.get());
+    ComPtr<IZFrame> working = clone;
+    if (borders) CutToBorders(*borders, &working);
+    hr = KeyFrame(working.get());
     if (FAILED(hr)) return hr;
     *result = std::move(clone);
     return S_OK;
 }
 
-ComPtr<IZFrame> CCoZChromaKey::CutToBorders(IZFrame *clone) const {
-    ComPtr<IZFrame> cut;
+std::optional<Borders> CCoZChromaKey::BordersNow() const {
     Text text;
     m_props.Get(kBordersName, &text);
     const auto borders = BordersFromText(text);
+    return borders && borders->Any() ? borders : std::nullopt;
+}
+
+void CCoZChromaKey::CutToBorders(const Borders &borders, ComPtr<IZFrame> *working) {
     Z_AV_PROPS props;
-    if (!borders || !borders->Any() || FAILED(clone->FrameAVPropsGet(&props))) return cut;
-    tagRECT rect = BordersRect(*borders, props.vidProps);
-    if (FAILED(clone->FrameCut(-1, &rect, cut.Put()))) cut.Reset();
-    return cut;
+    if (FAILED((*working)->FrameAVPropsGet(&props))) return;
+    tagRECT rect = BordersRect(borders, props.vidProps);
+    ComPtr<IZFrame> cut;
+    // A frame that cannot be cut is keyed whole.
+    if (SUCCEEDED((*working)->FrameCut(-1, &rect, cut.Put())) && cut) *working = std::move(cut);
 }
 
 HRESULT CCoZChromaKey::KeyFrame(IZFrame *working) {
@@ -120,14 +137,18 @@ HRESULT CCoZChromaKey::KeyFrame(IZFrame *working) {
     if (key.eType == eCKT_None || key.eType == eCKT_Alpha) return S_OK;
     auto *pixels = reinterpret_cast<uint8_t *>(address);
     if (pixels != nullptr && VideoBytesNeeded(props.vidProps) > bytes) return kVfwEInvalidMediaType;
+    return KeyPixels(pixels, bytes, props.vidProps, key, nullptr);
+}
 
+HRESULT CCoZChromaKey::KeyPixels(uint8_t *pixels, int32_t bytes, const Z_VID_PROPS &props, const CHROMA_KEY_RAW &key,
+                                 const RowSource *rows) {
     // The slice pool and the plane serve one frame at a time.
     const std::lock_guard guard(m_keyingLock);
     // One byte a pixel would do; the plane has the frame's byte size and is kept. Without memory the dispatcher finds no plane.
     m_alpha.Reserve(static_cast<uint32_t>(bytes));
-    hr = m_slices.SetThreadCount(std::min(m_props.GetInt(kThreadsName, kFallbackThreads), kMostThreads));
+    const HRESULT hr = m_slices.SetThreadCount(std::min(m_props.GetInt(kThreadsName, kFallbackThreads), kMostThreads));
     if (FAILED(hr)) return hr;
-    return m_slices.Dispatch(pixels, m_alpha.Data(0), &props.vidProps, &key, true, false, nullptr, bytes);
+    return m_slices.Dispatch(pixels, m_alpha.Data(0), &props, &key, true, false, rows, bytes);
 }
 
 }    // namespace zck

@@ -1,0 +1,54 @@
+#include "keying/plugin/frame_source.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+namespace zck {
+
+HRESULT CFrameSource::Open(IZFrame *frame) {
+    const ComPtr<IZFrameShell> maker = QueryFor<IZFrameShell>(frame);
+    if (!maker) return S_FALSE;
+    HRESULT hr = maker->CloneShell(frame, eZFC_Full, eZFCC_ARGB32, m_clone.Put(), m_local.Put(), &m_shell);
+    if (hr == S_OK && !PrepareRows()) hr = S_FALSE;
+    if (hr == S_OK) return S_OK;
+    m_clone.Reset();
+    m_local.Reset();
+    return S_FALSE;
+}
+
+uint8_t *CFrameSource::Pixels() const { return reinterpret_cast<uint8_t *>(m_shell.pbClone); }
+
+bool CFrameSource::PrepareRows() {
+    const Z_VID_PROPS &clone = m_shell.clone;
+    if (m_shell.bConvert != 0) {
+        // Picture rows and stored rows are the same in a top-down clone.
+        return clone.nHeight < 0 && SUCCEEDED(m_plan.Prepare(&m_shell.source, m_shell.cbSource, &clone, m_shell.cbClone)) &&
+               m_plan.RowsIndependent() && m_plan.Rows() == -clone.nHeight;
+    }
+    if (clone.nRowBytes <= 0) return false;
+    // What a buffer holds behind its rows comes along as well.
+    const int64_t end = std::abs(static_cast<int64_t>(clone.nHeight)) * clone.nRowBytes;
+    if (end < m_shell.cbClone)
+        std::memcpy(Pixels() + end, reinterpret_cast<const uint8_t *>(m_shell.pbSource) + end,
+                    static_cast<std::size_t>(m_shell.cbClone - end));
+    return true;
+}
+
+HRESULT CFrameSource::Fetch(void *context, int32_t row, uint8_t *dst) {
+    const auto &self = *static_cast<const CFrameSource *>(context);
+    if (self.m_shell.bConvert != 0)
+        self.m_plan.RunRows(reinterpret_cast<const uint8_t *>(self.m_shell.pbSource), self.Pixels(), row, row + 1);
+    else
+        self.CopyRow(row, dst);
+    return S_OK;
+}
+
+void CFrameSource::CopyRow(int32_t row, uint8_t *dst) const {
+    const int64_t offset = int64_t{row} * m_shell.clone.nRowBytes;
+    const int64_t bytes = std::min<int64_t>(m_shell.clone.nRowBytes, m_shell.cbClone - offset);
+    if (bytes > 0)
+        std::memcpy(dst, reinterpret_cast<const uint8_t *>(m_shell.pbSource) + offset, static_cast<std::size_t>(bytes));
+}
+
+}    // namespace zck
