@@ -15,7 +15,7 @@ bool ProcessorDescriptionMHz(uint32_t &mhz) noexcept {
         const char *value = std::strchr(line, ':');
         if (std::strncmp(line, "cpu MHz", 7) != 0 || value == nullptr) continue;
         // Whole numbers only: the part behind the point is cut off, and the point does not depend on the locale.
-        const unsigned long long whole = std::strtoull(value + 1, nullptr, 10);
+        const auto whole = std::strtoull(value + 1, nullptr, 10);
         if (whole == 0 || whole > 0xFFFFFFFF) return false;
         mhz = static_cast<uint32_t>(whole);
         return true;

@@ -1,10 +1,12 @@
 #include "platform/section.h"
 
-#include <cstdio>
+#include <charconv>
+#include <string_view>
 #include <utility>
 
 #include "platform/process.h"
 #include "platform/status.h"
+#include "platform/text.h"
 
 namespace zck {
 namespace {
@@ -12,14 +14,15 @@ namespace {
 /// A section's two names, in the order in which they are tried.
 struct Names {
     explicit Names(uint64_t id) noexcept {
-        char digits[17];
-        std::snprintf(digits, sizeof(digits), "%llX", static_cast<unsigned long long>(id));
-        Put(global, L"Global\\ZBuffer_", digits);
-        Put(session, L"ZBuffer_", digits);
+        char digits[16];
+        const char *end = std::to_chars(digits, digits + sizeof(digits), id, 16).ptr;
+        const std::string_view number(digits, static_cast<size_t>(end - digits));
+        Put(global, L"Global\\ZBuffer_", number);
+        Put(session, L"ZBuffer_", number);
     }
-    static void Put(wchar_t *to, const wchar_t *prefix, const char *digits) noexcept {
+    static void Put(wchar_t *to, const wchar_t *prefix, std::string_view number) noexcept {
         while (*prefix != 0) *to++ = *prefix++;
-        while (*digits != 0) *to++ = static_cast<wchar_t>(*digits++);
+        for (const char digit : number) *to++ = AsciiUpper(static_cast<wchar_t>(digit));
         *to = 0;
     }
     wchar_t global[40];

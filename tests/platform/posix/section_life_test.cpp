@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cinttypes>
 #include <cstdio>
 #include <functional>
 #include <string>
@@ -26,13 +27,13 @@ uint64_t TestId(uint64_t n) { return 0xC0DF000000000000U + (static_cast<uint64_t
 
 std::string GlobalName(uint64_t id) {
     char name[64];
-    std::snprintf(name, sizeof(name), "zbuffer-g-%llX", static_cast<unsigned long long>(id));
+    std::snprintf(name, sizeof(name), "zbuffer-g-%" PRIX64, id);
     return name;
 }
 
 std::string SessionName(uint64_t id) {
     char name[64];
-    std::snprintf(name, sizeof(name), "zbuffer-%u-%llX", geteuid(), static_cast<unsigned long long>(id));
+    std::snprintf(name, sizeof(name), "zbuffer-%u-%" PRIX64, geteuid(), id);
     return name;
 }
 
