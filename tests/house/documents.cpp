@@ -1,0 +1,64 @@
+#include "tests/house/documents.h"
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <regex>
+
+namespace house {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::vector<std::string> AllMatches(const std::string &text, const std::regex &pattern) {
+    std::vector<std::string> found;
+    for (auto at = std::sregex_iterator(text.begin(), text.end(), pattern); at != std::sregex_iterator(); ++at) {
+        found.push_back((*at)[1]);
+    }
+    return found;
+}
+
+}    // namespace
+
+std::vector<Document> ReadDocuments(const std::string &top) {
+    std::vector<Document> documents;
+    for (const char *folder : {".", "docs"}) {
+        for (const fs::directory_entry &entry : fs::directory_iterator(fs::path(top) / folder)) {
+            if (entry.path().extension() != ".md") continue;
+            std::ifstream stream(entry.path(), std::ios::binary);
+            const std::string path = fs::relative(entry.path(), top).generic_string();
+            documents.push_back({path, std::string{std::istreambuf_iterator<char>(stream), {}}});
+        }
+    }
+    return documents;
+}
+
+std::vector<std::string> CodeBlocks(const Document &document, const std::string &language) {
+    const std::string open = "```" + language + "\n";
+    std::vector<std::string> blocks;
+    for (size_t at = document.text.find(open); at != std::string::npos; at = document.text.find(open, at)) {
+        at += open.size();
+        const size_t end = document.text.find("```", at);
+        blocks.push_back(document.text.substr(at, end - at));
+    }
+    return blocks;
+}
+
+std::vector<std::string> LocalLinks(const Document &document) {
+    std::vector<std::string> links;
+    for (std::string &target : AllMatches(document.text, std::regex(R"(\]\(([^)\s]+)\))"))) {
+        if (target.find("://") == std::string::npos && !target.starts_with('#')) links.push_back(std::move(target));
+    }
+    return links;
+}
+
+std::vector<std::string> NamedPaths(const Document &document, const std::string &top) {
+    std::vector<std::string> paths;
+    for (std::string &path : AllMatches(document.text, std::regex(R"(`(?:\./)?([A-Za-z0-9_./-]+/[A-Za-z0-9_./-]*)`)"))) {
+        const std::string first = path.substr(0, path.find('/'));
+        if (first != "build" && first != "out" && fs::exists(fs::path(top) / first)) paths.push_back(std::move(path));
+    }
+    return paths;
+}
+
+}    // namespace house
