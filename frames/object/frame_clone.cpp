@@ -95,8 +95,7 @@ HRESULT CCoZFrame2::MediaTakeWhole(IZFrame_I *source, FramePixels &pixels) noexc
 }
 
 HRESULT CCoZFrame2::DataTakeFrom(IZFrame_I *source) noexcept {
-    const HRESULT hr = FrameDataCopyFrom(source, 2);
-    return hr == E_OUTOFMEMORY ? hr : S_OK;
+    return FrameDataCopyFrom(source, 2) == E_OUTOFMEMORY ? E_OUTOFMEMORY : S_OK;
 }
 
 // Pixels of this process: copied, or shared with the source. A copy that finds no section leaves the clone without pixels,

@@ -65,7 +65,7 @@ HRESULT CCoZFrame2::DataTakeFrom(IZFFrame *source) noexcept {
         ZF_INFO info = {};
         HRESULT hr = source->ZFInfoGet(&info);
         for (int32_t i = 0; SUCCEEDED(hr) && i < info.nDataCount; ++i) hr = DataTakeOne(source, i);
-        return hr;
+        return std::min(hr, S_OK);
     });
 }
 

@@ -5,6 +5,8 @@
 #include <cstring>
 
 #include "frames/media/video_props.h"
+#include "imaging/colour/convert.h"
+#include "imaging/colour/fill.h"
 
 namespace zck {
 namespace {
@@ -67,13 +69,12 @@ HRESULT PixelsConvert(const PixelJob &job) {
     if (!PixelsFit(job.sourceProps, job.sourceSize) || !PixelsFit(job.targetProps, job.targetSize))
         return kVfwEInvalidMediaType;
     if (!job.bZeroed) TailsClear(job.targetProps, job.target, job.targetSize);
-    return E_NOTIMPL;
+    return ConvertSameGeometry(job.source, job.sourceSize, job.target, job.targetSize, &job.sourceProps, &job.targetProps);
 }
 
 void PixelsFill(const Z_VID_PROPS &props, uint8_t *pixels, uint32_t size, uint32_t color, bool bZeroed) {
     if (!bZeroed) std::memset(pixels, 0, size);
-    (void)props;
-    (void)color;
+    if (PixelsFit(props, size)) FillImage(&props, pixels, color, 1.0);
 }
 
 }    // namespace zck

@@ -1,4 +1,4 @@
-// `IZFrameShell`: a factory's way to make a clone whose pixels the caller writes itself.
+// `IZFrameShell`: a way to make a clone whose pixels the caller writes itself.
 #pragma once
 
 #include "frames/views/frame_i.h"

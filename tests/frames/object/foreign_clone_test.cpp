@@ -1,0 +1,258 @@
+// Clones of frames that are not ours.
+#include "tests/frames/object/foreign_frame.h"
+#include "tests/frames/object/frame_fixture.h"
+
+namespace zck::test {
+namespace {
+
+class ForeignClones : public FrameTest {
+protected:
+    void SetUp() override {
+        FrameTest::SetUp();
+        m_tessiluFactory = As<IZFFactory>(m_factory);
+        m_state.props.vidProps = Record(eZFCC_UYVY, 64, 48);
+        m_state.props.audProps = {2, 48000, 16, 0};
+        m_state.time.rtStartTime = 77;
+        m_state.video = Pattern(64 * 48 * 2);
+        m_state.audio = Pattern(400);
+    }
+    void TearDown() override {
+        m_tessiluFactory.Reset();
+        FrameTest::TearDown();
+    }
+
+    ComPtr<IZFrame_I> Quorvex() { return ForeignCreate<ForeignQuorvex, IZFrame_I>(m_state); }
+    ComPtr<IZFFrame> Tessilu() { return ForeignCreate<ForeignTessilu, IZFFrame>(m_state); }
+
+    ForeignState m_state;
+    ComPtr<IZFFactory> m_tessiluFactory;
+};
+
+TEST_F(ForeignClones, QuorvexReferenceAndCopy) {
+    m_state.packed = {'A', 'A', 'A', 'A', 1, 0, 0, 0, 7};
+    auto source = Quorvex();
+    ComPtr<IZFrame_I> clone;
+    ASSERT_EQ(S_OK, m_factory->FrameCloneConvert(source.get(), clone.Put(), eZFC_Reference, eZFCC_Default));
+    EXPECT_EQ(ForeignState::Address(m_state.video), VideoOf(clone).address);
+    EXPECT_EQ(m_state.audio, AudioOf(clone).Copy());
+    Z_TIME time = {};
+    EXPECT_EQ(S_OK, clone->FrameTimeGet(&time));
+    EXPECT_EQ(77, time.rtStartTime);
+    EXPECT_EQ(S_OK, clone->FrameDataGet(0x41414141, nullptr, nullptr));
+    // The clone keeps the source.
+    EXPECT_EQ(3U, (source->AddRef(), source->Release() + 1));
+
+    ComPtr<IZFrame_I> copy;
+    ASSERT_EQ(S_OK, m_factory->FrameCloneConvert(source.get(), copy.Put(), eZFC_Video, eZFCC_Default));
+    source.Reset();
+    EXPECT_NE(ForeignState::Address(m_state.video), VideoOf(copy).address);
+    EXPECT_EQ(m_state.video, VideoOf(copy).Copy());
+    EXPECT_EQ(0, AudioOf(copy).size);
+}
+
+TEST_F(ForeignClones, TessiluReferenceAndCopy) {
+    auto source = Tessilu();
+    ComPtr<IZFFrame> clone;
+    ASSERT_EQ(S_OK, m_tessiluFactory->ZFCloneConvert(source.get(), clone.Put(), eZFC_Reference, eZFCC_Default));
+    ZF_INFO info = {};
+    ASSERT_EQ(S_OK, clone->ZFInfoGet(&info));
+    EXPECT_EQ(ForeignState::Address(m_state.video), info.pbVideo);
+    EXPECT_EQ(m_state.audio, AudioOf(As<IZFrame>(clone)).Copy());
+    EXPECT_EQ(2, info.avProps.audProps.nChannels);
+    EXPECT_EQ(77, info.time.rtStartTime);
+    // Names stay whole; entries that the source does not give are passed over, objects too.
+    EXPECT_EQ(1, info.nDataCount);
+    EXPECT_EQ(1, info.nTextCount);
+    EXPECT_EQ(2, info.nObjectCount);
+    int64_t value = 0;
+    EXPECT_EQ(S_OK, clone->ZFDataGet(Bstr(ZCK_TEXT("a long name")).get(), nullptr, &value));
+    EXPECT_EQ(42, value);
+    Bstr text;
+    EXPECT_EQ(S_OK, clone->ZFTextGet(Bstr(ZCK_TEXT("title")).get(), text.Put()));
+    EXPECT_EQ("words", Utf8FromText(text.view()));
+
+    ComPtr<IZFFrame> copy;
+    ASSERT_EQ(S_OK, m_tessiluFactory->ZFCloneConvert(source.get(), copy.Put(), eZFC_Video, eZFCC_Default));
+    EXPECT_EQ(m_state.video, VideoOf(As<IZFrame>(copy)).Copy());
+}
+
+TEST_F(ForeignClones, RefusalsAreHandedOn) {
+    m_state.infoStatus = E_FAIL;
+    const auto quorvex = Quorvex();
+    ComPtr<IZFrame_I> clone;
+    EXPECT_EQ(E_FAIL, m_factory->FrameCloneConvert(quorvex.get(), clone.Put(), eZFC_Video, eZFCC_Default));
+    EXPECT_EQ(E_FAIL, m_factory->FrameCloneConvert(quorvex.get(), clone.Put(), eZFC_Video, eZFCC_ARGB32));
+    EXPECT_FALSE(clone);
+    const auto tessilu = Tessilu();
+    ComPtr<IZFFrame> other;
+    EXPECT_EQ(E_FAIL, m_tessiluFactory->ZFCloneConvert(tessilu.get(), other.Put(), eZFC_Video, eZFCC_Default));
+    EXPECT_EQ(E_FAIL, m_tessiluFactory->ZFCloneConvert(tessilu.get(), other.Put(), eZFC_Video, eZFCC_ARGB32));
+    EXPECT_FALSE(other);
+}
+
+TEST_F(ForeignClones, PixelsWithoutAnAddressAreNone) {
+    m_state.video.clear();
+    m_state.process = CurrentProcessId();
+    const auto source = Quorvex();
+    ComPtr<IZFrame_I> clone;
+    ASSERT_EQ(S_OK, m_factory->FrameCloneConvert(source.get(), clone.Put(), eZFC_Video, eZFCC_Default));
+    EXPECT_EQ(0, VideoOf(clone).size);
+}
+
+TEST_F(ForeignClones, LocalFramesStayThemselvesUnlessForced) {
+    const auto quorvex = Quorvex();
+    ComPtr<IZFrame_I> local;
+    ASSERT_EQ(S_OK, m_factory->FrameMakeLocal(quorvex.get(), local.Put(), 0));
+    EXPECT_EQ(quorvex.get(), local.get());
+    ASSERT_EQ(S_OK, m_factory->FrameMakeLocal(quorvex.get(), local.Put(), 1));
+    EXPECT_NE(quorvex.get(), local.get());
+    EXPECT_EQ(ForeignState::Address(m_state.video), VideoOf(local).address);
+    ComPtr<IZFrame> frame;
+    ASSERT_EQ(S_OK, m_factory->FrameLocal(quorvex.get(), frame.Put(), 0));
+    EXPECT_EQ(static_cast<IZFrame *>(quorvex.get()), frame.get());
+
+    const auto tessilu = Tessilu();
+    ComPtr<IZFFrame> other;
+    ASSERT_EQ(S_OK, m_tessiluFactory->ZFFrameLocal(tessilu.get(), other.Put(), 0));
+    EXPECT_EQ(tessilu.get(), other.get());
+    ASSERT_EQ(S_OK, m_tessiluFactory->ZFFrameLocal(tessilu.get(), other.Put(), 1));
+    EXPECT_NE(tessilu.get(), other.get());
+    // A frame of the other family is wrapped.
+    ASSERT_EQ(S_OK, m_tessiluFactory->ZFFrameLocal(quorvex.get(), other.Put(), 0));
+    EXPECT_EQ(ForeignState::Address(m_state.video), VideoOf(As<IZFrame>(other)).address);
+}
+
+TEST_F(ForeignClones, WhatIsNoFrameIsRefused) {
+    ComPtr<IZFrame> frame;
+    ComPtr<IZFrame_I> clone;
+    ComPtr<IZFFrame> other;
+    IUnknown *none = m_factory.get();
+    EXPECT_EQ(E_NOINTERFACE, m_factory->FrameLocal(none, frame.Put(), 0));
+    EXPECT_EQ(E_NOINTERFACE, m_factory->FrameCloneObject(none, frame.Put(), eZFC_Full, eZFCC_Default));
+    EXPECT_EQ(E_NOINTERFACE, m_tessiluFactory->ZFFrameLocal(none, other.Put(), 0));
+    EXPECT_EQ(E_NOINTERFACE, m_tessiluFactory->ZFCloneConvert(none, other.Put(), eZFC_Full, eZFCC_Default));
+    // A Tessilu frame answers no IZFrame_I.
+    const auto tessilu = Tessilu();
+    EXPECT_EQ(E_NOINTERFACE, m_factory->FrameLocal(tessilu.get(), frame.Put(), 0));
+}
+
+TEST_F(ForeignClones, NullArguments) {
+    const auto source = Quorvex();
+    ComPtr<IZFrame> frame;
+    ComPtr<IZFrame_I> clone;
+    ComPtr<IZFFrame> other;
+    EXPECT_EQ(E_POINTER, m_factory->FrameLocal(nullptr, frame.Put(), 0));
+    EXPECT_EQ(E_POINTER, m_factory->FrameLocal(source.get(), nullptr, 0));
+    EXPECT_EQ(E_INVALIDARG, m_factory->FrameMakeLocal(nullptr, clone.Put(), 0));
+    EXPECT_EQ(E_INVALIDARG, m_factory->FrameMakeLocal(source.get(), nullptr, 0));
+    EXPECT_EQ(E_INVALIDARG, m_factory->FrameCloneConvert(nullptr, clone.Put(), eZFC_Full, eZFCC_Default));
+    EXPECT_EQ(E_INVALIDARG, m_factory->FrameCloneConvert(source.get(), nullptr, eZFC_Full, eZFCC_Default));
+    EXPECT_EQ(E_INVALIDARG, m_factory->FrameCloneObject(nullptr, frame.Put(), eZFC_Full, eZFCC_Default));
+    EXPECT_EQ(E_INVALIDARG, m_tessiluFactory->ZFCloneConvert(nullptr, other.Put(), eZFC_Full, eZFCC_Default));
+    EXPECT_EQ(E_INVALIDARG, m_tessiluFactory->ZFCloneConvert(source.get(), nullptr, eZFC_Full, eZFCC_Default));
+    EXPECT_EQ(E_POINTER, m_tessiluFactory->ZFFrameLocal(nullptr, other.Put(), 0));
+    EXPECT_EQ(E_POINTER, m_tessiluFactory->ZFFrameLocal(source.get(), nullptr, 0));
+}
+
+// A frame that says it runs elsewhere: its addresses are of no use here, only its section.
+class RemoteClones : public ForeignClones {
+protected:
+    void SetUp() override {
+        ForeignClones::SetUp();
+        m_origin = Frame(Record(eZFCC_UYVY, 64, 48));
+        m_state.process = CurrentProcessId() + 1;
+        m_state.video.clear();
+        m_state.videoSize = 64 * 48 * 2;
+        ASSERT_EQ(S_OK, m_origin->FrameBufferIdGet(&m_state.section));
+    }
+    void TearDown() override {
+        m_origin.Reset();
+        ForeignClones::TearDown();
+    }
+    ComPtr<IZFrame_I> m_origin;
+};
+
+TEST_F(RemoteClones, ReferenceMapsTheSection) {
+    const auto source = Quorvex();
+    ComPtr<IZFrame_I> clone;
+    ASSERT_EQ(S_OK, m_factory->FrameMakeLocal(source.get(), clone.Put(), 0));
+    EXPECT_EQ(0, m_state.pixelReads);
+    EXPECT_NE(VideoOf(m_origin).address, VideoOf(clone).address);
+    EXPECT_EQ(VideoOf(m_origin).Copy(), VideoOf(clone).Copy());
+    EXPECT_EQ(m_state.audio, AudioOf(clone).Copy());
+    // One memory, and the clone still names it.
+    *VideoOf(m_origin).data() = 0x5A;
+    EXPECT_EQ(0x5A, *VideoOf(clone).data());
+    int64_t id = 0;
+    EXPECT_EQ(S_OK, clone->FrameBufferIdGet(&id));
+    EXPECT_EQ(m_state.section, id);
+    // A second clone borrows from the first.
+    EXPECT_EQ(VideoOf(clone).address, VideoOf(Clone(clone.get(), eZFC_Reference)).address);
+}
+
+TEST_F(RemoteClones, CopyReadsTheSection) {
+    const auto source = Quorvex();
+    ComPtr<IZFrame_I> clone;
+    ASSERT_EQ(S_OK, m_factory->FrameCloneConvert(source.get(), clone.Put(), eZFC_Full, eZFCC_Default));
+    EXPECT_EQ(VideoOf(m_origin).Copy(), VideoOf(clone).Copy());
+    *VideoOf(m_origin).data() = 0x5A;
+    EXPECT_NE(0x5A, *VideoOf(clone).data());
+    int64_t id = 0;
+    EXPECT_EQ(S_OK, clone->FrameBufferIdGet(&id));
+    EXPECT_NE(m_state.section, id);
+}
+
+struct OffsetCase {
+    int32_t offset;
+    int32_t told;
+    int32_t size;    // expected; below 0: all that the section has
+};
+
+TEST_F(RemoteClones, OffsetsAndSizesEndWithTheSection) {
+    const int32_t whole = 64 * 48 * 2;
+    const OffsetCase cases[] = {
+        {0, whole, whole}, {128, whole - 128, whole - 128}, {-5, whole, whole}, {INT32_MAX, 100, 0}, {100, INT32_MAX, -1},
+    };
+    for (const OffsetCase &c : cases) {
+        m_state.offset = c.offset;
+        m_state.videoSize = c.told;
+        const auto source = Quorvex();
+        const int32_t start = std::max(c.offset, 0);
+        for (const int32_t type : {eZFC_Reference, eZFC_Full}) {
+            ComPtr<IZFrame_I> clone;
+            ASSERT_EQ(S_OK,
+                      m_factory->FrameCloneConvert(source.get(), clone.Put(), static_cast<eZFrameClone>(type), eZFCC_Default));
+            const Bytes video = VideoOf(clone);
+            if (c.size >= 0) {
+                EXPECT_EQ(c.size, video.size) << c.offset;
+            } else {
+                EXPECT_GT(video.size, whole - start);
+                EXPECT_LT(video.size, whole + 4096);
+            }
+            for (int32_t i = 0; i < std::min(video.size, whole - start); ++i) {
+                ASSERT_EQ(PatternByte(static_cast<size_t>(i + start)), video.data()[i]);
+            }
+        }
+    }
+}
+
+TEST_F(RemoteClones, AMissingSectionIsAnError) {
+    m_state.section = 0x7FFF12345678;
+    const auto source = Quorvex();
+    ComPtr<IZFrame_I> clone;
+    EXPECT_EQ(kErrorFileNotFound, m_factory->FrameMakeLocal(source.get(), clone.Put(), 0));
+    EXPECT_FALSE(clone);
+    // Without pixels nothing is opened.
+    EXPECT_EQ(S_OK, m_factory->FrameCloneConvert(source.get(), clone.Put(), eZFC_Audio, eZFCC_Default));
+    EXPECT_EQ(m_state.audio, AudioOf(clone).Copy());
+}
+
+TEST_F(RemoteClones, TessiluNeedsTheBlockForm) {
+    const auto source = Tessilu();
+    ComPtr<IZFFrame> clone;
+    EXPECT_EQ(E_NOTIMPL, As<IZFFactory>(m_factory)->ZFFrameLocal(source.get(), clone.Put(), 0));
+    EXPECT_FALSE(clone);
+}
+
+}    // namespace
+}    // namespace zck::test

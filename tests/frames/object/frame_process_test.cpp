@@ -1,0 +1,103 @@
+// A frame of one process, opened by its section's number in another.
+#include <cinttypes>
+#include <cstdio>
+#include <iostream>
+#include <string>
+
+#include "tests/frames/object/foreign_frame.h"
+#include "tests/frames/object/frame_fixture.h"
+#include "tests/support/child_process.h"
+
+namespace zck::test {
+namespace {
+
+constexpr int32_t kWidth = 64;
+constexpr int32_t kHeight = 48;
+
+// Process B: a stand-in answers what the parent's frame answers; the frame itself crosses by the host's own means.
+int CloneElsewhere(const std::vector<std::string> &args) {
+    ForeignState state;
+    state.process = static_cast<uint32_t>(std::stoul(args[0]));
+    state.section = static_cast<int64_t>(std::stoull(args[1], nullptr, 16));
+    state.offset = std::stoi(args[2]);
+    state.videoSize = std::stoi(args[3]);
+    state.props.vidProps = Record(eZFCC_UYVY, kWidth, kHeight);
+    state.audio = Pattern(40);
+    if (state.Local()) return 2;
+
+    ComPtr<IZFrames_I> factory;
+    if (FAILED(FrameFactoryCreate(ZIidOf<IZFrames_I>(), factory.PutVoid()))) return 3;
+    auto source = ForeignCreate<ForeignQuorvex, IZFrame_I>(state);
+    ComPtr<IZFrame_I> reference;
+    if (factory->FrameMakeLocal(source.get(), reference.Put(), 0) != S_OK) return 4;
+    ComPtr<IZFrame_I> copy;
+    if (factory->FrameCloneConvert(source.get(), copy.Put(), eZFC_Full, eZFCC_Default) != S_OK) return 5;
+    source.Reset();
+
+    for (const auto &frame : {reference, copy}) {
+        const Bytes video = VideoOf(frame);
+        if (video.size != state.videoSize) return 6;
+        for (int32_t i = 0; i < video.size; ++i) {
+            if (video.data()[i] != PatternByte(static_cast<size_t>(i + state.offset))) return 7;
+        }
+        if (AudioOf(frame).Copy() != Pattern(40)) return 8;
+    }
+    // What is written here is seen there.
+    std::cout << "read" << std::endl;
+    std::string line;
+    std::getline(std::cin, line);
+    if (VideoOf(reference).data()[1] != 0xA5 || VideoOf(copy).data()[1] == 0xA5) return 9;
+    VideoOf(reference).data()[2] = 0x3C;
+    reference.Reset();
+    copy.Reset();
+    return 0;
+}
+const ChildRole kCloneElsewhere("clone-elsewhere", CloneElsewhere);
+
+std::string Hex(int64_t id) {
+    char text[17];
+    std::snprintf(text, sizeof(text), "%" PRIX64, static_cast<uint64_t>(id));
+    return text;
+}
+
+class FrameProcesses : public FrameTest {
+protected:
+    void Cross(const ComPtr<IZFrame_I> &frame) {
+        int64_t section = 0;
+        int32_t offset = 0;
+        int32_t size = 0;
+        ASSERT_EQ(S_OK, frame->FrameBufferIdGet(&section));
+        ASSERT_EQ(S_OK, frame->FrameVideoOffsetGet(&offset));
+        ASSERT_EQ(S_OK, frame->FrameInfoGet(nullptr, nullptr, &size, nullptr));
+        ChildProcess child;
+        ASSERT_TRUE(child.Start("clone-elsewhere", {std::to_string(CurrentProcessId()), Hex(section), std::to_string(offset),
+                                                    std::to_string(size)}));
+        EXPECT_EQ("read", child.ReadLine());
+        VideoOf(frame).data()[1] = 0xA5;
+        child.Send("go on");
+        EXPECT_EQ(0, child.Wait());
+        EXPECT_EQ(0x3C, VideoOf(frame).data()[2]);
+    }
+};
+
+TEST_F(FrameProcesses, AFrameIsReadAndClonedElsewhere) { Cross(Frame(Record(eZFCC_UYVY, kWidth, kHeight))); }
+
+TEST_F(FrameProcesses, ACutFrameStartsWhereItStartsHere) {
+    const auto frame = Frame(Record(eZFCC_UYVY, kWidth, kHeight));
+    tagRECT rect = {};
+    rect.left = 8;
+    rect.top = 10;
+    rect.right = 40;
+    rect.bottom = 40;
+    ComPtr<IZFrame> cut;
+    ASSERT_EQ(S_OK, frame->FrameCut(0, &rect, cut.Put()));
+    Cross(As<IZFrame_I>(cut));
+}
+
+TEST_F(FrameProcesses, AReferenceCloneNamesTheSection) {
+    const auto frame = Frame(Record(eZFCC_UYVY, kWidth, kHeight));
+    Cross(As<IZFrame_I>(Clone(frame.get(), eZFC_Reference)));
+}
+
+}    // namespace
+}    // namespace zck::test
