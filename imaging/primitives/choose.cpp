@@ -13,6 +13,12 @@ PrimitiveKernels Make(KernelLevel level) {
 
 }    // namespace
 
+void PrimitiveKernelsInitAvx2(PrimitiveKernels *table) {
+    PrimitivePixelsInitAvx2(table);
+    PrimitiveArithmeticInitAvx2(table);
+    PrimitiveConvertInitAvx2(table);
+}
+
 const PrimitiveKernels &PrimitiveKernelsGet() {
     static const PrimitiveKernels ref = Make(KernelLevel::Reference);
     static const PrimitiveKernels best = Make(KernelLevelGet());

@@ -69,4 +69,12 @@ const PrimitiveKernels &PrimitiveKernelsGet();
 void PrimitiveKernelsInitRef(PrimitiveKernels *table);
 void PrimitiveKernelsInitAvx2(PrimitiveKernels *table);
 
+/// What `PrimitiveKernelsInitAvx2` is made of, one for each file.
+void PrimitivePixelsInitAvx2(PrimitiveKernels *table);
+void PrimitiveArithmeticInitAvx2(PrimitiveKernels *table);
+void PrimitiveConvertInitAvx2(PrimitiveKernels *table);
+
+/// A product or sum of two bytes over 2 to the `scale`, as the arithmetic entries round it.
+uint8_t PrimitiveScaled(int32_t v, int32_t scale);
+
 }    // namespace zck

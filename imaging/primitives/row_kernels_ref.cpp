@@ -38,32 +38,20 @@ void SetPixels(uint8_t *dst, const uint8_t *value, int32_t width) {
         for (int j = 0; j < kBytes; ++j) dst[kBytes * x + j] = value[j];
 }
 
-// v is 0 to 65025.
-uint8_t Scaled(int64_t v, int32_t scale) {
-    if (scale <= 0) return v == 0 ? uint8_t{0} : Clamp(v << std::min(-int64_t{scale}, int64_t{8}));
-    // Less than a half from here on.
-    if (scale > 17) return 0;
-    const int64_t whole = v >> scale;
-    const int64_t rest = v - (whole << scale);
-    const int64_t half = int64_t{1} << (scale - 1);
-    const bool up = rest > half || (rest == half && (whole & 1) != 0);
-    return Clamp(whole + (up ? 1 : 0));
-}
-
 void MulConst(uint8_t *dst, const uint8_t *src, uint8_t value, int64_t count, int32_t scale) {
-    for (int64_t i = 0; i < count; ++i) dst[i] = Scaled(src[i] * value, scale);
+    for (int64_t i = 0; i < count; ++i) dst[i] = PrimitiveScaled(src[i] * value, scale);
 }
 
 void Mul(uint8_t *dst, const uint8_t *a, const uint8_t *b, int64_t count, int32_t scale) {
-    for (int64_t i = 0; i < count; ++i) dst[i] = Scaled(a[i] * b[i], scale);
+    for (int64_t i = 0; i < count; ++i) dst[i] = PrimitiveScaled(a[i] * b[i], scale);
 }
 
 void Add(uint8_t *dst, const uint8_t *a, const uint8_t *b, int64_t count, int32_t scale) {
-    for (int64_t i = 0; i < count; ++i) dst[i] = Scaled(a[i] + b[i], scale);
+    for (int64_t i = 0; i < count; ++i) dst[i] = PrimitiveScaled(a[i] + b[i], scale);
 }
 
 void AddConst(uint8_t *dst, const uint8_t *src, const uint8_t *value12, int64_t count, int32_t scale) {
-    for (int64_t i = 0; i < count; ++i) dst[i] = Scaled(src[i] + value12[i % 12], scale);
+    for (int64_t i = 0; i < count; ++i) dst[i] = PrimitiveScaled(src[i] + value12[i % 12], scale);
 }
 
 void AlphaOver(uint8_t *dst, const uint8_t *over, const uint8_t *under, int32_t width) {
@@ -147,6 +135,17 @@ void Yuy2ToUyvy(uint8_t *dst, const uint8_t *src, int32_t width) { SwapGroups<Uy
 void SwapChroma(uint8_t *dst, const uint8_t *src, int32_t width) { SwapGroups<Yuy2>(dst, src, width, kChroma); }
 
 }    // namespace
+
+uint8_t PrimitiveScaled(int32_t v, int32_t scale) {
+    if (scale <= 0) return v == 0 ? uint8_t{0} : Clamp(int64_t{v} << std::min(-int64_t{scale}, int64_t{8}));
+    // Less than a half from here on.
+    if (scale > 17) return 0;
+    const int32_t whole = v >> scale;
+    const int32_t rest = v - (whole << scale);
+    const int32_t half = 1 << (scale - 1);
+    const bool up = rest > half || (rest == half && (whole & 1) != 0);
+    return Clamp(whole + (up ? 1 : 0));
+}
 
 void PrimitiveKernelsInitRef(PrimitiveKernels *table) {
     table->drop_alpha = DropAlpha;

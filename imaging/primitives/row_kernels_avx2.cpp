@@ -1,7 +1,0 @@
-#include "imaging/primitives/row_kernels.h"
-
-namespace zck {
-
-void PrimitiveKernelsInitAvx2(PrimitiveKernels *) {}
-
-}    // namespace zck

@@ -1,0 +1,140 @@
+// Each vector row against its reference.
+#include "imaging/primitives/row_kernels.h"
+
+#include "tests/imaging/primitives/kernel_check.h"
+
+namespace zck {
+namespace {
+
+using test::CheckKernel;
+using test::KernelShape;
+using K = PrimitiveKernels;
+
+class Rows : public testing::Test {
+protected:
+    void SetUp() override {
+        if (!CpuHasAvx2()) GTEST_SKIP() << "this processor has no AVX2";
+        PrimitiveKernelsInitRef(&ref);
+        PrimitiveKernelsInitAvx2(&vec);
+    }
+
+    K ref = {};
+    K vec = {};
+};
+
+std::function<int64_t(int32_t)> Times(int64_t n) {
+    return [n](int32_t count) { return n * count; };
+}
+
+// Whole groups of 4:2:2, as rows are stored.
+int64_t Groups(int32_t width) { return (int64_t{width} + 1) / 2 * 4; }
+
+TEST_F(Rows, EveryEntryHasTwoDifferentFunctions) {
+    EXPECT_NE(ref.drop_alpha, vec.drop_alpha);
+    EXPECT_NE(ref.add_alpha, vec.add_alpha);
+    EXPECT_NE(ref.get_channel, vec.get_channel);
+    EXPECT_NE(ref.put_channel, vec.put_channel);
+    EXPECT_NE(ref.set_channel, vec.set_channel);
+    EXPECT_NE(ref.set3, vec.set3);
+    EXPECT_NE(ref.set4, vec.set4);
+    EXPECT_NE(ref.mul_const, vec.mul_const);
+    EXPECT_NE(ref.mul, vec.mul);
+    EXPECT_NE(ref.add, vec.add);
+    EXPECT_NE(ref.add_const, vec.add_const);
+    EXPECT_NE(ref.alpha_over, vec.alpha_over);
+    EXPECT_NE(ref.mirror1, vec.mirror1);
+    EXPECT_NE(ref.mirror2, vec.mirror2);
+    EXPECT_NE(ref.mirror3, vec.mirror3);
+    EXPECT_NE(ref.mirror4, vec.mirror4);
+    EXPECT_NE(ref.swap4, vec.swap4);
+    EXPECT_NE(ref.bgra_to_uyvy, vec.bgra_to_uyvy);
+    EXPECT_NE(ref.bgra_to_yuy2, vec.bgra_to_yuy2);
+    EXPECT_NE(ref.uyvy_to_bgra, vec.uyvy_to_bgra);
+    EXPECT_NE(ref.yuy2_to_bgra, vec.yuy2_to_bgra);
+    EXPECT_NE(ref.uyvy_to_yuy2, vec.uyvy_to_yuy2);
+    EXPECT_NE(ref.yuy2_to_uyvy, vec.yuy2_to_uyvy);
+    EXPECT_NE(ref.swap_chroma, vec.swap_chroma);
+    static_assert(sizeof(K) == 24 * sizeof(void *), "every entry is compared here");
+}
+
+TEST_F(Rows, TheTableFollowsTheLevel) {
+    EXPECT_EQ(PrimitiveKernelsGet().mirror3, vec.mirror3);
+    KernelLevelLimit(KernelLevel::Reference);
+    EXPECT_EQ(PrimitiveKernelsGet().mirror3, ref.mirror3);
+    KernelLevelLimit(KernelLevel::Avx2);
+    EXPECT_EQ(PrimitiveKernelsGet().mirror3, vec.mirror3);
+}
+
+TEST_F(Rows, Copies) {
+    CheckKernel("drop_alpha", ref, vec, {Times(4), Times(3), 36},
+                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.drop_alpha(d, s, n); });
+    CheckKernel("add_alpha", ref, vec, {Times(3), Times(4), 36},
+                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.add_alpha(d, s, n); });
+    // The row ends at the channel of the last pixel, as it does for the fourth one.
+    CheckKernel("get_channel", ref, vec, {[](int32_t n) { return int64_t{4} * n - 3; }, Times(1), 132},
+                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.get_channel(d, s, n); });
+    CheckKernel("put_channel", ref, vec, {Times(1), [](int32_t n) { return int64_t{4} * n - 3; }, 36},
+                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.put_channel(d, s, n); });
+}
+
+TEST_F(Rows, Fills) {
+    CheckKernel("set_channel", ref, vec, {Times(1), [](int32_t n) { return int64_t{4} * n - 3; }, 36},
+                [](const K &k, uint8_t *d, const uint8_t *, int32_t n) { k.set_channel(d, 77, n); });
+    const uint8_t value[] = {1, 2, 3, 4};
+    CheckKernel("set3", ref, vec, {Times(1), Times(3), 132},
+                [&](const K &k, uint8_t *d, const uint8_t *, int32_t n) { k.set3(d, value, n); });
+    CheckKernel("set4", ref, vec, {Times(1), Times(4), 36},
+                [&](const K &k, uint8_t *d, const uint8_t *, int32_t n) { k.set4(d, value, n); });
+}
+
+TEST_F(Rows, Arithmetic) {
+    for (const int32_t scale : {-1, 0, 1, 7, 8, 9, 16, 40}) {
+        SCOPED_TRACE(scale);
+        CheckKernel("mul_const", ref, vec, {Times(1), Times(1), 132, true},
+                    [=](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.mul_const(d, s, 201, n, scale); });
+        CheckKernel("mul", ref, vec, {Times(2), Times(1), 132},
+                    [=](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.mul(d, s, s + std::max(n, 0), n, scale); });
+        CheckKernel("add", ref, vec, {Times(2), Times(1), 132},
+                    [=](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.add(d, s, s + std::max(n, 0), n, scale); });
+    }
+    const uint8_t value[] = {1, 2, 3, 255, 128, 0, 7, 8, 9, 10, 11, 12};
+    for (const int32_t scale : {0, 1})
+        CheckKernel("add_const", ref, vec, {Times(1), Times(1), 387, true},
+                    [&](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.add_const(d, s, value, n, scale); });
+    CheckKernel("alpha_over", ref, vec, {Times(8), Times(4), 36},
+                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.alpha_over(d, s, s + 4 * std::max(n, 0), n); });
+}
+
+TEST_F(Rows, Mirrors) {
+    CheckKernel("mirror1", ref, vec, {Times(1), Times(1), 132},
+                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.mirror1(d, s, n); });
+    CheckKernel("mirror2", ref, vec, {Times(2), Times(2), 68},
+                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.mirror2(d, s, n); });
+    CheckKernel("mirror3", ref, vec, {Times(3), Times(3), 36},
+                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.mirror3(d, s, n); });
+    CheckKernel("mirror4", ref, vec, {Times(4), Times(4), 36},
+                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.mirror4(d, s, n); });
+    const uint8_t order[] = {3, 0, 2, 2};
+    CheckKernel("swap4", ref, vec, {Times(4), Times(4), 36, true},
+                [&](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.swap4(d, s, order, n); });
+}
+
+TEST_F(Rows, Conversions) {
+    CheckKernel("bgra_to_uyvy", ref, vec, {Times(4), Groups, 68},
+                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.bgra_to_uyvy(d, s, n); });
+    CheckKernel("bgra_to_yuy2", ref, vec, {Times(4), Groups, 68},
+                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.bgra_to_yuy2(d, s, n); });
+    CheckKernel("uyvy_to_bgra", ref, vec, {Groups, Times(4), 68},
+                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.uyvy_to_bgra(d, s, n, 99); });
+    CheckKernel("yuy2_to_bgra", ref, vec, {Groups, Times(4), 68},
+                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.yuy2_to_bgra(d, s, n, 255); });
+    CheckKernel("uyvy_to_yuy2", ref, vec, {Groups, Groups, 68, true},
+                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.uyvy_to_yuy2(d, s, n); });
+    CheckKernel("yuy2_to_uyvy", ref, vec, {Groups, Groups, 68, true},
+                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.yuy2_to_uyvy(d, s, n); });
+    CheckKernel("swap_chroma", ref, vec, {Groups, Groups, 68, true},
+                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.swap_chroma(d, s, n); });
+}
+
+}    // namespace
+}    // namespace zck
