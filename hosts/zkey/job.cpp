@@ -7,7 +7,6 @@
 #include <thread>
 
 #include "hosts/zkey/channel.h"
-#include "hosts/zkey/colours.h"
 #include "hosts/zkey/media.h"
 #include "hosts/zkey/padding.h"
 #include "hosts/zkey/plugin_door.h"
@@ -90,12 +89,12 @@ private:
     }
 
     void SetUpKey(IZFrame *first) {
-        std::optional<ScreenKey> screen;
+        std::vector<ScreenKey> screen;
         if (m_command.key.NeedsScreen()) screen = FindScreen(first);
         m_keyer.SetKey(BuildKey(m_command.key, screen));
     }
 
-    ScreenKey FindScreen(IZFrame *first) {
+    std::vector<ScreenKey> FindScreen(IZFrame *first) {
         const Ref<IZFrame> plain = m_keyer.Convert(first);
         const eCK_Type type = m_command.key.type.value_or(kDefaultKeyType);
         const auto guess = GuessScreen(Keyer::View(plain.get(), m_info.width, m_info.height), type);
@@ -104,13 +103,8 @@ private:
                 "no key given, and no green or blue screen found at the border of the first picture; name its colour with "
                 "--color");
         }
-        if (!m_command.quiet) {
-            const auto &t = guess->key.tolerance;
-            Note("no key given, assumed the " + guess->name + " screen " + ColourText(guess->key.colour) + " (--color " +
-                 ColourText(guess->key.colour) + " --tolerance " + std::to_string(t[0]) + "," + std::to_string(t[1]) + "," +
-                 std::to_string(t[2]) + " --softness " + std::to_string(guess->key.softness) + ")");
-        }
-        return guess->key;
+        if (!m_command.quiet) Note("no key given, assumed a " + guess->name + " screen: " + ScreenOptions(*guess));
+        return guess->parts;
     }
 
     Finish WantedFinish() const {

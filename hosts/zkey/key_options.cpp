@@ -97,16 +97,15 @@ int32_t YuvValue(int32_t red, int32_t green, int32_t blue) {
     return Pack(t >> 16, u, v);
 }
 
-SINGLE_KEY BuildEntry(const KeyEntry &entry, eCK_Type type, const std::optional<ScreenKey> &screen) {
-    const bool found = !entry.colour && screen;
-    const std::array<int32_t, 3> fallback = found ? screen->tolerance : SpreadTolerance(type, kDefaultTolerance);
+SINGLE_KEY BuildEntry(const KeyEntry &entry, eCK_Type type, const ScreenKey *screen) {
+    const std::array<int32_t, 3> fallback = screen != nullptr ? screen->tolerance : SpreadTolerance(type, kDefaultTolerance);
     const std::array<int32_t, 3> tolerance = entry.tolerance.value_or(fallback);
     SINGLE_KEY key{};
-    key.nValue = KeyValue(type, entry.colour.value_or(screen ? screen->colour : 0));
+    key.nValue = KeyValue(type, entry.colour.value_or(screen != nullptr ? screen->colour : 0));
     key.nDelta = Pack(tolerance[0], tolerance[1], tolerance[2]);
     // A tolerance of 0 means the very colour; an all-zero width would switch the entry off.
     if (key.nDelta == 0) key.nDelta = Pack(1, 1, 1);
-    key.nSmoothRange = entry.softness.value_or(found ? screen->softness : kDefaultSoftness);
+    key.nSmoothRange = entry.softness.value_or(screen != nullptr ? screen->softness : kDefaultSoftness);
     key.nReverseKey = entry.reverse ? 1 : 0;
     for (const FieldSetting &f : entry.fields) key.*(FindField(kEntryFields, f.first)->member) = f.second;
     return key;
@@ -221,20 +220,28 @@ std::array<int32_t, 3> SpreadTolerance(eCK_Type type, int32_t tolerance) {
     }
 }
 
-CHROMA_KEY_RAW BuildKey(const KeyOptions &options, const std::optional<ScreenKey> &screen) {
+CHROMA_KEY_RAW BuildKey(const KeyOptions &options, const std::vector<ScreenKey> &screen) {
     CHROMA_KEY_RAW raw{};
     raw.eType = options.type.value_or(kDefaultKeyType);
     raw.nMinTransparent = 16;
     raw.nMaxTransparent = 235;
-    std::vector<KeyEntry> entries = options.entries;
-    if (screen && std::all_of(entries.begin(), entries.end(), [](const KeyEntry &e) { return e.colour && Protects(e); })) {
-        entries.insert(entries.begin(), KeyEntry{});
-    }
-    if (entries.size() > kMostKeys) FailUsage("--color: a key has 16 colours at most");
-    for (KeyEntry &entry : entries) {
+    std::vector<SINGLE_KEY> keys;
+    const auto add = [&](KeyEntry entry) {
         if (entry.tolerance && (*entry.tolerance)[1] < 0) entry.tolerance = SpreadTolerance(raw.eType, (*entry.tolerance)[0]);
-        raw.arrKeys[raw.nKeysUsed++] = BuildEntry(entry, raw.eType, screen);
+        if (entry.colour || screen.empty()) {
+            keys.push_back(BuildEntry(entry, raw.eType, nullptr));
+        } else {
+            for (const ScreenKey &part : screen) keys.push_back(BuildEntry(entry, raw.eType, &part));
+        }
+    };
+    const auto &entries = options.entries;
+    if (std::all_of(entries.begin(), entries.end(), [](const KeyEntry &e) { return e.colour && Protects(e); })) {
+        for (const ScreenKey &part : screen) keys.push_back(BuildEntry({}, raw.eType, &part));
     }
+    for (const KeyEntry &entry : entries) add(entry);
+    if (keys.size() > kMostKeys) FailUsage("--color: a key has 16 colours at most");
+    std::copy(keys.begin(), keys.end(), raw.arrKeys);
+    raw.nKeysUsed = static_cast<int32_t>(keys.size());
     for (const FieldSetting &f : options.fields) raw.*(FindField(kRecordFields, f.first)->member) = f.second;
     return raw;
 }

@@ -45,7 +45,7 @@ private:
     KeyEntry &Last();
 };
 
-/// A screen found in a picture: the key to use when none was given.
+/// A part of a screen that was found in a picture: the key to use when none was given.
 struct ScreenKey {
     uint32_t colour = 0;    ///< 0x00RRGGBB
     std::array<int32_t, 3> tolerance{};
@@ -61,7 +61,8 @@ int32_t KeyValue(eCK_Type type, uint32_t colour);
 /// One number for all channels: hue, or the two colour channels, take it as it is; brightness and saturation twice.
 std::array<int32_t, 3> SpreadTolerance(eCK_Type type, int32_t tolerance);
 
-/// The record. With `screen` the entries that lack a colour take it, and if all entries protect colours it goes before them.
-CHROMA_KEY_RAW BuildKey(const KeyOptions &options, const std::optional<ScreenKey> &screen);
+/// The record. An entry that lacks a colour stands for all parts of the screen; if no entry says what is to be keyed out,
+/// they go before the others.
+CHROMA_KEY_RAW BuildKey(const KeyOptions &options, const std::vector<ScreenKey> &screen);
 
 }    // namespace zkey

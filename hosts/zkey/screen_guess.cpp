@@ -3,7 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <utility>
 #include <vector>
+
+#include "hosts/zkey/colours.h"
 
 namespace zkey {
 namespace {
@@ -16,21 +19,81 @@ struct Pixel {
 constexpr int32_t kLead = 12;
 // The part of the border that has to show the screen.
 constexpr double kLeastShare = 0.10;
+// How much neighbours on the screen differ at most.
+constexpr int32_t kStep = 14;
+// A part spans about this much brightness.
+constexpr int32_t kPartWidth = 32;
+constexpr int kMostParts = 3;
+constexpr int32_t kLeastTolerance = 12;
+constexpr int32_t kMostTolerance = 40;
+constexpr int32_t kLeastSoftness = 24;
+constexpr int32_t kMostSoftness = 60;
 
-std::vector<Pixel> BorderPixels(const ImageView &picture) {
-    const int side = std::max(1, picture.width / 14);
-    const int top = std::max(1, picture.height / 14);
-    const int stride = std::max(1, picture.width * picture.height / 2000000);
-    std::vector<Pixel> out;
-    for (int y = 0; y < picture.height; y += stride) {
-        const uint8_t *row = picture.Row(y);
-        for (int x = 0; x < picture.width; ++x) {
-            if (y >= top && x >= side && x < picture.width - side) x = picture.width - side;
-            const uint8_t *p = row + std::ptrdiff_t{4} * x;
-            out.push_back({p[2], p[1], p[0]});
+/// The picture seen through a coarse grid of single pixels: enough to find the screen, and quick.
+struct Grid {
+    int width = 0;
+    int height = 0;
+    std::vector<Pixel> pixels;
+
+    explicit Grid(const ImageView &picture) {
+        const int stride = std::max(1, std::max(picture.width, picture.height) / 320);
+        width = (picture.width + stride - 1) / stride;
+        height = (picture.height + stride - 1) / stride;
+        for (int y = 0; y < height; ++y) {
+            const uint8_t *row = picture.Row(y * stride);
+            for (int x = 0; x < width; ++x) {
+                const uint8_t *p = row + std::ptrdiff_t{4} * x * stride;
+                pixels.push_back({p[2], p[1], p[0]});
+            }
         }
     }
-    return out;
+    /// Left, right and upper border; the figure often stands on the lower one.
+    bool OnBorder(int x, int y) const {
+        const int side = std::max(1, width / 14);
+        return x < side || x >= width - side || y < std::max(1, height / 14);
+    }
+    std::size_t At(int x, int y) const {
+        return static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x);
+    }
+};
+
+int32_t GreenLead(const Pixel &p) { return p.green - std::max(p.red, p.blue); }
+int32_t BlueLead(const Pixel &p) { return p.blue - std::max(p.red, p.green); }
+using Lead = int32_t (*)(const Pixel &);
+
+bool IsNext(const Pixel &a, const Pixel &b) {
+    return std::abs(a.red - b.red) <= kStep && std::abs(a.green - b.green) <= kStep && std::abs(a.blue - b.blue) <= kStep;
+}
+
+/// From the border inwards, as long as the colour changes gently and stays clearly coloured: so the light in the middle
+/// of a screen is found, and the figure is not.
+std::vector<Pixel> GrowFromBorder(const Grid &grid, Lead lead, int32_t least) {
+    std::vector<bool> taken(grid.pixels.size());
+    std::vector<std::pair<int, int>> open;
+    const auto take = [&](int x, int y) {
+        if (taken[grid.At(x, y)] || lead(grid.pixels[grid.At(x, y)]) < least) return;
+        taken[grid.At(x, y)] = true;
+        open.emplace_back(x, y);
+    };
+    for (int y = 0; y < grid.height; ++y) {
+        for (int x = 0; x < grid.width; ++x) {
+            if (grid.OnBorder(x, y)) take(x, y);
+        }
+    }
+    std::vector<Pixel> screen;
+    while (!open.empty()) {
+        const auto [x, y] = open.back();
+        open.pop_back();
+        const Pixel &here = grid.pixels[grid.At(x, y)];
+        screen.push_back(here);
+        for (const auto &[dx, dy] : {std::pair{1, 0}, {-1, 0}, {0, 1}, {0, -1}}) {
+            const int nx = x + dx;
+            const int ny = y + dy;
+            if (nx < 0 || ny < 0 || nx >= grid.width || ny >= grid.height) continue;
+            if (IsNext(here, grid.pixels[grid.At(nx, ny)])) take(nx, ny);
+        }
+    }
+    return screen;
 }
 
 int32_t Quantile(std::vector<int32_t> &values, double at) {
@@ -55,40 +118,80 @@ int32_t ByteOf(int32_t value, int channel) { return (value >> (8 * channel)) & 2
 
 uint32_t ColourOf(const Pixel &p) { return static_cast<uint32_t>((p.red << 16) | (p.green << 8) | p.blue); }
 
-/// In each channel of the key's space: how far nine of ten screen pixels lie from the middle, with room for the rest.
+/// In each channel of the key's space: how far most of the pixels lie from the middle, with room for the rest.
 std::array<int32_t, 3> SpreadOf(const std::vector<Pixel> &pixels, eCK_Type type, uint32_t middle) {
     const int32_t centre = KeyValue(type, middle);
-    const std::array<int32_t, 3> least = SpreadTolerance(type, 14);
-    const std::array<int32_t, 3> most = SpreadTolerance(type, 45);
+    const std::array<int32_t, 3> least = SpreadTolerance(type, kLeastTolerance);
+    const std::array<int32_t, 3> most = SpreadTolerance(type, kMostTolerance);
     std::array<std::vector<int32_t>, 3> far;
     for (const Pixel &p : pixels) {
         const int32_t value = KeyValue(type, ColourOf(p));
         for (int c = 0; c < 3; ++c) far[static_cast<std::size_t>(c)].push_back(std::abs(ByteOf(value, c) - ByteOf(centre, c)));
     }
     std::array<int32_t, 3> out{};
-    for (std::size_t c = 0; c < 3; ++c) out[c] = std::clamp(Quantile(far[c], 0.9) * 8 / 5 + 4, least[c], most[c]);
+    for (std::size_t c = 0; c < 3; ++c) out[c] = std::clamp(Quantile(far[c], 0.95) * 8 / 5 + 4, least[c], most[c]);
     return out;
+}
+
+int32_t Brightness(const Pixel &p) { return (2 * p.red + 5 * p.green + p.blue) / 8; }
+
+/// Parts of equal width in brightness, without the few pixels that are far off.
+std::vector<std::vector<Pixel>> PartsOf(const std::vector<Pixel> &screen) {
+    std::vector<int32_t> brightness;
+    for (const Pixel &p : screen) brightness.push_back(Brightness(p));
+    const int32_t dark = Quantile(brightness, 0.02);
+    const int32_t bright = Quantile(brightness, 0.98);
+    const int count = std::clamp((bright - dark) / kPartWidth + 1, 1, kMostParts);
+    std::vector<std::vector<Pixel>> parts(static_cast<std::size_t>(count));
+    for (const Pixel &p : screen) {
+        const int32_t b = Brightness(p);
+        if (b < dark || b > bright) continue;
+        parts[static_cast<std::size_t>(std::min((b - dark) * count / (bright - dark + 1), count - 1))].push_back(p);
+    }
+    std::erase_if(parts, [](const auto &part) { return part.empty(); });
+    return parts;
 }
 
 }    // namespace
 
 std::optional<ScreenGuess> GuessScreen(const ImageView &picture, eCK_Type type) {
-    const std::vector<Pixel> border = BorderPixels(picture);
-    std::vector<Pixel> green;
-    std::vector<Pixel> blue;
-    for (const Pixel &p : border) {
-        if (p.green - std::max(p.red, p.blue) >= kLead) green.push_back(p);
-        if (p.blue - std::max(p.red, p.green) >= kLead) blue.push_back(p);
+    const Grid grid(picture);
+    std::vector<int32_t> green;
+    std::vector<int32_t> blue;
+    std::size_t border = 0;
+    for (int y = 0; y < grid.height; ++y) {
+        for (int x = 0; x < grid.width; ++x) {
+            if (!grid.OnBorder(x, y)) continue;
+            ++border;
+            const Pixel &p = grid.pixels[grid.At(x, y)];
+            if (GreenLead(p) >= kLead) green.push_back(GreenLead(p));
+            if (BlueLead(p) >= kLead) blue.push_back(BlueLead(p));
+        }
     }
     const bool isGreen = green.size() >= blue.size();
-    const std::vector<Pixel> &screen = isGreen ? green : blue;
-    if (static_cast<double>(screen.size()) < kLeastShare * static_cast<double>(border.size()) || screen.empty()) return {};
+    std::vector<int32_t> &leads = isGreen ? green : blue;
+    if (leads.empty() || static_cast<double>(leads.size()) < kLeastShare * static_cast<double>(border)) return {};
+    const int32_t least = std::max(kLead, Quantile(leads, 0.5) / 2);
+    const std::vector<Pixel> screen = GrowFromBorder(grid, isGreen ? GreenLead : BlueLead, least);
+    if (screen.empty()) return {};
+    // The nearer a screen is to grey, the nearer are the figure's own colours.
+    const int32_t softness = std::clamp(Quantile(leads, 0.5) * 3 / 4, kLeastSoftness, kMostSoftness);
     ScreenGuess guess;
     guess.name = isGreen ? "green" : "blue";
-    guess.key.colour = Median(screen);
-    guess.key.tolerance = SpreadOf(screen, type, guess.key.colour);
-    guess.key.softness = kDefaultSoftness;
+    for (const std::vector<Pixel> &part : PartsOf(screen)) {
+        const uint32_t colour = Median(part);
+        guess.parts.push_back({colour, SpreadOf(part, type, colour), softness});
+    }
     return guess;
+}
+
+std::string ScreenOptions(const ScreenGuess &guess) {
+    std::string out;
+    for (const ScreenKey &k : guess.parts) {
+        out += (out.empty() ? "-c " : " -c ") + ColourText(k.colour) + " -t " + std::to_string(k.tolerance[0]) + "," +
+               std::to_string(k.tolerance[1]) + "," + std::to_string(k.tolerance[2]) + " -s " + std::to_string(k.softness);
+    }
+    return out;
 }
 
 }    // namespace zkey

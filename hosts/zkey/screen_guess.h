@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "hosts/zkey/composite.h"
 #include "hosts/zkey/key_options.h"
@@ -10,13 +11,17 @@
 namespace zkey {
 
 struct ScreenGuess {
-    ScreenKey key;
-    std::string name;    ///< "green" or "blue"
+    std::vector<ScreenKey> parts;    ///< from dark to bright; one for an evenly lit screen
+    std::string name;                ///< "green" or "blue"
 };
 
-/// Looks at the left, right and upper border of the picture, where a screen stands free most often. The dominant one of
-/// green and blue wins; its median is the colour, and how far it spreads there gives the tolerance. Empty when hardly
-/// any border pixel is clearly green or blue.
+/// Looks at the left, right and upper border of the picture, where a screen stands free most often; the dominant one of
+/// green and blue wins. From there the screen is followed inwards. Where its light is uneven, its colours are taken in up
+/// to three parts of brightness, each with its own middle and its own tolerance. Empty when hardly any border pixel is
+/// clearly green or blue.
 std::optional<ScreenGuess> GuessScreen(const ImageView &picture, eCK_Type type);
+
+/// The options that give the same key.
+std::string ScreenOptions(const ScreenGuess &guess);
 
 }    // namespace zkey

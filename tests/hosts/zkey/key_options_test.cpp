@@ -54,7 +54,7 @@ TEST(KeyOptions, ColoursTakeTheOptionsThatFollowThem) {
     o.SetTolerance("1,2,3");
     o.SetField("nAlpha=9");
     o.SetField("nEdgesSmooth=3");
-    const CHROMA_KEY_RAW k = BuildKey(o, std::nullopt);
+    const CHROMA_KEY_RAW k = BuildKey(o, {});
     EXPECT_EQ(k.eType, eCKT_RGB);
     ASSERT_EQ(k.nKeysUsed, 2);
     EXPECT_EQ(k.arrKeys[0].nValue, 0x010000);
@@ -73,17 +73,17 @@ TEST(KeyOptions, OneToleranceIsSpreadByTheTypeWhereverItStands) {
     KeyOptions o;
     o.SetTolerance("30");
     o.AddColour("green");
-    EXPECT_EQ(BuildKey(o, std::nullopt).arrKeys[0].nDelta, 60 | (30 << 8) | (30 << 16));
+    EXPECT_EQ(BuildKey(o, {}).arrKeys[0].nDelta, 60 | (30 << 8) | (30 << 16));
     o.SetType("HLS");
-    EXPECT_EQ(BuildKey(o, std::nullopt).arrKeys[0].nDelta, 30 | (60 << 8) | (60 << 16));
-    EXPECT_EQ(BuildKey(o, std::nullopt).nKeysUsed, 1);
+    EXPECT_EQ(BuildKey(o, {}).arrKeys[0].nDelta, 30 | (60 << 8) | (60 << 16));
+    EXPECT_EQ(BuildKey(o, {}).nKeysUsed, 1);
     EXPECT_EQ(SpreadTolerance(eCKT_YUV, 200)[0], 255);
 }
 
 TEST(KeyOptions, ZeroToleranceStaysAKey) {
     KeyOptions o = Green();
     o.SetTolerance("0");
-    EXPECT_EQ(BuildKey(o, std::nullopt).arrKeys[0].nDelta, 0x010101);
+    EXPECT_EQ(BuildKey(o, {}).arrKeys[0].nDelta, 0x010101);
 }
 
 TEST(KeyOptions, EveryFieldOfTheRecordCanBeSet) {
@@ -94,7 +94,7 @@ TEST(KeyOptions, EveryFieldOfTheRecordCanBeSet) {
                            "nCancelChroma",    "nCancelLuma",     "nCancelAlpha", "nReverseKey"};
     int32_t value = 100;
     for (const char *name : names) o.SetField(std::string(name) + "=" + std::to_string(value++));
-    const CHROMA_KEY_RAW k = BuildKey(o, std::nullopt);
+    const CHROMA_KEY_RAW k = BuildKey(o, {});
     const SINGLE_KEY &e = k.arrKeys[0];
     const int32_t read[] = {k.nMinTransparent,  k.nMaxTransparent, k.nEdgesSmooth, k.bColorCancel,
                             k.nInterlacedVideo, k.nInverseKey,     e.nValue,       e.nDelta,
@@ -105,7 +105,7 @@ TEST(KeyOptions, EveryFieldOfTheRecordCanBeSet) {
 }
 
 TEST(KeyOptions, TheScreenFillsInWhereNoColourWasGiven) {
-    const ScreenKey screen{0x20C040, {50, 20, 21}, 33};
+    const std::vector<ScreenKey> screen{{0x20C040, {50, 20, 21}, 33}};
     KeyOptions none;
     EXPECT_TRUE(none.NeedsScreen());
     CHROMA_KEY_RAW k = BuildKey(none, screen);
@@ -131,6 +131,14 @@ TEST(KeyOptions, TheScreenFillsInWhereNoColourWasGiven) {
     EXPECT_EQ(k.arrKeys[0].nReverseKey, 0);
     EXPECT_EQ(k.arrKeys[1].nReverseKey, 1);
 
+    // A screen in parts takes an entry for each.
+    const std::vector<ScreenKey> parts{{0x208040, {10, 11, 12}, 33}, {0x20C040, {50, 20, 21}, 33}};
+    k = BuildKey(softer, parts);
+    ASSERT_EQ(k.nKeysUsed, 2);
+    EXPECT_EQ(k.arrKeys[0].nDelta, 10 | (11 << 8) | (12 << 16));
+    EXPECT_EQ(k.arrKeys[1].nSmoothRange, 80);
+    EXPECT_EQ(BuildKey(onlyProtected, parts).nKeysUsed, 3);
+
     EXPECT_FALSE(Green().NeedsScreen());
     KeyOptions plain;
     plain.SetType("alpha");
@@ -143,7 +151,7 @@ TEST(KeyOptions, TheScreenFillsInWhereNoColourWasGiven) {
 TEST(KeyOptions, SixteenColoursAndNoMore) {
     KeyOptions o;
     for (int i = 0; i < 16; ++i) o.AddColour("10203" + std::to_string(i % 10));
-    EXPECT_EQ(BuildKey(o, std::nullopt).nKeysUsed, 16);
+    EXPECT_EQ(BuildKey(o, {}).nKeysUsed, 16);
     EXPECT_THROW(o.AddColour("green"), Failure);
 }
 
