@@ -6,7 +6,6 @@
 
 #include "hosts/zkey/failure.h"
 #include "hosts/zkey/frame_format.h"
-#include "hosts/zkey/system.h"
 #include "hosts/zkey/text.h"
 
 namespace zkey {
@@ -53,7 +52,7 @@ std::string StatusText(HRESULT status) {
 
 Keyer::Keyer() {
     Ref<IClassFactory> factory;
-    Require(LibraryClassObject(CLSID_ZChromaKey, IID_IClassFactory, factory.PutVoid()), "cannot open the keyer");
+    Require(DllGetClassObject(CLSID_ZChromaKey, IID_IClassFactory, factory.PutVoid()), "cannot open the keyer");
     Require(factory->CreateInstance(nullptr, ZIidOf<IZPlugin>(), m_plugin.PutVoid()), "cannot create the keyer");
     Require(m_plugin->QueryInterface(ZIidOf<IZChromaKey>(), m_key.PutVoid()), "cannot create the keyer");
     Require(m_plugin->QueryInterface(ZIidOf<IZProps>(), m_props.PutVoid()), "cannot create the keyer");

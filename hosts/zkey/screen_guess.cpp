@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdlib>
 #include <utility>
 #include <vector>
@@ -15,8 +16,8 @@ struct Pixel {
     int32_t red, green, blue;
 };
 
-// A colour counts as green or blue when that channel leads both others by this much: more than noise and grey walls do.
-constexpr int32_t kLead = 12;
+// A colour counts as green or blue when that channel leads by this much: more than noise and walls do.
+constexpr int32_t kLead = 20;
 // The part of the border that has to show the screen.
 constexpr double kLeastShare = 0.10;
 // How much neighbours on the screen differ at most.
@@ -26,8 +27,9 @@ constexpr int32_t kPartWidth = 32;
 constexpr int kMostParts = 3;
 constexpr int32_t kLeastTolerance = 12;
 constexpr int32_t kMostTolerance = 40;
-constexpr int32_t kLeastSoftness = 24;
+constexpr int32_t kLeastSoftness = 8;
 constexpr int32_t kMostSoftness = 60;
+constexpr double kGreyShare = 0.85;
 
 /// The picture seen through a coarse grid of single pixels: enough to find the screen, and quick.
 struct Grid {
@@ -57,8 +59,10 @@ struct Grid {
     }
 };
 
-int32_t GreenLead(const Pixel &p) { return p.green - std::max(p.red, p.blue); }
-int32_t BlueLead(const Pixel &p) { return p.blue - std::max(p.red, p.green); }
+/// How much the channel stands above the mean of the two others; nothing where one of them is above it.
+int32_t LeadOf(int32_t channel, int32_t a, int32_t b) { return channel + 2 < std::max(a, b) ? 0 : channel - (a + b) / 2; }
+int32_t GreenLead(const Pixel &p) { return LeadOf(p.green, p.red, p.blue); }
+int32_t BlueLead(const Pixel &p) { return LeadOf(p.blue, p.red, p.green); }
 using Lead = int32_t (*)(const Pixel &);
 
 bool IsNext(const Pixel &a, const Pixel &b) {
@@ -135,6 +139,34 @@ std::array<int32_t, 3> SpreadOf(const std::vector<Pixel> &pixels, eCK_Type type,
 
 int32_t Brightness(const Pixel &p) { return (2 * p.red + 5 * p.green + p.blue) / 8; }
 
+/// Whether a colour at this distance from the middle is solid: the engine's ramp ends where the sum of the squares, each
+/// by its tolerance, reaches the mean of the widened ones.
+bool IsSolid(const std::array<double, 3> &distance, const std::array<int32_t, 3> &tolerance, int32_t softness) {
+    double reached = 0;
+    double needed = 0;
+    for (std::size_t c = 0; c < 3; ++c) {
+        reached += std::pow(distance[c] / tolerance[c], 2);
+        needed += std::pow(static_cast<double>(tolerance[c] + softness) / tolerance[c], 2) / 3;
+    }
+    return reached >= needed;
+}
+
+/// The widest passage at whose end grey is solid, with some distance to spare: a figure has colours near grey.
+int32_t SoftnessFor(eCK_Type type, uint32_t colour, const std::array<int32_t, 3> &tolerance) {
+    const auto channel = [&](int shift) { return static_cast<int32_t>((colour >> shift) & 255); };
+    const auto grey = static_cast<uint32_t>(Brightness({channel(16), channel(8), channel(0)}));
+    const int32_t centre = KeyValue(type, colour);
+    const int32_t neutral = KeyValue(type, grey * 0x010101U);
+    std::array<double, 3> distance{};
+    for (int c = 0; c < 3; ++c) {
+        distance[static_cast<std::size_t>(c)] = kGreyShare * std::abs(ByteOf(neutral, c) - ByteOf(centre, c));
+    }
+    if (type == eCKT_HLS) distance[0] = 0;    // grey has no hue
+    int32_t softness = kMostSoftness;
+    while (softness > kLeastSoftness && !IsSolid(distance, tolerance, softness)) --softness;
+    return softness;
+}
+
 /// Parts of equal width in brightness, without the few pixels that are far off.
 std::vector<std::vector<Pixel>> PartsOf(const std::vector<Pixel> &screen) {
     std::vector<int32_t> brightness;
@@ -174,13 +206,12 @@ std::optional<ScreenGuess> GuessScreen(const ImageView &picture, eCK_Type type) 
     const int32_t least = std::max(kLead, Quantile(leads, 0.5) / 2);
     const std::vector<Pixel> screen = GrowFromBorder(grid, isGreen ? GreenLead : BlueLead, least);
     if (screen.empty()) return {};
-    // The nearer a screen is to grey, the nearer are the figure's own colours.
-    const int32_t softness = std::clamp(Quantile(leads, 0.5) * 3 / 4, kLeastSoftness, kMostSoftness);
     ScreenGuess guess;
     guess.name = isGreen ? "green" : "blue";
     for (const std::vector<Pixel> &part : PartsOf(screen)) {
         const uint32_t colour = Median(part);
-        guess.parts.push_back({colour, SpreadOf(part, type, colour), softness});
+        const std::array<int32_t, 3> tolerance = SpreadOf(part, type, colour);
+        guess.parts.push_back({colour, tolerance, SoftnessFor(type, colour, tolerance)});
     }
     return guess;
 }

@@ -5,8 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "zchromakey/com.h"
-
 namespace zkey {
 
 /// Enters the object model for threads without a message queue and makes the standard streams binary.
@@ -23,7 +21,5 @@ bool ErrorIsTerminal();
 /// A reader of a pipe that is gone gives a write error instead of the end of the program.
 void WatchInterrupt();
 bool Interrupted();
-/// The class object of a class of the library that the program runs with.
-HRESULT LibraryClassObject(REFCLSID rclsid, REFIID riid, void **ppv);
 
 }    // namespace zkey
