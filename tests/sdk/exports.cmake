@@ -1,0 +1,10 @@
+# The names that a library exports: cmake -DNM=<nm> -DLIBRARY=<file> -P exports.cmake
+cmake_policy(VERSION 3.25)
+execute_process(COMMAND ${NM} -D --defined-only ${LIBRARY} OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
+string(REGEX REPLACE "[0-9a-f]+ ([A-Za-z]) ([^\n]*)\n" "\\1:\\2;" found "${symbols}")
+list(REMOVE_ITEM found "")
+list(SORT found)
+set(wanted T:DllCanUnloadNow T:DllGetClassObject T:ZFramesCreate)
+if(NOT found STREQUAL wanted)
+  message(FATAL_ERROR "exported: ${found}\nwanted: ${wanted}")
+endif()
