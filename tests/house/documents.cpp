@@ -61,4 +61,30 @@ std::vector<std::string> NamedPaths(const Document &document, const std::string 
     return paths;
 }
 
+std::set<std::string> OperationsListed(const Document &document, const std::string &heading) {
+    std::set<std::string> operations;
+    const size_t start = document.text.find("\n" + heading + "\n");
+    if (start == std::string::npos) return operations;
+    const std::string section = document.text.substr(start, document.text.find("\n## ", start + heading.size()) - start);
+    for (const std::string &cell : AllMatches(section, std::regex(R"(\n\|[^|\n]*\|([^|\n]*)\|)"))) {
+        for (std::string &name : AllMatches(cell, std::regex(R"(`(\w+)`)"))) operations.insert(std::move(name));
+    }
+    return operations;
+}
+
+std::set<std::string> OperationsAbsent(const std::vector<SourceFile> &files) {
+    static const std::regex definition(R"(^\S.*\b\w+::([A-Z]\w+)\()");
+    static const std::regex answer(R"(\bE_NOTIMPL\b|\bAbsent\()");
+    std::set<std::string> operations;
+    for (const SourceFile &file : files) {
+        std::string current;
+        for (const std::string &line : file.code) {
+            std::smatch match;
+            if (std::regex_search(line, match, definition)) current = match[1];
+            if (!current.empty() && std::regex_search(line, answer)) operations.insert(current);
+        }
+    }
+    return operations;
+}
+
 }    // namespace house

@@ -1,8 +1,11 @@
 // What the documents claim about the tree.
 #pragma once
 
+#include <set>
 #include <string>
 #include <vector>
+
+#include "tests/house/source_tree.h"
 
 namespace house {
 
@@ -23,5 +26,11 @@ std::vector<std::string> LocalLinks(const Document &document);
 /// Paths of the tree named in code spans, such as `tools/format` or `keying/kernels/`: those that begin with a folder or file
 /// of the top.
 std::vector<std::string> NamedPaths(const Document &document, const std::string &top);
+
+/// Operations in code spans of the second column of the table below a heading.
+std::set<std::string> OperationsListed(const Document &document, const std::string &heading);
+
+/// Member functions in whose definition E_NOTIMPL is answered.
+std::set<std::string> OperationsAbsent(const std::vector<SourceFile> &files);
 
 }    // namespace house
