@@ -52,9 +52,9 @@ struct KeyingKernels {
     /// Each of the three colour bytes times the pixel's alpha over 255, rounded; all `width` pixels.
     void (*premultiply)(uint8_t *row, int32_t width);
 
-    /// `merge` of `alpha` into `row` itself, then `premultiply`, in one pass: the 8 pixels that a merge leaves out are
-    /// multiplied by the alpha that they had.
-    void (*merge_premultiply)(uint8_t *row, const uint8_t *alpha, int32_t width);
+    /// The src row with `alpha` merged into it and multiplied, in one pass: the 8 pixels that a merge leaves out are src's,
+    /// multiplied by the alpha that they have there. All `width` pixels of dst are written. `src` may be `dst`.
+    void (*merge_premultiply)(uint8_t *dst, const uint8_t *src, const uint8_t *alpha, int32_t width);
 
     /// Blue, green, red to hue (360 degrees = 255), lightness, saturation. Byte 3 of dst is not written.
     /// `src` may be `dst`.

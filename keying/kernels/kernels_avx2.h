@@ -21,7 +21,7 @@ void Threshold(uint8_t *row, int32_t width, int32_t low, int32_t high);
 // pixels_avx2.cpp
 void Merge(uint8_t *dst, const uint8_t *src, const uint8_t *alpha, int32_t width);
 void Premultiply(uint8_t *row, int32_t width);
-void MergePremultiply(uint8_t *row, const uint8_t *alpha, int32_t width);
+void MergePremultiply(uint8_t *dst, const uint8_t *src, const uint8_t *alpha, int32_t width);
 
 // spaces_avx2.cpp
 void ToHls(uint8_t *dst, const uint8_t *src, int32_t width);

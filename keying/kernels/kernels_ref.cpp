@@ -62,9 +62,10 @@ void Premultiply(uint8_t *row, int32_t width) {
     }
 }
 
-void MergePremultiply(uint8_t *row, const uint8_t *alpha, int32_t width) {
-    Merge(row, row, alpha, width);
-    Premultiply(row, width);
+void MergePremultiply(uint8_t *dst, const uint8_t *src, const uint8_t *alpha, int32_t width) {
+    for (int64_t i = 0; i < int64_t{4} * width; ++i) dst[i] = src[i];
+    Merge(dst, dst, alpha, width);
+    Premultiply(dst, width);
 }
 
 // Hue in degrees, 0 to 360. Each operation is rounded to 32 bits, in this order: another order gives other bytes.

@@ -76,21 +76,22 @@ void Premultiply(uint8_t *row, int32_t width) {
     StoreSome(row, lanes, Multiplied(LoadSome(row, lanes)));
 }
 
-void MergePremultiply(uint8_t *row, const uint8_t *alpha, int32_t width) {
-    for (; width >= 16; width -= 16, row += 64, alpha += 16) {
-        Store8(row, Multiplied(Merged(Load8(row), Alpha8(alpha))));
-        Store8(row + 32, Multiplied(Merged(Load8(row + 32), Alpha8(alpha + 8))));
+void MergePremultiply(uint8_t *dst, const uint8_t *src, const uint8_t *alpha, int32_t width) {
+    for (; width >= 16; width -= 16, dst += 64, src += 64, alpha += 16) {
+        Store8(dst, Multiplied(Merged(Load8(src), Alpha8(alpha))));
+        Store8(dst + 32, Multiplied(Merged(Load8(src + 32), Alpha8(alpha + 8))));
     }
     if (width >= 8) {
         // The gap of the merge: multiplied by the alpha that the pixels had.
-        Store8(row, Multiplied(Load8(row)));
-        row += 32;
+        Store8(dst, Multiplied(Load8(src)));
+        dst += 32;
+        src += 32;
         alpha += 8;
         width -= 8;
     }
     if (width <= 0) return;
     const __m256i lanes = FirstLanes(width);
-    StoreSome(row, lanes, Multiplied(Merged(LoadSome(row, lanes), AlphaSome(alpha, width))));
+    StoreSome(dst, lanes, Multiplied(Merged(LoadSome(src, lanes), AlphaSome(alpha, width))));
 }
 
 }    // namespace zck::avx2

@@ -64,9 +64,15 @@ uint8_t *RowRoad::EdgeRow(int32_t band, int32_t side, int32_t field, int32_t lin
     return m_edges.Row((int64_t{band * kSides + side} * m_frame.fields + field) * m_lag + line);
 }
 
+// Where a row's pixels are read from: the source itself, if it has them ready.
+const uint8_t *RowRoad::SourceRow(int32_t row) const {
+    const RowSource *source = m_frame.source;
+    return source != nullptr && source->view != nullptr ? source->view(source->context, row) : PixelRow(row);
+}
+
 HRESULT RowRoad::Fetch(int32_t row) const {
     const RowSource *source = m_frame.source;
-    return source != nullptr ? source->fetch(source->context, row, PixelRow(row)) : S_OK;
+    return source != nullptr && source->view == nullptr ? source->fetch(source->context, row, PixelRow(row)) : S_OK;
 }
 
 // `alpha` has `m_reach` bytes of room.
@@ -78,18 +84,27 @@ void RowRoad::KeyRow(const Worker &worker, int32_t row, uint8_t *alpha) const {
     }
     // Of a row no more is read than is its own: what stands beyond belongs to others, and its alpha is dropped.
     const int64_t bytes = std::min(view.rowBytes, view.bounds.pixelBytes - row * view.rowBytes);
-    worker.keyer.Key(PixelRow(row), bytes, alpha);
+    worker.keyer.Key(SourceRow(row), bytes, alpha);
 }
 
 void RowRoad::IntoPixels(int32_t row, const uint8_t *alpha, bool merge) const {
     const KeyingKernels &k = KeyingKernelsGet();
     uint8_t *pixels = PixelRow(row);
-    const int32_t w = m_frame.view.width;
-    if (!m_frame.premultiply) {
-        if (merge) k.merge(pixels, pixels, alpha, w);
+    const uint8_t *source = SourceRow(row);
+    const ImageView &view = m_frame.view;
+    const int32_t w = view.width;
+    const bool oneStep = merge && m_frame.premultiply;
+    if (source != pixels) {
+        // One step writes the row itself, and what stands beside it is copied; otherwise all is.
+        const int64_t done = oneStep ? int64_t{4} * w : 0;
+        const int64_t bytes = std::min(view.rowBytes, view.bounds.pixelBytes - row * view.rowBytes);
+        if (bytes > done) std::memcpy(pixels + done, source + done, static_cast<size_t>(bytes - done));
+    }
+    if (oneStep) {
+        k.merge_premultiply(pixels, source, alpha, w);
     } else if (merge) {
-        k.merge_premultiply(pixels, alpha, w);
-    } else {
+        k.merge(pixels, pixels, alpha, w);
+    } else if (m_frame.premultiply) {
         k.premultiply(pixels, w);
     }
 }

@@ -66,6 +66,7 @@ private:
     uint8_t *EdgeRow(int32_t band, int32_t side, int32_t field, int32_t line) const;
 
     HRESULT Fetch(int32_t row) const;
+    const uint8_t *SourceRow(int32_t row) const;
     void KeyRow(const Worker &worker, int32_t row, uint8_t *alpha) const;
     HRESULT PlainRow(const Worker &worker, int32_t row) const;
     HRESULT MakeInput(const Worker &worker, int32_t row, uint8_t *dst) const;

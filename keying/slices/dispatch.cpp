@@ -1,4 +1,6 @@
 // One frame: check it, cut it into slices, wake the threads, wait, finish.
+#include <algorithm>
+#include <cstring>
 #include <limits>
 
 #include "frames/media/video_props.h"
@@ -22,10 +24,18 @@ HRESULT CheckFrame(const Z_VID_PROPS &props, int32_t slices, int64_t pixelBytes)
     return pixelBytes != 0 && pixelBytes < VideoBytesNeeded(props) ? E_INVALIDARG : S_OK;
 }
 
-HRESULT FetchAll(uint8_t *pixels, const Z_VID_PROPS &props, const RowSource *source) {
+HRESULT FetchRow(uint8_t *dst, int32_t row, int64_t bytes, const RowSource &source) {
+    if (source.view == nullptr) return source.fetch(source.context, row, dst);
+    if (bytes > 0) std::memcpy(dst, source.view(source.context, row), static_cast<size_t>(bytes));
+    return S_OK;
+}
+
+HRESULT FetchAll(uint8_t *pixels, const Z_VID_PROPS &props, const RowSource *source, int64_t pixelBytes) {
     if (source == nullptr) return S_OK;
     for (int32_t y = 0; y < RowCount(props); ++y) {
-        const HRESULT hr = source->fetch(source->context, y, pixels + int64_t{y} * props.nRowBytes);
+        const int64_t offset = int64_t{y} * props.nRowBytes;
+        const int64_t bytes = std::min<int64_t>(props.nRowBytes, pixelBytes - offset);
+        const HRESULT hr = FetchRow(pixels + offset, y, bytes, *source);
         if (FAILED(hr)) return hr;
     }
     return S_OK;
@@ -42,8 +52,8 @@ KeyBounds SliceBounds(const Z_VID_PROPS &props, int64_t pixelBytes, int32_t inde
 
 }    // namespace
 
-bool CSliceThreads::PrepareRows(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS &props, const RowSource *source,
-                                int64_t pixelBytes) {
+HRESULT CSliceThreads::PrepareRows(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS &props, const RowSource *source,
+                                   int64_t pixelBytes) {
     Frame &frame = *m_frame;
     frame.plan = KeyPlanMake(frame.key);
     RowFrame rows = {};
@@ -57,12 +67,13 @@ bool CSliceThreads::PrepareRows(uint8_t *pixels, uint8_t *alpha, const Z_VID_PRO
     rows.keyedRows = rows.seam ? rows.view.height / m_count * m_count : rows.view.height / rows.fields * rows.fields;
     rows.merge = props.fccType == eZFCC_ARGB32;
     rows.premultiply = true;
-    if (!RowRoad::Serves(rows)) return false;
+    if (!RowRoad::Serves(rows)) return S_FALSE;
+    rows.view.props = &frame.props;    // lives as long as the threads may look at it
     frame.bands = frame.road.Start(rows, m_count);
     std::fill_n(frame.bandStatus, kSlotsMax, S_OK);
     frame.edgesToCome = frame.bands;
     frame.edgesDone.Reset();
-    return true;
+    return S_OK;
 }
 
 // What keeps a frame by rows from being whole: a source that failed, or no memory. No slice's status tells it.
@@ -94,8 +105,14 @@ HRESULT CSliceThreads::Dispatch(uint8_t *pixels, uint8_t *alpha, const Z_VID_PRO
     frame.props.nHeight /= n;
     frame.props.eInterlace = eZI_Progressive;
     const bool sliced = keys && frame.props.nHeight != 0;
-    frame.byRows = sliced && !bReturnEarly && PrepareRows(pixels, alpha, props, source, pixelBytes);
-    if (!frame.byRows) hr = FetchAll(pixels, props, source);
+    frame.byRows = false;
+    if (sliced && !bReturnEarly) {
+        hr = Guarded([&] { return PrepareRows(pixels, alpha, props, source, pixelBytes); });
+        if (FAILED(hr)) return hr;
+        frame.byRows = hr == S_OK;
+        hr = S_OK;
+    }
+    if (!frame.byRows) hr = FetchAll(pixels, props, source, pixelBytes);
     if (FAILED(hr)) return hr;
     if (!keys) return S_FALSE;
 

@@ -61,7 +61,7 @@ private:
     HRESULT WorkComb(int32_t index);
     HRESULT WorkBand(int32_t index, const CWorkerThread &self);
     bool AwaitEdges(const CWorkerThread &self);
-    bool PrepareRows(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS &props, const RowSource *source, int64_t pixelBytes);
+    HRESULT PrepareRows(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS &props, const RowSource *source, int64_t pixelBytes);
     HRESULT FinishRows();
     void StopAll();
     void WakeAll();

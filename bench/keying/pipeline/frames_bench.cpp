@@ -71,6 +71,10 @@ struct Rows {
     const ConvertPlan *plan;
     const uint8_t *source;
     uint8_t *target;
+    static const uint8_t *View(void *context, int32_t row) {
+        const auto &rows = *static_cast<const Rows *>(context);
+        return rows.source + rows.plan->SourceOffset(row);
+    }
     static HRESULT Fetch(void *context, int32_t row, uint8_t *) {
         const auto &rows = *static_cast<const Rows *>(context);
         rows.plan->RunRows(rows.source, rows.target, row, row + 1);
@@ -88,6 +92,7 @@ public:
     explicit Engine(const Setup &setup) : m_props(PropsOf(setup, eZFCC_ARGB32)), m_key(KeyOf(setup)) {
         const Z_VID_PROPS source = PropsOf(setup, setup.fcc);
         m_plan.Prepare(&source, &m_props);
+        m_sameFormat = setup.fcc == eZFCC_ARGB32;
         m_pool.SetThreadCount(setup.threads);
         SceneParams scene;
         scene.width = setup.width;
@@ -104,7 +109,8 @@ public:
     }
     HRESULT Run(size_t slot) {
         Rows rows{&m_plan, m_sources[slot].data(), m_targets[slot].data()};
-        const RowSource source{&rows, Rows::Fetch};
+        // A frame of the result's format is read where it stands, any other is converted by row.
+        const RowSource source{&rows, Rows::Fetch, m_sameFormat ? Rows::View : nullptr};
         return m_pool.Dispatch(m_targets[slot].data(), m_alpha.data(), &m_props, &m_key, true, false, &source);
     }
 
@@ -112,6 +118,7 @@ private:
     Z_VID_PROPS m_props;
     CHROMA_KEY_RAW m_key;
     ConvertPlan m_plan;
+    bool m_sameFormat = false;
     CSliceThreads m_pool;
     std::vector<Bytes> m_sources;
     std::vector<Bytes> m_targets;

@@ -153,10 +153,15 @@ TEST(MergePremultiply, IsMergeThenPremultiplyWithTheOldAlphaInTheGap) {
         const Bytes alpha = Counted(64, 100);
         Bytes one = Counted(4 * 64);
         Bytes two = one;
-        kRef.merge_premultiply(one.data(), alpha.data(), width);
+        Bytes three(4 * 64, 0x77);
+        Bytes four = three;
+        kRef.merge_premultiply(three.data(), one.data(), alpha.data(), width);
+        kRef.merge_premultiply(one.data(), one.data(), alpha.data(), width);
         kRef.merge(two.data(), two.data(), alpha.data(), width);
         kRef.premultiply(two.data(), width);
         EXPECT_EQ(one, two);
+        std::copy_n(two.begin(), 4 * width, four.begin());
+        EXPECT_EQ(three, four) << "from another row: the whole width and no more";
     }
 }
 

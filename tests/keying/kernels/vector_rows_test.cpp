@@ -206,8 +206,14 @@ TEST_F(VectorRowsCase, Premultiply) {
 }
 
 TEST_F(VectorRowsCase, MergePremultiply) {
+    CHECK_ROWS((Shape{4, {4, 1}}), [](const KeyingKernels &t, uint8_t *dst, const Sources &s, int32_t width) {
+        t.merge_premultiply(dst, s[0], s[1], width);
+    });
+}
+
+TEST_F(VectorRowsCase, MergePremultiplyInPlace) {
     CHECK_ROWS((Shape{4, {1}}), [](const KeyingKernels &t, uint8_t *dst, const Sources &s, int32_t width) {
-        t.merge_premultiply(dst, s[0], width);
+        t.merge_premultiply(dst, dst, s[0], width);
     });
 }
 
@@ -271,7 +277,7 @@ TEST_F(VectorRowsCase, NegativeWidthsDoNothing) {
             t.invert(row.Data(), width, true);
             t.merge(row.Data(), src, src, width);
             t.premultiply(row.Data(), width);
-            t.merge_premultiply(row.Data(), src, width);
+            t.merge_premultiply(row.Data(), src, src, width);
             t.to_hls(row.Data(), src, width);
             t.to_yuv(row.Data(), src, width);
             t.add_const(row.Data(), width, 1);

@@ -30,21 +30,27 @@ struct Picture {
         std::copy_n(picture.bytes.data() + int64_t{row} * picture.rowBytes, picture.rowBytes, dst);
         return S_OK;
     }
+    static const uint8_t *View(void *context, int32_t row) {
+        const auto &picture = *static_cast<const Picture *>(context);
+        return picture.bytes.data() + int64_t{row} * picture.rowBytes;
+    }
 };
 
-enum class Way { Planes, Rows, RowsFetched };
+enum class Way { Planes, PlanesViewed, Rows, RowsFetched, RowsViewed };
 
 Result Run(CSliceThreads &pool, const Z_VID_PROPS &props, const CHROMA_KEY_RAW &key, Way way, uint32_t seed = 3) {
-    RowRoad::Allow(way != Way::Planes);
+    const bool fetched = way == Way::RowsFetched;
+    const bool viewed = way == Way::PlanesViewed || way == Way::RowsViewed;
+    RowRoad::Allow(way != Way::Planes && way != Way::PlanesViewed);
     Guarded pixels(test::PixelBytes(props));
     Guarded alpha(test::AlphaBytes(props));
     test::FillNoise(alpha.Data(), alpha.Size(), seed);
     test::FillScene(pixels.Data(), pixels.Size(), seed);
     Picture picture{pixels.Bytes(), props.nRowBytes};
-    const RowSource source{&picture, Picture::Fetch};
-    if (way == Way::RowsFetched) std::fill_n(pixels.Data(), pixels.Size(), uint8_t{0x11});
+    const RowSource source{&picture, viewed ? nullptr : Picture::Fetch, viewed ? Picture::View : nullptr};
+    if (fetched || viewed) std::fill_n(pixels.Data(), pixels.Size(), uint8_t{0x11});
     const HRESULT hr =
-        pool.Dispatch(pixels.Data(), alpha.Data(), &props, &key, true, false, way == Way::RowsFetched ? &source : nullptr);
+        pool.Dispatch(pixels.Data(), alpha.Data(), &props, &key, true, false, fetched || viewed ? &source : nullptr);
     RowRoad::Allow(true);
     return {hr, pixels.Bytes(), alpha.Bytes(), pixels.GuardsHold() && alpha.GuardsHold()};
 }
@@ -63,6 +69,8 @@ void ExpectSame(CSliceThreads &pool, const Z_VID_PROPS &props, const CHROMA_KEY_
     EXPECT_TRUE(planes.pixels == rows.pixels) << what();
     EXPECT_TRUE(planes.alpha == rows.alpha) << what();
     EXPECT_TRUE(rows == fetched) << what();
+    EXPECT_TRUE(rows == Run(pool, props, key, Way::RowsViewed)) << what();
+    EXPECT_TRUE(planes == Run(pool, props, key, Way::PlanesViewed)) << what();
 }
 
 CHROMA_KEY_RAW RichKey(eCK_Type type, bool reverse) {
