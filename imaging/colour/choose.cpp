@@ -15,7 +15,8 @@ ColourKernels Make(KernelLevel level) {
 
 const ColourKernels &ColourKernelsGet() {
     static const ColourKernels ref = Make(KernelLevel::Reference);
-    static const ColourKernels best = Make(KernelLevelGet());
+    // Of the processor, not of the limit that may hold at the first call.
+    static const ColourKernels best = Make(CpuHasAvx2() ? KernelLevel::Avx2 : KernelLevel::Reference);
     return KernelLevelGet() == KernelLevel::Reference ? ref : best;
 }
 

@@ -21,7 +21,8 @@ void PrimitiveKernelsInitAvx2(PrimitiveKernels *table) {
 
 const PrimitiveKernels &PrimitiveKernelsGet() {
     static const PrimitiveKernels ref = Make(KernelLevel::Reference);
-    static const PrimitiveKernels best = Make(KernelLevelGet());
+    // Of the processor, not of the limit that may hold at the first call.
+    static const PrimitiveKernels best = Make(CpuHasAvx2() ? KernelLevel::Avx2 : KernelLevel::Reference);
     return KernelLevelGet() == KernelLevel::Reference ? ref : best;
 }
 

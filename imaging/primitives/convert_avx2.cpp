@@ -1,8 +1,8 @@
 // AVX2 versions of the BT.601 conversions and of the exchanges of 4:2:2 bytes. What is left behind the last full vector goes
 // through a padded block, so that there is one arithmetic only.
 //
-// Thousandths are divided exactly: shifted down by 3 they fit into 16 bits, and the division by 125 is a multiplication by
-// 33555 / 2^22, which is right below 59074.
+// Thousandths are divided exactly: brought into 16 bits first, and then multiplied by 33555 / 2^22 for a division by 125, which
+// is right below 59074.
 #include <immintrin.h>
 
 #include "imaging/primitives/row_kernels.h"
@@ -74,72 +74,58 @@ void BgraTo422(uint8_t *dst, const uint8_t *src, int32_t width) {
     StoreGroups<kLumaFirst>(dst, out, width);
 }
 
-// A sum of thousandths as whole part and rest (0 to 999).
-struct Parts {
-    __m256i whole;
-    __m256i rest;
-};
-
-// 164 of the 1164 of each luma; the other 1000 are the luma itself. The offset keeps the sum above 0.
-Parts LumaParts(__m256i y) {
-    const __m256i t = _mm256_add_epi16(_mm256_mullo_epi16(y, _mm256_set1_epi16(164)), _mm256_set1_epi16(3000));
-    const __m256i q = By125(_mm256_srli_epi16(t, 3));
-    return {_mm256_add_epi16(y, _mm256_sub_epi16(q, _mm256_set1_epi16(3))),
-            _mm256_sub_epi16(t, _mm256_mullo_epi16(q, _mm256_set1_epi16(1000)))};
+__m256i Words(int32_t n) { return _mm256_set1_epi16(static_cast<int16_t>(n)); }
+__m256i Times(__m256i x, int32_t n) { return _mm256_mullo_epi16(x, Words(n)); }
+// n * 33555 / 2^(16 + shift): by 125 with shift 6, by 250 with 7, by 1000 with 9.
+template <int kShift>
+__m256i Divided(__m256i n) {
+    return _mm256_srli_epi16(_mm256_mulhi_epu16(n, Words(33555)), kShift);
 }
 
-// 2017 u + 500 = 2000 u + (17 u + 500)
-Parts BlueParts(__m256i u) {
-    const __m256i t = _mm256_add_epi16(_mm256_mullo_epi16(u, _mm256_set1_epi16(17)), _mm256_set1_epi16(2500));
-    const __m256i q = By125(_mm256_srli_epi16(t, 3));
-    return {_mm256_add_epi16(_mm256_slli_epi16(u, 1), _mm256_sub_epi16(q, _mm256_set1_epi16(2))),
-            _mm256_sub_epi16(t, _mm256_mullo_epi16(q, _mm256_set1_epi16(1000)))};
+// The sums in thousandths do not fit into 16 bits. Of each, what is a multiple of 1000 (for green of 125) is taken out before
+// the rest is divided, which changes no result; constants keep the rests above 0. With y, u, v without their offsets:
+//   blue:  1164 y + 2017 u + 500         = 1000 (y + 2 u) + (164 y + 17 u + 500)
+//   red:   1164 y + 1596 v + 500         = 1000 (y + 2 v) + 4 (41 y - 101 v + 125)
+//   green: 1164 y - 392 u - 813 v + 500  = 125 (9 y - 3 u - 6 v + 4) + (39 y - 17 u - 63 v)
+// The arguments still have their offsets, which are in the constants.
+__m256i Blue(__m256i y, __m256i y41, __m256i u, __m256i u17) {
+    const __m256i rest = _mm256_add_epi16(_mm256_add_epi16(_mm256_slli_epi16(y41, 2), Words(700)), u17);
+    const __m256i whole = _mm256_add_epi16(_mm256_add_epi16(y, Words(-277)), _mm256_add_epi16(u, u));
+    return _mm256_add_epi16(whole, Divided<9>(rest));
 }
 
-// 1596 v + 500 = 2000 v + 4 * (-101 v + 125), so 250 go into a whole.
-Parts RedParts(__m256i v) {
-    const __m256i t = _mm256_sub_epi16(_mm256_set1_epi16(13125), _mm256_mullo_epi16(v, _mm256_set1_epi16(101)));
-    const __m256i q = By125(_mm256_srli_epi16(t, 1));
-    const __m256i rest = _mm256_sub_epi16(t, _mm256_mullo_epi16(q, _mm256_set1_epi16(250)));
-    return {_mm256_add_epi16(_mm256_slli_epi16(v, 1), _mm256_sub_epi16(q, _mm256_set1_epi16(52))), _mm256_slli_epi16(rest, 2)};
+__m256i Red(__m256i y, __m256i y41, __m256i v) {
+    const __m256i rest = _mm256_sub_epi16(_mm256_add_epi16(y41, Words(28397)), Times(v, 101));
+    const __m256i whole = _mm256_add_epi16(_mm256_add_epi16(y, Words(-336)), _mm256_add_epi16(v, v));
+    return _mm256_add_epi16(whole, Divided<7>(rest));
 }
 
-// -392 u - 813 v + 500 does not fit into 16 bits: once for each pair in 32, then into both pixels.
-Parts GreenParts(__m256i c) {
-    const __m256i t =
-        _mm256_add_epi32(_mm256_madd_epi16(c, _mm256_set1_epi32(-813 * 65536 + (65536 - 392))), _mm256_set1_epi32(154500));
-    const __m256i eighth = _mm256_srli_epi32(t, 3);
-    const __m256i q = By125(_mm256_or_si256(eighth, _mm256_slli_epi32(eighth, 16)));
-    const __m256i both = _mm256_blend_epi16(t, _mm256_slli_epi32(t, 16), 0xAA);
-    return {_mm256_sub_epi16(q, _mm256_set1_epi16(154)),
-            _mm256_sub_epi16(both, _mm256_mullo_epi16(q, _mm256_set1_epi16(1000)))};
-}
-
-// The mask is -1 where the rests make another whole.
-__m256i Sum(Parts a, Parts b) {
-    const __m256i carry = _mm256_cmpgt_epi16(_mm256_add_epi16(a.rest, b.rest), _mm256_set1_epi16(999));
-    return _mm256_sub_epi16(_mm256_add_epi16(a.whole, b.whole), carry);
+__m256i Green(__m256i y, __m256i y41, __m256i u, __m256i u17, __m256i v) {
+    const __m256i y39 = _mm256_sub_epi16(y41, _mm256_add_epi16(y, y));
+    const __m256i uv63 = _mm256_add_epi16(u17, Times(v, 63));
+    const __m256i rest = _mm256_sub_epi16(_mm256_add_epi16(y39, Words(22116)), uv63);
+    const __m256i u2v = _mm256_add_epi16(u, _mm256_add_epi16(v, v));
+    const __m256i u3v6 = _mm256_add_epi16(_mm256_add_epi16(u2v, u2v), u2v);
+    const __m256i y9 = _mm256_add_epi16(_mm256_slli_epi16(y, 3), _mm256_add_epi16(y, Words(912)));
+    return _mm256_srai_epi16(_mm256_add_epi16(_mm256_sub_epi16(y9, u3v6), Divided<6>(rest)), 3);
 }
 
 // 16 pixels.
 template <bool kLumaFirst>
 void Decode16(uint8_t *dst, const uint8_t *src, __m256i alpha) {
-    const __m256i dupU = _mm256_setr_epi8(0, 1, 0, 1, 4, 5, 4, 5, 8, 9, 8, 9, 12, 13, 12, 13, 0, 1, 0, 1, 4, 5, 4, 5, 8, 9, 8,
-                                          9, 12, 13, 12, 13);
-    const __m256i dupV = _mm256_setr_epi8(2, 3, 2, 3, 6, 7, 6, 7, 10, 11, 10, 11, 14, 15, 14, 15, 2, 3, 2, 3, 6, 7, 6, 7, 10,
-                                          11, 10, 11, 14, 15, 14, 15);
+    // Byte 0 of each group (with luma first: byte 1) into the 16 bits of both pixels; Cr is two bytes on.
+    const __m256i dupU = _mm256_setr_epi8(0, -1, 0, -1, 4, -1, 4, -1, 8, -1, 8, -1, 12, -1, 12, -1, 0, -1, 0, -1, 4, -1, 4, -1,
+                                          8, -1, 8, -1, 12, -1, 12, -1);
+    const __m256i at = kLumaFirst ? _mm256_or_si256(dupU, Words(1)) : dupU;
     // Pixels 0-3 and 8-11 into the low lane, so that the results come out in order.
     const __m256i x = _mm256_permute4x64_epi64(Load(src), 0xD8);
-    const __m256i low = _mm256_and_si256(x, _mm256_set1_epi16(0x00FF));
-    const __m256i high = _mm256_srli_epi16(x, 8);
-    const __m256i y = _mm256_sub_epi16(kLumaFirst ? low : high, _mm256_set1_epi16(16));
-    const __m256i c = _mm256_sub_epi16(kLumaFirst ? high : low, _mm256_set1_epi16(128));
-    const Parts luma = LumaParts(y);
-    const __m256i b = Sum(luma, BlueParts(_mm256_shuffle_epi8(c, dupU)));
-    const __m256i g = Sum(luma, GreenParts(c));
-    const __m256i r = Sum(luma, RedParts(_mm256_shuffle_epi8(c, dupV)));
-    const __m256i br = _mm256_packus_epi16(b, r);
-    const __m256i ga = _mm256_packus_epi16(g, alpha);
+    const __m256i y = kLumaFirst ? _mm256_and_si256(x, Words(0x00FF)) : _mm256_srli_epi16(x, 8);
+    const __m256i u = _mm256_shuffle_epi8(x, at);
+    const __m256i v = _mm256_shuffle_epi8(x, _mm256_or_si256(at, Words(2)));
+    const __m256i y41 = Times(y, 41);
+    const __m256i u17 = Times(u, 17);
+    const __m256i br = _mm256_packus_epi16(Blue(y, y41, u, u17), Red(y, y41, v));
+    const __m256i ga = _mm256_packus_epi16(Green(y, y41, u, u17, v), alpha);
     const __m256i bg = _mm256_unpacklo_epi8(br, ga);
     const __m256i ra = _mm256_unpackhi_epi8(br, ga);
     Store(dst, _mm256_unpacklo_epi16(bg, ra));

@@ -47,8 +47,18 @@ TEST(ColourKernels, VectorsGiveTheBytesOfTheReference) {
                 [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.unpack_uyvy(d, s, n); });
 }
 
+// Before anything else: a limit at the first call must not stay.
+const K &FirstTable() {
+    KernelLevelLimit(KernelLevel::Reference);
+    const K &table = ColourKernelsGet();
+    KernelLevelLimit(KernelLevel::Avx2);
+    return table;
+}
+const K &kFirstTable = FirstTable();
+
 TEST(ColourKernels, TheTableFollowsTheLevel) {
     const std::vector<K> tables = Levels();
+    EXPECT_EQ(kFirstTable.decode709, tables.front().decode709);
     EXPECT_EQ(ColourKernelsGet().decode709, tables.back().decode709);
     KernelLevelLimit(KernelLevel::Reference);
     EXPECT_EQ(ColourKernelsGet().decode709, tables.front().decode709);

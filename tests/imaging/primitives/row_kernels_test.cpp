@@ -57,7 +57,17 @@ TEST_F(Rows, EveryEntryHasTwoDifferentFunctions) {
     static_assert(sizeof(K) == 24 * sizeof(void *), "every entry is compared here");
 }
 
+// Before anything else: a limit at the first call must not stay.
+const K &FirstTable() {
+    KernelLevelLimit(KernelLevel::Reference);
+    const K &table = PrimitiveKernelsGet();
+    KernelLevelLimit(KernelLevel::Avx2);
+    return table;
+}
+const K &kFirstTable = FirstTable();
+
 TEST_F(Rows, TheTableFollowsTheLevel) {
+    EXPECT_EQ(kFirstTable.mirror3, ref.mirror3);
     EXPECT_EQ(PrimitiveKernelsGet().mirror3, vec.mirror3);
     KernelLevelLimit(KernelLevel::Reference);
     EXPECT_EQ(PrimitiveKernelsGet().mirror3, ref.mirror3);
