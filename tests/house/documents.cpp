@@ -61,6 +61,23 @@ std::vector<std::string> NamedPaths(const Document &document, const std::string 
     return paths;
 }
 
+std::vector<std::string> NamedTests(const Document &document) {
+    std::vector<std::string> tests = AllMatches(document.text, std::regex(R"(`([A-Z][A-Za-z0-9]*\.[A-Za-z]\w*)`)"));
+    for (std::string &test : tests) test.replace(test.find('.'), 1, ", ");
+    return tests;
+}
+
+std::set<std::string> TestsDefined(const std::vector<SourceFile> &files) {
+    std::set<std::string> tests;
+    for (const SourceFile &file : files) {
+        for (const std::string &line : file.code) {
+            for (std::string &test : AllMatches(line, std::regex(R"(^TEST(?:_F|_P)?\((\w+, \w+)\))")))
+                tests.insert(std::move(test));
+        }
+    }
+    return tests;
+}
+
 std::set<std::string> OperationsListed(const Document &document, const std::string &heading) {
     std::set<std::string> operations;
     const size_t start = document.text.find("\n" + heading + "\n");

@@ -27,6 +27,12 @@ std::vector<std::string> LocalLinks(const Document &document);
 /// of the top.
 std::vector<std::string> NamedPaths(const Document &document, const std::string &top);
 
+/// Tests named in code spans as `Suite.Name`, as "Suite, Name".
+std::vector<std::string> NamedTests(const Document &document);
+
+/// Tests defined in the files, as "Suite, Name".
+std::set<std::string> TestsDefined(const std::vector<SourceFile> &files);
+
 /// Operations in code spans of the second column of the table below a heading.
 std::set<std::string> OperationsListed(const Document &document, const std::string &heading);
 

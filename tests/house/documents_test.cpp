@@ -63,12 +63,24 @@ TEST(Documents, WhatIsNotThereIsListed) {
     for (const std::string &name : absent) EXPECT_TRUE(listed.contains(name)) << name << " is not there, nor listed";
 }
 
+TEST(Documents, TrapsAreHeldByTests) {
+    const Document traps{"docs/TRAPS.md", ReadText(ZCK_SOURCE_DIR "/docs/TRAPS.md")};
+    const std::set<std::string> defined = TestsDefined(ReadTree(ZCK_SOURCE_DIR));
+    const std::vector<std::string> named = NamedTests(traps);
+    EXPECT_GT(named.size(), 50u);
+    for (const std::string &test : named) EXPECT_TRUE(defined.contains(test)) << test;
+}
+
 TEST(Documents, WhatIsLookedForIsFound) {
     const Document document{
         "a.md", "[x](docs/y.md) [w](https://z) [h](#here) `tests/no_such` `./tools/x` `a/b` `tests/a*`\n```cpp\nint x;\n```\n"};
     EXPECT_THAT(LocalLinks(document), ElementsAre("docs/y.md"));
     EXPECT_THAT(NamedPaths(document, ZCK_SOURCE_DIR), ElementsAre("tests/no_such", "tools/x"));
     EXPECT_THAT(CodeBlocks(document, "cpp"), ElementsAre("int x;\n"));
+
+    EXPECT_THAT(NamedTests({"c.md", "`Suite.Name`, `a.cpp` and Suite.Other"}), ElementsAre("Suite, Name"));
+    EXPECT_THAT(TestsDefined({SourceFromText("c.cpp", "TEST(A, B) {\nTEST_F(C, D) {}\n// TEST(E, F)\n")}),
+                ElementsAre("A, B", "C, D"));
 
     const Document table{"b.md",
                          "# B\n## Absent\n\n| of | what |\n|---|---|\n| a | `One`, `Two` (x) | `C` |\n## Next\n| a | `D` |\n"};
