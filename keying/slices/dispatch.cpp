@@ -125,7 +125,7 @@ HRESULT CSliceThreads::Dispatch(uint8_t *pixels, uint8_t *alpha, const Z_VID_PRO
         WakeAll();
     } else {
         // Fewer rows than slices: nothing is keyed.
-        std::fill_n(m_status.begin(), n, S_OK);
+        m_status.fill(S_OK);
     }
     if (bReturnEarly) return S_FALSE;
     if (sliced) {

@@ -189,6 +189,18 @@ TEST(Slices, a_frame_lower_than_the_count_is_only_multiplied) {
     }
 }
 
+TEST(Slices, a_frame_without_rows_clears_the_statuses) {
+    CHROMA_KEY_RAW none = GreenKey();
+    none.nKeysUsed = 0;
+    Pool pool(2);
+    Frame frame(Props(16, 8));
+    EXPECT_EQ(S_FALSE, frame.Dispatch(pool, none));
+    Frame empty(Props(16, 0));
+    EXPECT_EQ(S_OK, empty.Dispatch(pool, none));
+    EXPECT_EQ(S_OK, pool.SetThreadCount(1));
+    EXPECT_EQ(S_OK, frame.Dispatch(pool, none));
+}
+
 TEST(Slices, inversion_takes_effect_once_with_one_slice_and_not_at_all_with_more) {
     CHROMA_KEY_RAW key = GreenKey();
     Pool one(1);
