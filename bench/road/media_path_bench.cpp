@@ -2,10 +2,11 @@
 // size. Copy and path take turns in one loop, over a ring of frames that is larger than the caches, so that their ratio
 // holds when the machine's speed drifts.
 //
-// Counters: fps (frames per second), copy_ms and path_ms (medians), ratio (path over copy), faults (minor page faults per
-// frame of the path).
+// Counters: fps (frames per second), copy_ms and path_ms (medians), ratio (path over copy), cpu_ratio (the same in processor
+// time of all threads, which stands when other programs run), faults (minor page faults per frame of the path).
 #include <benchmark/benchmark.h>
 #include <sys/resource.h>
+#include <time.h>
 
 #include <algorithm>
 #include <chrono>
@@ -97,6 +98,13 @@ double Median(std::vector<double> values) {
     return values[values.size() / 2];
 }
 
+/// Processor time of all threads of this process, in seconds.
+double ProcessorTime() {
+    timespec time{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+}
+
 int64_t MinorFaults() {
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
@@ -161,21 +169,27 @@ void MediaPath(benchmark::State &state, const Setup &setup) {
     std::vector<std::vector<uint8_t>> to(kRing, std::vector<uint8_t>(bytes, 2));
     std::vector<double> copies;
     std::vector<double> paths;
+    std::vector<double> copyWork;
+    std::vector<double> pathWork;
     int64_t faults = 0;
     int index = 0;
     for (; index < kWarmUp; ++index)
         if (!path.Run(index)) state.SkipWithError("the keyer refused the frame");
     for (auto _ : state) {
         const auto slot = static_cast<std::size_t>(index % kRing);
+        const double startWork = ProcessorTime();
         const auto start = Clock::now();
         std::memcpy(to[slot].data(), from[slot].data(), bytes);
         benchmark::ClobberMemory();
         const auto copied = Clock::now();
+        const double copiedWork = ProcessorTime();
         const int64_t before = MinorFaults();
         const auto begin = Clock::now();
         path.Run(index++);
         const auto end = Clock::now();
         faults += MinorFaults() - before;
+        pathWork.push_back(ProcessorTime() - copiedWork);
+        copyWork.push_back(copiedWork - startWork);
         copies.push_back(seconds(copied - start));
         paths.push_back(seconds(end - begin));
         state.SetIterationTime(paths.back());
@@ -186,6 +200,7 @@ void MediaPath(benchmark::State &state, const Setup &setup) {
     state.counters["copy_ms"] = 1e3 * copy;
     state.counters["path_ms"] = 1e3 * keyed;
     state.counters["ratio"] = keyed / copy;
+    state.counters["cpu_ratio"] = Median(pathWork) / Median(copyWork);
     state.counters["faults"] = static_cast<double>(faults) / static_cast<double>(paths.size());
 }
 

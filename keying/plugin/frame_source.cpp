@@ -29,6 +29,7 @@ bool CFrameSource::PrepareRows() {
     if (clone.nRowBytes <= 0) return false;
     // What a buffer holds behind its rows comes along as well.
     const int64_t end = std::abs(static_cast<int64_t>(clone.nHeight)) * clone.nRowBytes;
+    m_bInPlace = end <= m_shell.cbSource;
     if (end < m_shell.cbClone)
         std::memcpy(Pixels() + end, reinterpret_cast<const uint8_t *>(m_shell.pbSource) + end,
                     static_cast<std::size_t>(m_shell.cbClone - end));
@@ -47,8 +48,15 @@ HRESULT CFrameSource::Fetch(void *context, int32_t row, uint8_t *dst) {
 void CFrameSource::CopyRow(int32_t row, uint8_t *dst) const {
     const int64_t offset = int64_t{row} * m_shell.clone.nRowBytes;
     const int64_t bytes = std::min<int64_t>(m_shell.clone.nRowBytes, m_shell.cbClone - offset);
-    if (bytes > 0)
-        std::memcpy(dst, reinterpret_cast<const uint8_t *>(m_shell.pbSource) + offset, static_cast<std::size_t>(bytes));
+    if (bytes > 0) std::memcpy(dst, SourceRow(row), static_cast<std::size_t>(bytes));
+}
+
+const uint8_t *CFrameSource::View(void *context, int32_t row) {
+    return static_cast<const CFrameSource *>(context)->SourceRow(row);
+}
+
+const uint8_t *CFrameSource::SourceRow(int32_t row) const {
+    return reinterpret_cast<const uint8_t *>(m_shell.pbSource) + int64_t{row} * m_shell.clone.nRowBytes;
 }
 
 }    // namespace zck

@@ -23,18 +23,21 @@ public:
     const Z_VID_PROPS &Props() const { return m_shell.clone; }
 
     /// Fetches the rows of this object, which outlives it.
-    RowSource Rows() { return {this, &CFrameSource::Fetch}; }
+    RowSource Rows() { return {this, &CFrameSource::Fetch, m_bInPlace ? &CFrameSource::View : nullptr}; }
 
 private:
     static HRESULT Fetch(void *context, int32_t row, uint8_t *dst);
+    static const uint8_t *View(void *context, int32_t row);
 
     bool PrepareRows();
     void CopyRow(int32_t row, uint8_t *dst) const;
+    const uint8_t *SourceRow(int32_t row) const;
 
     ComPtr<IZFrame_I> m_clone;
     ComPtr<IZFrame_I> m_local;
     ZF_SHELL m_shell = {};
     ConvertPlan m_plan;
+    bool m_bInPlace = false;    // the source has the clone's bytes, in whole rows
 };
 
 }    // namespace zck
