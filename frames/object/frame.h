@@ -202,6 +202,7 @@ private:
     uint8_t *VideoData() const;
     AudioView Audio() const;
     int32_t AudioSampleCount() const;
+    HRESULT VideoRecordSet(Z_VID_PROPS asked);
     HRESULT MediaGive(CCoZFrame2 &clone, bool audio, FramePixels &pixels);
 
     // Parts of the roads of cloning; they run on the clone.

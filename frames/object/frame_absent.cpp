@@ -26,7 +26,6 @@ HRESULT CCoZFrame2::ZFAudioGain(BSTR, double, double) { return E_NOTIMPL; }
 HRESULT CCoZFrame2::ZFSaveAll(int32_t *, int64_t *, int32_t) { return E_NOTIMPL; }
 HRESULT CCoZFrame2::ZFLoadAll(int32_t, int64_t, int32_t) { return E_NOTIMPL; }
 
-HRESULT CCoZFrame2::ZFAVPropsSet(Z_AV_PROPS *, BSTR) { return E_NOTIMPL; }
 HRESULT CCoZFrame2::ZFOverlay(IZFFrame *, IZFFrame *, int32_t, int32_t, double, BSTR, int64_t, int32_t) { return E_NOTIMPL; }
 HRESULT CCoZFrame2::ZFConvert(Z_AV_PROPS *, IZFFrame **, int32_t *, BSTR, int64_t) { return E_NOTIMPL; }
 HRESULT CCoZFrame2::ZFResize(eZFCC, int32_t, int32_t, int32_t, IZFFrame **_ppFrameRes, BSTR, int64_t) {

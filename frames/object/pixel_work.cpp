@@ -36,6 +36,11 @@ void TailsClear(const Z_VID_PROPS &props, uint8_t *pixels, int64_t size) {
     }
 }
 
+// Rows are never shorter than their pixels, as in a record that has been normalised.
+int64_t UsedRowBytes(const Z_VID_PROPS &props) {
+    return std::max<int64_t>(props.nRowBytes, IsPackedFormat(props.fccType) ? RowBytes(props.fccType, props.nWidth) : 0);
+}
+
 }    // namespace
 
 bool SameBytes(eZFCC a, eZFCC b) { return Plainest(a) == Plainest(b); }
@@ -75,6 +80,29 @@ HRESULT PixelsConvert(const PixelJob &job) {
 void PixelsFill(const Z_VID_PROPS &props, uint8_t *pixels, uint32_t size, uint32_t color, bool bZeroed) {
     if (!bZeroed) std::memset(pixels, 0, size);
     if (PixelsFit(props, size)) FillImage(&props, pixels, color, 1.0);
+}
+
+void PixelsKeepField(const Z_VID_PROPS &props, uint8_t *pixels, int32_t field) {
+    const int64_t rows = std::abs(static_cast<int64_t>(props.nHeight));
+    const int64_t step = UsedRowBytes(props);
+    const int64_t bytes = static_cast<int64_t>(props.nWidth) * (PixelBits(props.fccType) / 8);
+    for (int64_t pair = 0; pair < rows / 2 - 1; ++pair) {
+        uint8_t *row = pixels + (2 * pair + 1 + field) * step;
+        for (int64_t x = 0; x < bytes; ++x) {
+            const uint32_t sum = static_cast<uint32_t>(row[x - step]) + row[x + step];
+            const uint32_t half = sum >> 1;
+            row[x] = static_cast<uint8_t>(half + (sum & half & 1));
+        }
+    }
+}
+
+void PixelsTurn(const Z_VID_PROPS &props, uint8_t *pixels) {
+    const int64_t rows = std::abs(static_cast<int64_t>(props.nHeight));
+    const int64_t step = UsedRowBytes(props);
+    const int64_t bytes = (static_cast<int64_t>(props.nWidth) * PixelBits(props.fccType) + 7) / 8;
+    for (int64_t row = 0; row < rows / 2; ++row) {
+        std::swap_ranges(pixels + row * step, pixels + row * step + bytes, pixels + (rows - 1 - row) * step);
+    }
 }
 
 }    // namespace zck

@@ -39,4 +39,11 @@ HRESULT PixelsConvert(const PixelJob &job);
 /// Fills a picture with a colour 0xAABBGGRR; formats that cannot be filled stay 0. `bZeroed` as above.
 void PixelsFill(const Z_VID_PROPS &props, uint8_t *pixels, uint32_t size, uint32_t color, bool bZeroed);
 
+/// Keeps one field (0: the even rows in memory) of a picture that fits its buffer: each row of the other becomes the mean of
+/// its two neighbours, ties to even. The edge row that has only one neighbour stays.
+void PixelsKeepField(const Z_VID_PROPS &props, uint8_t *pixels, int32_t field);
+
+/// Turns a picture that fits its buffer upside down, in place.
+void PixelsTurn(const Z_VID_PROPS &props, uint8_t *pixels);
+
 }    // namespace zck

@@ -190,6 +190,21 @@ TEST_F(RemoteClones, ReferenceMapsTheSection) {
     EXPECT_EQ(VideoOf(clone).address, VideoOf(Clone(clone.get(), eZFC_Reference)).address);
 }
 
+// Sound that was handed over by another process is replaced like the frame's own.
+TEST_F(RemoteClones, SoundIsReplaced) {
+    const auto source = Quorvex();
+    ComPtr<IZFrame_I> clone;
+    ASSERT_EQ(S_OK, m_factory->FrameMakeLocal(source.get(), clone.Put(), 0));
+    ASSERT_EQ(m_state.audio, AudioOf(clone).Copy());
+    // From the block itself.
+    const std::vector<uint8_t> tail(m_state.audio.begin() + 100, m_state.audio.end());
+    EXPECT_EQ(S_OK, clone->FrameAudioReset(300, AudioOf(clone).address + 100));
+    EXPECT_EQ(tail, AudioOf(clone).Copy());
+    ASSERT_EQ(S_OK, m_factory->FrameMakeLocal(source.get(), clone.Put(), 0));
+    EXPECT_EQ(S_OK, clone->FrameAudioReset(0, 0));
+    EXPECT_EQ(0, AudioOf(clone).size);
+}
+
 TEST_F(RemoteClones, CopyReadsTheSection) {
     const auto source = Quorvex();
     ComPtr<IZFrame_I> clone;

@@ -1,4 +1,5 @@
 // Clones of our own frames, on both roads.
+#include "frames/object/frame.h"
 #include "tests/frames/object/frame_fixture.h"
 
 namespace zck::test {
@@ -136,6 +137,25 @@ TEST_F(FrameClones, SharedPixelsOutliveTheSource) {
     std::vector<ComPtr<IZFrame_I>> frames;
     for (int i = 0; i < 8; ++i) frames.push_back(Frame(Record(eZFCC_UYVY, 64, 48)));
     for (const auto &frame : frames) EXPECT_NE(VideoOf(frame).address, VideoOf(second).address);
+}
+
+// The section counts everybody who reads it, so that it is not used again while one of them lives.
+TEST_F(FrameClones, BorrowersCountTheSection) {
+    const auto own = QueryFor<CCoZFrame2>(m_frame.get());
+    const auto count = [&] { return own->PixelsGet().section->RefCount() - 1; };
+    EXPECT_EQ(1U, count());
+    auto clone = Clone(m_frame.get(), eZFC_Reference);
+    EXPECT_EQ(2U, count());
+    const auto second = CloneF(eZFC_VideoRef);
+    const auto third = Clone(clone.get(), eZFC_VideoRef);
+    EXPECT_EQ(4U, count());
+    ComPtr<IZFrame> cut;
+    ASSERT_EQ(S_OK, third->FrameCut(1, nullptr, cut.Put()));
+    EXPECT_EQ(5U, count());
+    const auto copy = Clone(m_frame.get(), eZFC_Full);
+    EXPECT_EQ(5U, count());
+    cut.Reset();
+    EXPECT_EQ(4U, count());
 }
 
 TEST_F(FrameClones, SharedPixelsAreOneMemory) {

@@ -1,0 +1,109 @@
+// The checked form of setting the description: it cannot state more than the buffer holds.
+#include <algorithm>
+#include <cstdlib>
+#include <mutex>
+
+#include "frames/media/audio_props.h"
+#include "frames/media/video_props.h"
+#include "frames/object/frame.h"
+#include "frames/object/pixel_work.h"
+
+namespace zck {
+namespace {
+
+int64_t Magnitude(int32_t value) { return std::abs(static_cast<int64_t>(value)); }
+
+// What the frame has no room for is cut off, and what is not given is filled from the frame's own record.
+Z_VID_PROPS RecordFitted(Z_VID_PROPS asked, const Z_VID_PROPS &own, uint32_t size) {
+    const bool sized = asked.nWidth != 0 && asked.nHeight != 0;
+    asked.nWidth = sized ? asked.nWidth : own.nWidth;
+    asked.nHeight = sized ? asked.nHeight : own.nHeight;
+    if (PixelBits(asked.fccType) != PixelBits(own.fccType)) asked.fccType = eZFCC_Default;
+    if (asked.fccType == eZFCC_Default) asked.fccType = own.fccType != eZFCC_Default ? own.fccType : eZFCC_UYVY;
+    asked.nRowBytes = own.nRowBytes != 0 ? own.nRowBytes : RowBytes(asked.fccType, asked.nWidth);
+    if (asked.eScaleType == eZST_Default) asked.eScaleType = own.eScaleType;
+    if (asked.eInterlace == eZI_Default) asked.eInterlace = own.eInterlace;
+    if (asked.nAspectX == 0 || asked.nAspectY == 0) {
+        asked.nAspectX = own.nAspectX;
+        asked.nAspectY = own.nAspectY;
+    }
+    if (asked.dblRate == 0) asked.dblRate = own.dblRate;
+
+    const auto lines = static_cast<int32_t>(std::min({Magnitude(asked.nHeight), Magnitude(own.nHeight), int64_t{INT32_MAX}}));
+    asked.nHeight = IsRgbFormat(asked.fccType) && asked.nHeight < 0 ? -lines : lines;
+    const int32_t rowPixels = RowPixels(asked.fccType, asked.nRowBytes);
+    asked.nWidth = std::min(asked.nWidth, rowPixels > 0 ? rowPixels : own.nWidth);
+    // Another format of the same width may need other planes.
+    if (asked.fccType != own.fccType && !PixelsFit(asked, size)) asked.fccType = own.fccType;
+    return asked;
+}
+
+// What the sound half can do without splitting channels; the rest belongs to a room to come.
+enum class SoundWork { None, Take, Relabel, Drop, Absent };
+
+SoundWork SoundWorkOf(const Z_AUD_PROPS &asked, const Z_AUD_PROPS &own, bool hasSound, bool mapped) {
+    if (AudioPropsValid(&asked, true)) {
+        if (!AudioPropsValid(&own, true) || !hasSound) return SoundWork::Take;
+        // A request for floating point is taken for one that leaves the sample width alone.
+        const bool same =
+            asked.nChannels == own.nChannels && (asked.nBitsPerSample < 1 || asked.nBitsPerSample == own.nBitsPerSample);
+        return same && !mapped ? SoundWork::Relabel : SoundWork::Absent;
+    }
+    if (asked.nChannels < 0) return SoundWork::Drop;
+    return mapped ? SoundWork::Absent : SoundWork::None;
+}
+
+}    // namespace
+
+HRESULT CCoZFrame2::ZFAVPropsSet(Z_AV_PROPS *_pProps, BSTR _bsChannels) {
+    Z_AV_PROPS asked = _pProps != nullptr ? *_pProps : Z_AV_PROPS{};
+    VideoPropsUpdate(&asked.vidProps, false);
+    if (_pProps == nullptr || _pProps->vidProps.fccType == eZFCC_Default) asked.vidProps.fccType = eZFCC_Default;
+
+    const std::lock_guard lock(m_lockMedia);
+    const SoundWork sound = SoundWorkOf(asked.audProps, m_props.audProps, Audio().size != 0, !ViewOf(_bsChannels).empty());
+    if (sound == SoundWork::Absent) return E_NOTIMPL;
+    const HRESULT hr = VideoRecordSet(asked.vidProps);
+    if (FAILED(hr)) return hr;
+    if (sound == SoundWork::Take) m_props.audProps = asked.audProps;
+    if (sound == SoundWork::Relabel) {
+        m_props.audProps.nSamplesPerSec = asked.audProps.nSamplesPerSec;
+        m_props.audProps.nTrackSplitBits = asked.audProps.nTrackSplitBits;
+    }
+    if (sound == SoundWork::Drop) {
+        m_audio.Clear();
+        m_audioRef.Clear();
+    }
+    return S_OK;
+}
+
+// With the media lock held exclusively. The pixels are changed in place, and with them those of every frame that shares them.
+HRESULT CCoZFrame2::VideoRecordSet(Z_VID_PROPS asked) {
+    Z_VID_PROPS &own = m_props.vidProps;
+    const bool ownValid = VideoPropsValid(&own);
+    constexpr int32_t kOneField = eZI_DeinterlaceF1 | eZI_DeinterlaceF2;
+    if (ownValid && FieldOrderSign(&own) != 0 && (asked.eInterlace & kOneField) != 0) {
+        if (!PixelsFit(own, VideoSize())) return kVfwEInvalidMediaType;
+        int32_t field = (asked.eInterlace & eZI_DeinterlaceF1) != 0 ? 0 : 1;
+        if (FieldOrderSign(&own) < 0) field = 1 - field;
+        if (IsRgbFormat(own.fccType) && own.nHeight < 0) field = 1 - field;
+        PixelsKeepField(own, VideoData(), field);
+        asked.eInterlace = eZI_Progressive;
+    }
+    if (!VideoPropsValid(&asked)) return S_OK;
+    if (!ownValid) {
+        if (VideoSize() == 0 || !PixelsFit(asked, VideoSize())) return kVfwEInvalidMediaType;
+        own = asked;
+        return S_OK;
+    }
+    const Z_VID_PROPS fitted = RecordFitted(asked, own, VideoSize());
+    const bool turns = IsRgbFormat(fitted.fccType) && (fitted.nHeight < 0) != (own.nHeight < 0) && VideoSize() != 0;
+    if (turns) {
+        if (!PixelsFit(own, VideoSize())) return kVfwEInvalidMediaType;
+        PixelsTurn(own, VideoData());
+    }
+    own = fitted;
+    return S_OK;
+}
+
+}    // namespace zck
