@@ -1,0 +1,30 @@
+// The colour that spill is moved away from, as the anti-spill works with it.
+#pragma once
+
+#include <cstdint>
+
+#include "zchromakey/key_types.h"
+
+namespace zck {
+
+/// Three bytes as they stand in a key word, low byte first.
+struct KeyBytes {
+    uint8_t b[3];
+};
+KeyBytes KeyBytesOf(int32_t word);
+
+/// Hue, lightness, saturation to red, green, blue.
+KeyBytes HlsToRgb(KeyBytes hls);
+
+/// Y, U, V of the key space to that space's red, green, blue; in it red and blue are exchanged.
+KeyBytes YuvToRgb(KeyBytes yuv);
+
+struct SpillColour {
+    KeyBytes rgb;
+    uint8_t y, u, v;    ///< Y within 16..235, U and V within 16..240
+};
+
+/// The colour of the key's first entry, as the caller stored it. It stands for all entries, whatever colours they have.
+SpillColour SpillColourOf(const CHROMA_KEY_RAW &key);
+
+}    // namespace zck
