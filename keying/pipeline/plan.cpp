@@ -34,8 +34,8 @@ KeyPlan KeyPlanMake(const CHROMA_KEY_RAW &key) {
             plan.hasReverse = true;
             AddEntry(&plan, entry, true);
         }
-        if (key.bColorCancel != 0 && IsSpillKey(entry)) plan.hasSpill = true;
     }
+    plan.spill = SpillPlanMake(key);
     plan.low = key.nMinTransparent;
     plan.high = key.nMaxTransparent;
     plan.edges = key.nEdgesSmooth;

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "keying/kernels/kernels.h"
+#include "keying/spill/spill_plan.h"
 #include "zchromakey/key_types.h"
 
 namespace zck {
@@ -20,11 +21,14 @@ struct KeyPlan {
     PlanEntry entries[16];
     bool hasAlpha;
     bool hasReverse;
-    bool hasSpill;    ///< a spill key is there and anti-spill is on
-    int32_t low;      ///< thresholds; 0 and 255 are neutral
+    SpillPlan spill;
+    int32_t low;    ///< thresholds; 0 and 255 are neutral
     int32_t high;
     int32_t edges;    ///< rounds of smoothing, the last one being the Gauss filter
     bool invert;
+
+    /// A spill key is there and anti-spill is on.
+    bool HasSpill() const { return spill.count > 0; }
 };
 
 /// The type is one that keys.

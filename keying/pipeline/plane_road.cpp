@@ -8,6 +8,7 @@
 #include "keying/kernels/filter_plane.h"
 #include "keying/pipeline/smooth_plane.h"
 #include "keying/pipeline/to_rgb32.h"
+#include "keying/spill/spill.h"
 #include "platform/status.h"
 
 namespace zck {
@@ -40,15 +41,13 @@ public:
     HRESULT Run() {
         if (!m_plan.hasAlpha) {
             FillOpaque();
-            if (!m_plan.hasSpill) return S_FALSE;
+            if (!m_plan.HasSpill()) return S_FALSE;
         }
         HRESULT hr = Allocate();
         if (SUCCEEDED(hr)) hr = MakeKeySpace();
         if (SUCCEEDED(hr)) hr = Measure();
+        if (SUCCEEDED(hr)) hr = MoveSpill();
         if (FAILED(hr)) return hr;
-        // Spill colour is to be moved here, between measuring and thresholds. There is no such step in the engine yet, and a
-        // key that asks for it is refused rather than keyed with its spill left in.
-        if (m_plan.hasSpill) return E_NOTIMPL;
         Threshold();
         hr = Smooth();
         if (FAILED(hr)) return hr;
@@ -175,6 +174,13 @@ private:
         ForGatherRows(
             [&](uint8_t *row, int64_t y) { m_kernels.add_plane(row, m_reverse.get() + y * m_view.stride, m_view.width); });
         m_reverse.reset();
+    }
+
+    // Measures the key space as it is, and changes the caller's picture.
+    HRESULT MoveSpill() const {
+        return SpillCancel({m_view.pixels, m_view.bounds.pixelBytes, m_view.props, m_view.stride, m_space.pixels,
+                            m_space.stride, m_space.bytes, m_space.row},
+                           m_plan.spill);
     }
 
     void Threshold() {

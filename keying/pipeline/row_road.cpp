@@ -35,7 +35,7 @@ void RowRoad::Allow(bool allowed) { g_allowed = allowed; }
 bool RowRoad::Serves(const RowFrame &frame) {
     const ImageView &view = frame.view;
     if (!g_allowed) return false;
-    if (!view.Is32() || view.rowBytes % 4 != 0 || view.width < 1 || view.height < 1 || frame.plan->hasSpill) return false;
+    if (!view.Is32() || view.rowBytes % 4 != 0 || view.width < 1 || view.height < 1 || frame.plan->HasSpill()) return false;
     if (view.bounds.alphaBytes < view.stride * view.height) return false;
     if (view.bounds.pixelBytes < view.rowBytes * (view.height - 1) + int64_t{4} * view.width) return false;
     return RowsStandAlone(frame) && SmoothingFits(frame);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <vector>
 
 #include "frames/media/pixel_format.h"
 #include "imaging/colour/convert.h"
@@ -83,6 +84,8 @@ public:
         return SUCCEEDED(hr) ? m_back.Prepare(&target, &source) : hr;
     }
 
+    int64_t RowStep() const { return m_step; }
+
     uint8_t *Open(int32_t row, uint8_t *room) override {
         m_into.Run(At(row), room);
         return room;
@@ -100,6 +103,14 @@ private:
 int32_t BlocksOf(const SpillImage &image) {
     const int64_t most = std::numeric_limits<int32_t>::max();
     return DistanceBlocks(image.props->nWidth, static_cast<int32_t>(std::min(image.stride, most)));
+}
+
+// Rows are written back while others are still to be measured. That is right as long as both run in step; in a picture whose
+// rows are no whole pixels they do not, and what is measured is put aside.
+bool OutOfStep(const SpillImage &image, int64_t step) {
+    const uint8_t *end = image.pixels + image.pixelBytes;
+    const bool apart = image.space >= end || image.space + image.spaceBytes <= image.pixels;
+    return !apart && (image.space != image.pixels || image.spaceStride != step);
 }
 
 HRESULT Walk(const SpillImage &image, const SpillPlan &plan, bool lumaFirst, PictureRows *source) {
@@ -122,12 +133,18 @@ HRESULT SpillCancel(const SpillImage &image, const SpillPlan &plan) {
         YuvRows rows(image);
         return Walk(image, plan, fcc == eZFCC_YUY2 || fcc == eZFCC_YVYU, &rows);
     }
-    RgbRows rows(image);
+    SpillImage measured = image;
+    RgbRows rows(measured);
     if (image.props->nWidth != 0 && image.props->nHeight != 0) {
         const HRESULT hr = rows.Prepare();
         if (FAILED(hr)) return hr;
     }
-    return Walk(image, plan, true, &rows);
+    std::vector<uint8_t> aside;
+    if (OutOfStep(image, rows.RowStep())) {
+        aside.assign(image.space, image.space + image.spaceBytes);
+        measured.space = aside.data();
+    }
+    return Walk(measured, plan, true, &rows);
 }
 
 }    // namespace zck

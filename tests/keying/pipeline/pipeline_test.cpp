@@ -479,15 +479,5 @@ TEST(Pipeline, more_rounds_than_anyone_waits_for_come_to_rest) {
     }
 }
 
-TEST(Pipeline, spill_is_refused_not_ignored) {
-    CHROMA_KEY_RAW key = GreenKey();
-    key.bColorCancel = 1;
-    Image without(Props(16, 4));
-    EXPECT_EQ(S_OK, without.Key(key)) << "no entry asks for it";
-    key.arrKeys[0].nCancelPower = 10;
-    Image with(Props(16, 4));
-    EXPECT_EQ(E_NOTIMPL, with.Key(key));
-}
-
 }    // namespace
 }    // namespace zck

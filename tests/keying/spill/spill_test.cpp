@@ -353,6 +353,19 @@ TEST_P(Spill, ThePictureItselfMayBeMeasured) {
     }
 }
 
+TEST_P(Spill, APictureWhoseRowsAreNoWholePixelsIsMeasuredAsItWas) {
+    const CHROMA_KEY_RAW key = GreenKey(1);
+    Z_VID_PROPS props = Props(eZFCC_RGB32, 40, 70);
+    props.nRowBytes += 3;
+    Picture p = Make(props, key);
+    std::copy(p.space.begin(), p.space.end(), p.Pixels());
+    p.space.assign(p.Pixels(), p.Pixels() + p.Size());
+    Picture q = p;
+    ASSERT_EQ(Expect(&q, key), S_OK);
+    EXPECT_EQ(SpillCancel({p.Pixels(), p.Size(), &p.props, 40, p.Pixels(), 160, p.Size(), p.Size()}, SpillPlanMake(key)), S_OK);
+    EXPECT_EQ(p.bytes, q.bytes);
+}
+
 INSTANTIATE_TEST_SUITE_P(Levels, Spill, testing::Values(KernelLevel::Reference, KernelLevel::Avx2));
 
 }    // namespace
