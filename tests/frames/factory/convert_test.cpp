@@ -173,6 +173,25 @@ TEST_F(ConvertedClones, NegativeRowBytesAreTheRegularOnes) {
     EXPECT_EQ(expected, VideoOf(Clone(frame.get(), eZFC_Full, eZFCC_ARGB32)).Copy());
 }
 
+// A height of 1 asks for the format's height elsewhere; with row bytes it is the one line that the buffer has.
+TEST_F(ConvertedClones, OneLinePicturesAreOneLine) {
+    ComPtr<IZFrame_I> frame;
+    ASSERT_EQ(S_OK, m_factory->FrameAlloc(2560, 0, nullptr, frame.Put()));
+    const std::vector<uint8_t> pixels = Pattern(2560);
+    std::memcpy(VideoOf(frame).data(), pixels.data(), pixels.size());
+    Z_AV_PROPS props = {};
+    props.vidProps = VideoPropsFromFormat(eZVF_HD720_50p, eZFCC_UYVY);
+    props.vidProps.nHeight = 1;
+    ASSERT_EQ(S_OK, frame->FrameAVPropsSet(&props));
+    const auto clone = Clone(frame.get(), eZFC_Full, eZFCC_ARGB32);
+    EXPECT_EQ(5120, VideoOf(clone).size);
+    Z_VID_PROPS target = props.vidProps;
+    target.fccType = eZFCC_ARGB32;
+    target.nHeight = -1;
+    target.nRowBytes = 5120;
+    EXPECT_EQ(Expected(props.vidProps, pixels, target), VideoOf(clone).Copy());
+}
+
 TEST_F(ConvertedClones, PlanarTargetsHaveNoRoute) {
     const auto frame = Frame(Record(eZFCC_UYVY, 64, 48));
     ComPtr<IZFrame> clone;

@@ -92,10 +92,26 @@ TEST_F(ForeignClones, RefusalsAreHandedOn) {
 
 TEST_F(ForeignClones, PixelsWithoutAnAddressAreNone) {
     m_state.video.clear();
-    m_state.process = CurrentProcessId();
-    const auto source = Quorvex();
+    m_state.videoSize = 64 * 48 * 2;
+    const auto quorvex = Quorvex();
+    const auto tessilu = Tessilu();
+    for (const int32_t type : {eZFC_Video, eZFC_VideoRef}) {
+        ComPtr<IZFrame_I> clone;
+        ASSERT_EQ(S_OK,
+                  m_factory->FrameCloneConvert(quorvex.get(), clone.Put(), static_cast<eZFrameClone>(type), eZFCC_Default));
+        EXPECT_EQ(0, VideoOf(clone).size);
+        ComPtr<IZFFrame> other;
+        ASSERT_EQ(S_OK,
+                  m_tessiluFactory->ZFCloneConvert(tessilu.get(), other.Put(), static_cast<eZFrameClone>(type), eZFCC_Default));
+        EXPECT_EQ(0, VideoOf(As<IZFrame>(other)).size);
+    }
     ComPtr<IZFrame_I> clone;
-    ASSERT_EQ(S_OK, m_factory->FrameCloneConvert(source.get(), clone.Put(), eZFC_Video, eZFCC_Default));
+    EXPECT_EQ(kVfwEInvalidMediaType, m_factory->FrameCloneConvert(quorvex.get(), clone.Put(), eZFC_Video, eZFCC_ARGB32));
+    ComPtr<IZFFrame> other;
+    EXPECT_EQ(kVfwEInvalidMediaType, m_tessiluFactory->ZFCloneConvert(tessilu.get(), other.Put(), eZFC_Video, eZFCC_ARGB32));
+    // A negative size is none either.
+    m_state.videoSize = -5;
+    EXPECT_EQ(S_OK, m_factory->FrameCloneConvert(quorvex.get(), clone.Put(), eZFC_Video, eZFCC_ARGB32));
     EXPECT_EQ(0, VideoOf(clone).size);
 }
 

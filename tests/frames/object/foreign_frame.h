@@ -117,13 +117,13 @@ struct ForeignState {
     uint32_t process = CurrentProcessId();
     int64_t section = 0;
     int32_t offset = 0;
-    int32_t videoSize = 0;    ///< as told for a frame of another process
+    int32_t videoSize = 0;    ///< told in place of the true one, when not 0
     HRESULT infoStatus = S_OK;
     std::vector<uint8_t> packed;
     int pixelReads = 0;
 
     bool Local() const { return process == CurrentProcessId(); }
-    int32_t VideoSize() const { return Local() ? static_cast<int32_t>(video.size()) : videoSize; }
+    int32_t VideoSize() const { return videoSize != 0 ? videoSize : static_cast<int32_t>(video.size()); }
     int32_t AudioSize() const { return static_cast<int32_t>(audio.size()); }
     static int64_t Address(const std::vector<uint8_t> &bytes) {
         return bytes.empty() ? 0 : static_cast<int64_t>(reinterpret_cast<uintptr_t>(bytes.data()));
