@@ -184,6 +184,7 @@ TEST_F(ConvertedClones, OneLinePicturesAreOneLine) {
     props.vidProps.nHeight = 1;
     ASSERT_EQ(S_OK, frame->FrameAVPropsSet(&props));
     const auto clone = Clone(frame.get(), eZFC_Full, eZFCC_ARGB32);
+    ASSERT_TRUE(clone);
     EXPECT_EQ(5120, VideoOf(clone).size);
     Z_VID_PROPS target = props.vidProps;
     target.fccType = eZFCC_ARGB32;

@@ -7,9 +7,10 @@
 namespace zck {
 namespace {
 
+constexpr uint32_t Byte(char c) { return static_cast<uint8_t>(c); }
+
 constexpr int32_t Code(char a, char b, char c, char d) {
-    return static_cast<int32_t>(static_cast<uint8_t>(a) | static_cast<uint8_t>(b) << 8 | static_cast<uint8_t>(c) << 16 |
-                                static_cast<uint32_t>(static_cast<uint8_t>(d)) << 24);
+    return static_cast<int32_t>(Byte(a) | Byte(b) << 8 | Byte(c) << 16 | Byte(d) << 24);
 }
 
 struct NameCase {

@@ -14,7 +14,7 @@ protected:
     template <class... Bodies>
     void Together(Bodies... bodies) {
         std::vector<std::thread> threads;
-        (threads.emplace_back([this, bodies] {
+        (threads.emplace_back([bodies] {
             for (int i = 0; i < kRounds; ++i) bodies(i);
         }),
          ...);
