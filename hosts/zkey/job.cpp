@@ -33,6 +33,7 @@ class Job {
 public:
     explicit Job(const KeyCommand &command) : m_command(command), m_reader(OpenReader(command)) {
         m_info = m_reader->Info();
+        if (SameFile(command.input, command.output)) FailUsage("the output would overwrite the input " + command.input);
         if (IsStill(command.output, command.format)) m_limit = 1;
         if (command.frames > 0 && m_limit == 0) m_limit = command.frames;
         SetUpKeyer();
@@ -46,6 +47,7 @@ public:
         }
         SetUpKey(first->frame.get());
         SetUpOutput();
+        if (!m_assumed.empty() && !m_command.quiet) Note(m_assumed);
         Work(std::move(*first));
         return Report();
     }
@@ -103,7 +105,7 @@ private:
                 "no key given, and no green or blue screen found at the border of the first picture; name its colour with "
                 "--color");
         }
-        if (!m_command.quiet) Note("no key given, assumed a " + guess->name + " screen: " + ScreenOptions(*guess));
+        m_assumed = "no key given, assumed a " + guess->name + " screen: " + ScreenOptions(*guess);
         return guess->parts;
     }
 
@@ -121,7 +123,6 @@ private:
     }
 
     void SetUpOutput() {
-        if (SameFile(m_command.input, m_command.output)) FailUsage("the output would overwrite the input " + m_command.input);
         m_finish = WantedFinish();
         if (m_finish == Finish::Over) m_background = OpenBackground(m_command.over, m_info.width, m_info.height);
         if (m_limit == 1 && IsStill(m_command.output, m_command.format) && !m_info.still && !m_command.quiet) {
@@ -210,6 +211,7 @@ private:
     int32_t m_threads = 2;
     int64_t m_limit = 0;
     int64_t m_read = 0;
+    std::string m_assumed;    ///< what the user is told about a key that was not given
     Finish m_finish = Finish::Straight;
     std::unique_ptr<Background> m_background;
     std::unique_ptr<MediaWriter> m_writer;

@@ -1,5 +1,6 @@
 #include "hosts/zkey/pipe.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
@@ -7,32 +8,51 @@
 #include "hosts/zkey/system.h"
 
 namespace zkey {
+namespace {
+
+// For lines between pictures; small, since a picture's first bytes come through it too.
+constexpr std::size_t kBuffer = 256;
+
+}    // namespace
 
 PipeReader::PipeReader(const std::string &path)
-    : m_file(path == "-" ? stdin : OpenFile(path, "rb")), m_name(path == "-" ? "standard input" : path) {
-    if (m_file == nullptr) Fail("cannot open " + m_name + ": " + std::strerror(errno));
-    if (m_file != stdin && std::fseek(m_file, 0, SEEK_END) == 0) {
-        m_size = std::ftell(m_file);
-        std::rewind(m_file);
-    }
+    : m_descriptor(OpenForReading(path)), m_name(path == "-" ? "standard input" : path) {
+    if (m_descriptor < 0) Fail("cannot open " + m_name + ": " + std::strerror(errno));
+    m_size = path == "-" ? 0 : FileSize(m_descriptor);
 }
 
-PipeReader::~PipeReader() {
-    if (m_file != stdin) std::fclose(m_file);
+PipeReader::~PipeReader() { CloseReading(m_descriptor); }
+
+bool PipeReader::Fill() {
+    m_buffer.resize(kBuffer);
+    m_at = 0;
+    const int64_t got = ReadSome(m_descriptor, m_buffer.data(), m_buffer.size());
+    if (got < 0) Fail("cannot read " + m_name + ": " + std::strerror(errno));
+    m_buffer.resize(static_cast<std::size_t>(got));
+    return got > 0;
 }
 
 std::size_t PipeReader::Read(uint8_t *to, std::size_t bytes) {
-    const std::size_t got = std::fread(to, 1, bytes, m_file);
-    if (got < bytes && std::ferror(m_file) != 0 && !Interrupted()) Fail("cannot read " + m_name + ": " + std::strerror(errno));
-    return got;
+    std::size_t done = std::min(bytes, m_buffer.size() - m_at);
+    std::copy_n(m_buffer.begin() + static_cast<std::ptrdiff_t>(m_at), done, to);
+    m_at += done;
+    while (done < bytes) {
+        // Pictures go past the buffer, straight to where they are wanted.
+        const int64_t got = ReadSome(m_descriptor, to + done, bytes - done);
+        if (got < 0) Fail("cannot read " + m_name + ": " + std::strerror(errno));
+        if (got == 0) break;
+        done += static_cast<std::size_t>(got);
+    }
+    return done;
 }
 
 bool PipeReader::Line(std::string &line, std::size_t most) {
     line.clear();
-    for (int c = std::getc(m_file); c != EOF; c = std::getc(m_file)) {
+    while (m_at < m_buffer.size() || Fill()) {
+        const char c = static_cast<char>(m_buffer[m_at++]);
         if (c == '\n') return true;
         if (line.size() == most) return false;
-        line.push_back(static_cast<char>(c));
+        line.push_back(c);
     }
     return false;
 }

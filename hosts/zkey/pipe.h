@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <string>
+#include <vector>
 
 namespace zkey {
 
@@ -24,9 +25,14 @@ public:
     const std::string &Name() const { return m_name; }
 
 private:
-    std::FILE *m_file;
+    /// Refills the empty buffer. False at the end.
+    bool Fill();
+
+    int m_descriptor;
     std::string m_name;
-    int64_t m_size = 0;
+    int64_t m_size;
+    std::vector<uint8_t> m_buffer;
+    std::size_t m_at = 0;
 };
 
 class PipeWriter {

@@ -1,6 +1,7 @@
 // What differs between the systems that the program runs on. One implementation per system, chosen by the build.
 #pragma once
 
+#include <cstdint>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -13,6 +14,13 @@ void SystemStart();
 std::vector<std::string> Arguments(int argc, char **argv);
 /// `fopen` for a UTF-8 path.
 std::FILE *OpenFile(const std::string &path, const char *mode);
+/// A file or pipe that is read without buffering: a descriptor, or -1 with `errno` set. "-" is standard input.
+int OpenForReading(const std::string &path);
+/// How many bytes came, at least one unless the end is reached or an interrupt came (0) or the read failed (-1, `errno`).
+int64_t ReadSome(int descriptor, void *to, std::size_t bytes);
+void CloseReading(int descriptor);
+/// Bytes of a file; 0 for a pipe.
+int64_t FileSize(int descriptor);
 /// True when both paths name one existing file.
 bool SameFile(const std::string &a, const std::string &b);
 /// True when standard error is a terminal that a person watches.

@@ -1,8 +1,11 @@
 #include "hosts/zkey/system.h"
 
+#include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 
 namespace zkey {
@@ -10,7 +13,15 @@ namespace {
 
 volatile std::sig_atomic_t g_interrupted = 0;
 
-void OnInterrupt(int) { g_interrupted = 1; }
+// Written by the handler, so that a reader that waits for a pipe comes back, whichever thread the signal met.
+int g_wake[2] = {-1, -1};
+
+void OnInterrupt(int) {
+    g_interrupted = 1;
+    const char any = 0;
+    const int kept = errno;
+    if (write(g_wake[1], &any, 1) < 0) errno = kept;
+}
 
 }    // namespace
 
@@ -19,6 +30,28 @@ void SystemStart() {}
 std::vector<std::string> Arguments(int argc, char **argv) { return {argv + (argc > 0 ? 1 : 0), argv + argc}; }
 
 std::FILE *OpenFile(const std::string &path, const char *mode) { return std::fopen(path.c_str(), mode); }
+
+int OpenForReading(const std::string &path) { return path == "-" ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC); }
+
+int64_t ReadSome(int descriptor, void *to, std::size_t bytes) {
+    for (;;) {
+        if (Interrupted()) return 0;
+        pollfd wait[2] = {{descriptor, POLLIN, 0}, {g_wake[0], POLLIN, 0}};
+        if (poll(wait, 2, -1) < 0 && errno != EINTR) return -1;
+        if (wait[0].revents == 0) continue;
+        const ssize_t got = read(descriptor, to, bytes);
+        if (got >= 0 || errno != EINTR) return got;
+    }
+}
+
+void CloseReading(int descriptor) {
+    if (descriptor != STDIN_FILENO) close(descriptor);
+}
+
+int64_t FileSize(int descriptor) {
+    struct stat info {};
+    return fstat(descriptor, &info) == 0 && S_ISREG(info.st_mode) ? info.st_size : 0;
+}
 
 bool SameFile(const std::string &a, const std::string &b) {
     struct stat sa {};
@@ -30,9 +63,10 @@ bool SameFile(const std::string &a, const std::string &b) {
 bool ErrorIsTerminal() { return isatty(STDERR_FILENO) == 1; }
 
 void WatchInterrupt() {
+    if (pipe(g_wake) != 0) return;
     struct sigaction action {};
     action.sa_handler = OnInterrupt;
-    // No restart of system calls: a blocked read of a pipe has to come back. The handler serves one signal only.
+    // The handler serves one signal; the next one ends the program.
     action.sa_flags = static_cast<int>(SA_RESETHAND);
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);

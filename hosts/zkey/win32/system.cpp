@@ -59,6 +59,23 @@ std::vector<std::string> Arguments(int, char **) {
 
 std::FILE *OpenFile(const std::string &path, const char *mode) { return _wfopen(Wide(path).c_str(), Wide(mode).c_str()); }
 
+int OpenForReading(const std::string &path) { return path == "-" ? 0 : _wopen(Wide(path).c_str(), _O_RDONLY | _O_BINARY); }
+
+// An interrupt is seen when the wait for the next bytes of a pipe is over.
+int64_t ReadSome(int descriptor, void *to, std::size_t bytes) {
+    constexpr std::size_t kMost = 1U << 30;
+    return g_interrupted ? 0 : _read(descriptor, to, static_cast<unsigned>(bytes < kMost ? bytes : kMost));
+}
+
+void CloseReading(int descriptor) {
+    if (descriptor != 0) _close(descriptor);
+}
+
+int64_t FileSize(int descriptor) {
+    const int64_t size = _filelengthi64(descriptor);
+    return size > 0 ? size : 0;
+}
+
 bool SameFile(const std::string &a, const std::string &b) {
     return GetFileAttributesW(Wide(a).c_str()) != INVALID_FILE_ATTRIBUTES &&
            CompareStringOrdinal(FullPath(a).c_str(), -1, FullPath(b).c_str(), -1, TRUE) == CSTR_EQUAL;

@@ -1,0 +1,243 @@
+// The whole program on clips and pictures of FFmpeg's libraries, and on footage where it is at hand.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "hosts/zkey/failure.h"
+#include "hosts/zkey/libav/clip.h"
+#include "tests/hosts/zkey/program.h"
+#include "tests/scene/scene.h"
+
+namespace {
+
+using namespace zkey;
+using Bytes = std::vector<uint8_t>;
+
+constexpr int kWidth = 322;
+constexpr int kHeight = 181;
+constexpr int kFrames = 6;
+
+/// A clip of the scene, as `zkey` itself writes it when nothing is keyed.
+std::string SceneClip(const Scratch &scratch, const std::string &name) {
+    Bytes clip;
+    zck::SceneParams p;
+    p.width = kWidth;
+    p.height = kHeight;
+    p.frames = kFrames;
+    for (int i = 0; i < kFrames; ++i) {
+        const zck::ScenePicture picture = zck::RenderScene(p, i);
+        clip.insert(clip.end(), picture.pixels.begin(), picture.pixels.end());
+    }
+    scratch.Write("scene.raw", clip);
+    const Outcome run = RunProgram(scratch, "key " + scratch.Path("scene.raw") +
+                                                " --raw RGB32:322x181@30 --type Alpha --over black -o " + scratch.Path(name));
+    EXPECT_EQ(run.status, 0) << run.error;
+    return scratch.Path(name);
+}
+
+struct Decoded {
+    int frames = 0;
+    std::vector<int64_t> times;
+    Bytes last;    ///< blue, green, red, alpha
+    SourceInfo info;
+};
+
+Decoded Decode(const std::string &path) {
+    Decoded d;
+    Clip clip(path, true);
+    d.info = clip.Info();
+    Libav<SwsContext> scaler;
+    while (const AVFrame *frame = clip.Next()) {
+        ++d.frames;
+        d.times.push_back(clip.Time());
+        d.last.resize(static_cast<std::size_t>(frame->width) * static_cast<std::size_t>(frame->height) * 4);
+        ConvertPicture(*frame, AV_PIX_FMT_BGRA, frame->width, frame->height, d.last.data(), frame->width * 4, scaler);
+    }
+    return d;
+}
+
+/// Mean distance of the alpha from the scene's own, in the last frame.
+double AlphaError(const Bytes &bgra) {
+    zck::SceneParams p;
+    p.width = kWidth;
+    p.height = kHeight;
+    p.frames = kFrames;
+    const zck::ScenePicture picture = zck::RenderScene(p, kFrames - 1);
+    double sum = 0;
+    for (std::size_t i = 0; i < picture.alpha.size(); ++i) sum += std::abs(bgra[4 * i + 3] - picture.alpha[i]);
+    return sum / static_cast<double>(picture.alpha.size());
+}
+
+TEST(LibavRun, AClipIsKeyedWithNothingButAnOutput) {
+    const Scratch scratch;
+    const std::string input = SceneClip(scratch, "in.mp4");
+    for (const char *output : {"out.mov", "out.mkv", "out_%02d.png"}) {
+        SCOPED_TRACE(output);
+        const Outcome run = RunProgram(scratch, "key " + input + " -o " + scratch.Path(output));
+        ASSERT_EQ(run.status, 0) << run.error;
+        EXPECT_NE(run.error.find("assumed a green screen"), std::string::npos);
+        const Decoded d = Decode(scratch.Path(output));
+        EXPECT_EQ(d.frames, kFrames);
+        EXPECT_EQ(d.info.width, kWidth);
+        EXPECT_EQ(d.info.height, kHeight);
+        EXPECT_LT(AlphaError(d.last), 8);
+    }
+}
+
+TEST(LibavRun, AStillOfAClipIsItsFirstFrame) {
+    const Scratch scratch;
+    const Outcome run = RunProgram(scratch, "key " + SceneClip(scratch, "in.mp4") + " -c green -o " + scratch.Path("out.png"));
+    EXPECT_EQ(run.status, 0);
+    EXPECT_NE(run.error.find("only the first frame"), std::string::npos) << run.error;
+    EXPECT_EQ(Decode(scratch.Path("out.png")).frames, 1);
+}
+
+TEST(LibavRun, CompositesAndMattesGoToOpaqueClips) {
+    const Scratch scratch;
+    const std::string input = SceneClip(scratch, "in.mkv");
+    const std::string still = scratch.Path("still.png");
+    ASSERT_EQ(RunProgram(scratch, "key " + input + " -c FFFFFF -t 0 -s 0 --over pureblue -o " + still).status, 0);
+    for (const char *how : {"--matte", "--over checker", "--over FF8000", "--over BACK", "--over CLIP"}) {
+        std::string options = how;
+        if (const auto at = options.find("BACK"); at != std::string::npos) options.replace(at, 4, still);
+        if (const auto at = options.find("CLIP"); at != std::string::npos) options.replace(at, 4, input);
+        const Outcome run = RunProgram(scratch, "key " + input + " -q " + options + " -o " + scratch.Path("out.mp4"));
+        EXPECT_EQ(run.status, 0) << how << run.error;
+        EXPECT_EQ(Decode(scratch.Path("out.mp4")).frames, kFrames) << how;
+    }
+}
+
+/// Adds a second of silence to a clip, so that there is sound to be carried over.
+void AddSound(const std::string &from, const std::string &to) {
+    AVFormatContext *in = nullptr;
+    ASSERT_EQ(avformat_open_input(&in, from.c_str(), nullptr, nullptr), 0);
+    ASSERT_GE(avformat_find_stream_info(in, nullptr), 0);
+    AVFormatContext *out = nullptr;
+    avformat_alloc_output_context2(&out, nullptr, nullptr, to.c_str());
+    AVStream *video = avformat_new_stream(out, nullptr);
+    avcodec_parameters_copy(video->codecpar, in->streams[0]->codecpar);
+    video->codecpar->codec_tag = 0;
+    video->time_base = in->streams[0]->time_base;
+    AVStream *sound = avformat_new_stream(out, nullptr);
+    sound->codecpar->codec_type = AVMEDIA_TYPE_AUDIO;
+    sound->codecpar->codec_id = AV_CODEC_ID_PCM_S16LE;
+    sound->codecpar->sample_rate = 8000;
+    sound->codecpar->ch_layout = AV_CHANNEL_LAYOUT_MONO;
+    sound->codecpar->format = AV_SAMPLE_FMT_S16;
+    sound->codecpar->bits_per_coded_sample = 16;
+    sound->codecpar->block_align = 2;
+    sound->time_base = {1, 8000};
+    ASSERT_EQ(avio_open(&out->pb, to.c_str(), AVIO_FLAG_WRITE), 0);
+    ASSERT_GE(avformat_write_header(out, nullptr), 0);
+    Libav<AVPacket> packet(av_packet_alloc());
+    while (av_read_frame(in, packet.get()) == 0) {
+        packet->stream_index = 0;
+        av_packet_rescale_ts(packet.get(), in->streams[0]->time_base, video->time_base);
+        av_interleaved_write_frame(out, packet.get());
+    }
+    for (int i = 0; i < 40; ++i) {
+        av_new_packet(packet.get(), 400);
+        std::fill_n(packet->data, 400, uint8_t{0});
+        packet->pts = packet->dts = av_rescale_q(i * 200, AVRational{1, 8000}, sound->time_base);
+        packet->duration = av_rescale_q(200, AVRational{1, 8000}, sound->time_base);
+        packet->stream_index = 1;
+        av_interleaved_write_frame(out, packet.get());
+    }
+    av_write_trailer(out);
+    avio_closep(&out->pb);
+    avformat_free_context(out);
+    avformat_close_input(&in);
+}
+
+TEST(LibavRun, SoundIsCarriedOverOrItsLossIsTold) {
+    const Scratch scratch;
+    AddSound(SceneClip(scratch, "silent.mkv"), scratch.Path("in.mkv"));
+    const std::string command = "key " + scratch.Path("in.mkv") + " -c 34B24A ";
+    Outcome run = RunProgram(scratch, command + "-o " + scratch.Path("out.mov"));
+    EXPECT_EQ(run.status, 0) << run.error;
+    EXPECT_TRUE(run.error.empty()) << run.error;
+    const Decoded d = Decode(scratch.Path("out.mov"));
+    EXPECT_EQ(d.frames, kFrames);
+    ASSERT_NE(d.info.audio, nullptr);
+    int64_t samples = 0;
+    while (const auto packet = d.info.audio->Take()) samples += packet->size / 2;
+    // A fifth of a second of pictures, and the packet that the last one falls into.
+    EXPECT_GE(samples, 8000 / 5);
+    EXPECT_LE(samples, 8000 / 5 + 200);
+
+    EXPECT_EQ(RunProgram(scratch, command + "--no-audio -o " + scratch.Path("mute.mov")).status, 0);
+    EXPECT_EQ(Decode(scratch.Path("mute.mov")).info.audio, nullptr);
+
+    run = RunProgram(scratch, command + "-o " + scratch.Path("out.webm"));
+    EXPECT_EQ(run.status, 0);
+    EXPECT_NE(run.error.find("cannot hold sound of the kind pcm_s16le"), std::string::npos) << run.error;
+}
+
+TEST(LibavRun, FramesKeepTheirTimes) {
+    const Scratch scratch;
+    const std::string input = SceneClip(scratch, "in.mp4");
+    ASSERT_EQ(RunProgram(scratch, "key " + input + " -q -o " + scratch.Path("out.mov")).status, 0);
+    const Decoded d = Decode(scratch.Path("out.mov"));
+    EXPECT_EQ(d.info.rate.num, 30);
+    EXPECT_EQ(d.info.rate.den, 1);
+    EXPECT_EQ(d.times, (std::vector<int64_t>{0, 1, 2, 3, 4, 5}));
+}
+
+TEST(LibavRun, RefusalsAreOneLine) {
+    const Scratch scratch;
+    const std::string input = SceneClip(scratch, "in.mp4");
+    const struct {
+        std::string arguments;
+        int status;
+        const char *says;
+    } cases[] = {{input + " -o " + scratch.Path("a.mp4"), kExitUsage, "cannot hold alpha"},
+                 {input + " -o " + scratch.Path("a.xyz"), kExitUsage, "no such kind of file"},
+                 {input + " -o " + scratch.Path("a.mov") + " --codec nothing", kExitUsage, "no encoder"},
+                 {input + " -o " + scratch.Path("a.mp4") + " --over nothing.png", kExitFailed, "cannot open nothing.png"},
+                 {scratch.Write("x.mp4", Bytes(999, 'x')) + " -o " + scratch.Path("a.mov"), kExitFailed, "no clip or picture"},
+                 {scratch.Path("none.mp4") + " -o " + scratch.Path("a.mov"), kExitFailed, "No such file"},
+                 {input + " -f mov -o /dev/full", kExitFailed, "No space left"}};
+    for (const auto &c : cases) {
+        const Outcome run = RunProgram(scratch, "key " + c.arguments);
+        EXPECT_EQ(run.status, c.status) << c.arguments;
+        EXPECT_NE(run.error.find(c.says), std::string::npos) << run.error;
+    }
+}
+
+/// Real pictures with a screen: the border, which shows it, must go, and something must stay.
+TEST(LibavRun, FootageIsKeyedByItself) {
+    const std::filesystem::path footage = ZKEY_FOOTAGE;
+    if (!std::filesystem::exists(footage)) {
+        std::printf("no footage in %s: real pictures are not tried\n", footage.string().c_str());
+        return;
+    }
+    const Scratch scratch;
+    int tried = 0;
+    for (const auto &file : std::filesystem::directory_iterator(footage)) {
+        const std::string name = file.path().filename().string();
+        const bool screen = name.find("screen") != std::string::npos || name.find("composite_green") == 0;
+        // Second pictures of composites have no screen or nothing else; the close-up of hair has hardly any.
+        const bool part = name.find("_alpha") != std::string::npos || name.find("_foreground") != std::string::npos ||
+                          name.find("_plate") != std::string::npos || name.find("hair_macro") != std::string::npos;
+        if (!screen || part) continue;
+        SCOPED_TRACE(name);
+        const Outcome run = RunProgram(scratch, "key " + file.path().string() + " -o " + scratch.Path("out.png"));
+        EXPECT_EQ(run.status, 0) << run.error;
+        const Decoded d = Decode(scratch.Path("out.png"));
+        std::size_t clear = 0;
+        std::size_t solid = 0;
+        for (std::size_t i = 3; i < d.last.size(); i += 4) {
+            clear += d.last[i] == 0 ? 1 : 0;
+            solid += d.last[i] == 255 ? 1 : 0;
+        }
+        const auto pixels = static_cast<double>(d.last.size() / 4);
+        EXPECT_GT(static_cast<double>(clear) / pixels, 0.2);
+        EXPECT_GT(static_cast<double>(solid) / pixels, 0.02);
+        EXPECT_GT(static_cast<double>(clear + solid) / pixels, 0.85);
+        ++tried;
+    }
+    EXPECT_GT(tried, 0);
+}
+
+}    // namespace

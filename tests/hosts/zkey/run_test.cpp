@@ -1,0 +1,293 @@
+// The whole program on raw frames and YUV4MPEG2 clips: what it writes, what it says, how it ends.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "hosts/zkey/failure.h"
+#include "hosts/zkey/padding.h"
+#include "hosts/zkey/yuv_planes.h"
+#include "tests/hosts/zkey/program.h"
+#include "tests/scene/scene.h"
+
+namespace {
+
+using namespace zkey;
+using Bytes = std::vector<uint8_t>;
+
+std::string Size(int width, int height) { return std::to_string(width) + "x" + std::to_string(height); }
+
+zck::ScenePicture Scene(int width, int height, int index = 0) {
+    zck::SceneParams p;
+    p.width = width;
+    p.height = height;
+    return zck::RenderScene(p, index);
+}
+
+/// The share of pixels in a part of the picture that are screen and not keyed out, or figure and not solid.
+double WrongShare(const Bytes &keyed, const zck::ScenePicture &scene, int width, int left, int top, int right, int bottom) {
+    int wrong = 0;
+    int counted = 0;
+    for (int y = top; y < bottom; ++y) {
+        for (int x = left; x < right; ++x) {
+            const auto i = static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x);
+            const int alpha = keyed[i * 4 + 3];
+            if (scene.alpha[i] != 0 && scene.alpha[i] != 255) continue;
+            ++counted;
+            wrong += scene.alpha[i] == 0 ? alpha > 60 : alpha < 195;
+        }
+    }
+    return counted == 0 ? 0 : static_cast<double>(wrong) / counted;
+}
+
+TEST(Run, NoStripIsLeftUnkeyedAtAnySize) {
+    const Scratch scratch;
+    for (const auto &[width, height] : {std::pair{1080, 1920}, {680, 440}, {333, 201}, {41, 99}, {17, 33}}) {
+        SCOPED_TRACE(Size(width, height));
+        const zck::ScenePicture scene = Scene(width, height);
+        scratch.Write("in.raw", scene.pixels);
+        const std::string command = "key " + scratch.Path("in.raw") + " --raw RGB32:" + Size(width, height) + " -o " +
+                                    scratch.Path("out.raw") + " -q --prop process.threads=7 ";
+        const Outcome run = RunProgram(scratch, command);
+        ASSERT_EQ(run.status, 0) << run.error;
+        const Bytes keyed = scratch.Read("out.raw");
+        ASSERT_EQ(keyed.size(), scene.pixels.size());
+        EXPECT_LT(WrongShare(keyed, scene, width, 0, 0, width, height), 0.02);
+        EXPECT_LT(WrongShare(keyed, scene, width, std::max(0, width - 16), 0, width, height), 0.02);
+        EXPECT_LT(WrongShare(keyed, scene, width, 0, std::max(0, height - 8), width, height), 0.05);
+
+        // The same without padding shows what the check is there for.
+        if (width % 16 < 8) continue;
+        ASSERT_EQ(RunProgram(scratch, command + "--exact").status, 0);
+        EXPECT_GT(WrongShare(scratch.Read("out.raw"), scene, width, width / 16 * 16, 0, width, height - height % 7), 0.3);
+    }
+}
+
+/// A frame of one colour, which is the key colour, in every format: nothing of it may stay.
+TEST(Run, EveryFormatIsKeyedToTheLastPixel) {
+    const Scratch scratch;
+    constexpr uint8_t kY = 120;
+    constexpr uint8_t kCb = 90;
+    constexpr uint8_t kCr = 80;
+    for (const NamedFormat *f = FormatTable(); f->name != nullptr; ++f) {
+        for (const auto &[width, height] : {std::pair{33, 35}, {1, 1}}) {
+            for (const char *scan : {"progressive", "top"}) {
+                if (width == 1 && *scan == 't') continue;
+                SCOPED_TRACE(std::string(f->name) + " " + Size(width, height) + " " + scan);
+                Bytes frame(static_cast<std::size_t>(PipeFrameBytes(f->fcc, width, height)));
+                const bool planar = f->fcc == eZFCC_I420 || f->fcc == eZFCC_YV12 || f->fcc == eZFCC_NV12;
+                const auto luma = static_cast<std::size_t>(width * height);
+                const std::size_t quarter = (frame.size() - std::min(luma, frame.size())) / 2;
+                for (std::size_t i = 0; i < frame.size(); ++i) {
+                    const uint8_t packed[4][4] = {{kCb, kY, kCr, kY}, {kY, kCb, kY, kCr}, {kY, kCr, kY, kCb}, {10, 200, 20, 0}};
+                    if (planar && i < luma) {
+                        frame[i] = kY;
+                    } else if (planar && f->fcc == eZFCC_NV12) {
+                        frame[i] = (i - luma) % 2 == 0 ? kCb : kCr;
+                    } else if (planar) {
+                        frame[i] = ((i - luma) < quarter) == (f->fcc == eZFCC_I420) ? kCb : kCr;
+                    } else if (f->fcc == eZFCC_RGB24) {
+                        frame[i] = packed[3][i % 3];
+                    } else {
+                        const int row = IsRgb(f->fcc) ? 3 : f->fcc == eZFCC_YUY2 ? 1 : f->fcc == eZFCC_YVYU ? 2 : 0;
+                        frame[i] = packed[row][i % 4];
+                    }
+                }
+                if (f->fcc == eZFCC_v210) {
+                    const uint32_t samples[4] = {kCb * 4, kY * 4, kCr * 4, kY * 4};
+                    for (std::size_t w = 0; w < frame.size() / 4; ++w) {
+                        uint32_t word = 0;
+                        for (std::size_t j = 0; j < 3; ++j) word |= samples[(w % 32 * 3 + j) % 4] << (10 * j);
+                        std::memcpy(&frame[w * 4], &word, 4);
+                    }
+                }
+                scratch.Write("in.raw", frame);
+                const Outcome run =
+                    RunProgram(scratch, "key " + scratch.Path("in.raw") + " --raw " + f->name + ":" + Size(width, height) +
+                                            ":" + scan + " -o " + scratch.Path("out.raw") + " --prop process.threads=3");
+                ASSERT_EQ(run.status, 0) << run.error;
+                const Bytes keyed = scratch.Read("out.raw");
+                ASSERT_EQ(keyed.size(), luma * 4);
+                EXPECT_EQ(keyed, Bytes(keyed.size(), 0));
+            }
+        }
+    }
+}
+
+TEST(Run, ExactIsTheSameWhereNothingHasToBePadded) {
+    const Scratch scratch;
+    scratch.Write("in.raw", Scene(160, 90).pixels);
+    const std::string command = "key " + scratch.Path("in.raw") + " --raw RGB32:160x90 -q --prop process.threads=2 -o ";
+    ASSERT_EQ(RunProgram(scratch, command + scratch.Path("a.raw")).status, 0);
+    ASSERT_EQ(RunProgram(scratch, command + scratch.Path("b.raw") + " --exact").status, 0);
+    EXPECT_EQ(scratch.Read("a.raw"), scratch.Read("b.raw"));
+}
+
+TEST(Run, TheOutputThreadGivesTheSameFramesInTheSameOrder) {
+    const Scratch scratch;
+    Bytes clip;
+    for (int i = 0; i < 5; ++i) {
+        const zck::ScenePicture picture = Scene(96, 54, 7 * i);
+        clip.insert(clip.end(), picture.pixels.begin(), picture.pixels.end());
+    }
+    scratch.Write("in.raw", clip);
+    const std::string command = "key " + scratch.Path("in.raw") + " --raw RGB32:96x54 -q -o ";
+    ASSERT_EQ(RunProgram(scratch, command + scratch.Path("a.raw")).status, 0);
+    ASSERT_EQ(RunProgram(scratch, command + scratch.Path("b.raw") + " --prop output.thread=true").status, 0);
+    EXPECT_EQ(scratch.Read("a.raw").size(), clip.size());
+    EXPECT_EQ(scratch.Read("a.raw"), scratch.Read("b.raw"));
+    // A clip of one frame has its only result still to come when it ends.
+    ASSERT_EQ(RunProgram(scratch, command + scratch.Path("c.raw") + " --prop output.thread=true --frames 1").status, 0);
+    EXPECT_EQ(scratch.Read("c.raw").size(), clip.size() / 5);
+}
+
+TEST(Run, FinishesAreDerivedFromTheSameKey) {
+    const Scratch scratch;
+    scratch.Write("in.raw", Scene(64, 36).pixels);
+    const std::string command = "key " + scratch.Path("in.raw") + " --raw RGB32:64x36 -q ";
+    const auto bytes = [&](const std::string &more) {
+        const Outcome run = RunProgram(scratch, command + more + " -o " + scratch.Path("out.raw"));
+        EXPECT_EQ(run.status, 0) << run.error;
+        return scratch.Read("out.raw");
+    };
+    const Bytes keyed = bytes("");
+    const Bytes straight = bytes("--alpha straight");
+    const Bytes matte = bytes("--matte");
+    const Bytes over = bytes("--over FF0000");
+    ASSERT_EQ(keyed.size(), 64U * 36U * 4U);
+    EXPECT_EQ(bytes("--alpha premultiplied"), keyed);
+    for (std::size_t i = 0; i < keyed.size(); i += 4) {
+        const int alpha = keyed[i + 3];
+        ASSERT_EQ(straight[i + 3], alpha);
+        if (alpha == 255) {
+            ASSERT_EQ(straight[i + 1], keyed[i + 1]);
+        }
+        ASSERT_EQ(matte[i], alpha);
+        ASSERT_EQ(matte[i + 3], 255);
+        ASSERT_LE(std::abs(over[i + 2] - std::min(255, keyed[i + 2] + 255 - alpha)), 1);
+        ASSERT_EQ(over[i], keyed[i]);
+    }
+}
+
+TEST(Run, PipesCarryClipsThrough) {
+    const Scratch scratch;
+    Bytes clip;
+    const std::string head = "YUV4MPEG2 W32 H16 F25:1 Ip C444\n";
+    clip.insert(clip.end(), head.begin(), head.end());
+    for (int i = 0; i < 3; ++i) {
+        const std::string mark = "FRAME\n";
+        clip.insert(clip.end(), mark.begin(), mark.end());
+        clip.insert(clip.end(), 32 * 16, 120);
+        clip.insert(clip.end(), 32 * 16, 90);
+        clip.insert(clip.end(), 32 * 16, 80);
+    }
+    scratch.Write("in.y4m", clip);
+    const Outcome raw = RunProgram(scratch, "key - -o - <" + scratch.Path("in.y4m"));
+    EXPECT_EQ(raw.status, 0);
+    EXPECT_EQ(raw.out.size(), 3U * 32 * 16 * 4);
+    EXPECT_NE(raw.error.find("zkey: no key given, assumed a green screen: -c "), std::string::npos) << raw.error;
+    // Nothing but that line: progress is for terminals.
+    EXPECT_EQ(std::count(raw.error.begin(), raw.error.end(), '\n'), 1);
+
+    const Outcome matte = RunProgram(scratch, "key - -q --matte -f y4m -o - <" + scratch.Path("in.y4m"));
+    EXPECT_EQ(matte.status, 0);
+    EXPECT_EQ(matte.out.substr(0, 10), "YUV4MPEG2 ");
+    EXPECT_NE(matte.out.find("Cmono"), std::string::npos);
+    EXPECT_TRUE(matte.error.empty()) << matte.error;
+}
+
+TEST(Run, KeyOptionsReachTheEngine) {
+    const Scratch scratch;
+    // Four blocks: green, a darker green, red, blue.
+    Bytes pixels;
+    for (int i = 0; i < 64 * 16; ++i) {
+        const uint32_t colour[4] = {0x00C040, 0x008030, 0xC02020, 0x2020C0};
+        const uint32_t c = colour[i % 64 / 16];
+        for (const int shift : {0, 8, 16}) pixels.push_back(static_cast<uint8_t>(c >> shift));
+        pixels.push_back(0);
+    }
+    scratch.Write("in.raw", pixels);
+    const auto alphas = [&](const std::string &options) {
+        const Outcome run = RunProgram(
+            scratch, "key " + scratch.Path("in.raw") + " --raw RGB32:64x16 -o " + scratch.Path("out.raw") + " " + options);
+        EXPECT_EQ(run.status, 0) << options << run.error;
+        const Bytes keyed = scratch.Read("out.raw");
+        std::array<int, 4> out{};
+        for (std::size_t i = 0; i < 4; ++i) out[i] = keyed[(8 * 64 + i * 16 + 8) * 4 + 3];
+        return out;
+    };
+    using Four = std::array<int, 4>;
+    for (const char *type : {"RGB", "HLS", "YUV"}) {
+        const std::string hard = std::string(" --type ") + type + " -t 8 -s 0";
+        EXPECT_EQ(alphas("-c 00C040" + hard), (Four{0, 255, 255, 255})) << type;
+        EXPECT_EQ(alphas("-c C02020" + hard), (Four{255, 255, 0, 255})) << type;
+        EXPECT_EQ(alphas("-c 00C040 -c 2020C0" + hard + " -c C02020 -t 8 -s 0"),
+                  (Four{alphas("-c 00C040 --type " + std::string(type))[0], alphas("-c 00C040 --type " + std::string(type))[1],
+                        0, 0}))
+            << type;
+        EXPECT_EQ(alphas("-c 00C040" + hard + " -c 00C040 --reverse -t 8 -s 0"), (Four{255, 255, 255, 255})) << type;
+    }
+    EXPECT_EQ(alphas("-c 00C040 -t 8 -s 0 --type RGB --set nAlpha=100 --set nMaxTransparent=255")[0], 100);
+    EXPECT_EQ(alphas("-c 00C040 -t 8 -s 0 --type RGB --set nInverseKey=1"), (Four{255, 0, 0, 0}));
+    EXPECT_EQ(alphas("--type Alpha")[0], 0);
+    EXPECT_EQ(alphas("--set nValue=0x40C000 --set nDelta=0x080808 --set nSmoothRange=0 --type RGB"), (Four{0, 255, 255, 255}));
+}
+
+TEST(Run, EndsWithOneLineAndAStatus) {
+    const Scratch scratch;
+    const std::string green = scratch.Write("green.raw", [] {
+        Bytes b;
+        for (int i = 0; i < 16 * 16; ++i) b.insert(b.end(), {40, 190, 30, 0});
+        return b;
+    }());
+    const std::string grey = scratch.Write("grey.raw", Bytes(16 * 16 * 4, 128));
+    const std::string out = " -o " + scratch.Path("out.raw");
+    const std::string raw = " --raw RGB32:16x16";
+    const struct {
+        std::string arguments;
+        int status;
+        const char *says;
+    } cases[] = {
+        {"", kExitUsage, "zkey key INPUT"},
+        {"kay", kExitUsage, "unknown command"},
+        {"key " + green + raw, kExitUsage, "no output"},
+        {"key " + green + raw + out + " --color gren", kExitUsage, "unknown colour \"gren\""},
+        {"key " + green + raw + out + " --tolernce 4", kExitUsage, "unknown option --tolernce"},
+        {"key " + green + " --raw RGB32:0x16" + out, kExitUsage, "too small"},
+        {"key " + green + raw + " -o " + green, kExitUsage, "overwrite"},
+        {"key " + green + raw + " --matte --over checker" + out, kExitUsage, "exclude"},
+        {"key " + green + raw + out + " --prop process.threads=0", kExitUsage, "process.threads"},
+        {"key " + green + raw + " -o " + scratch.Path("x.y4m"), kExitUsage, "no alpha"},
+        {"key " + scratch.Path("missing.raw") + raw + out, kExitFailed, "cannot open"},
+        {"key " + scratch.Path("missing.y4m") + out, kExitFailed, "cannot open"},
+        {"key " + green + " --raw RGB32:16x17" + out, kExitFailed, "ends in the middle"},
+        {"key " + green + " --raw RGB32:4x4 --exact" + out, kExitFailed, "too small"},
+        {"key " + grey + raw + out, kExitFailed, "no green or blue screen"},
+        {"key " + green + raw + " -o " + scratch.Path("no/folder/out.raw"), kExitFailed, "cannot write"},
+        {"key " + scratch.Write("empty.raw", {}) + raw + out, kExitFailed, "holds no picture"},
+        {"key " + scratch.Write("text.y4m", {'h', 'i', '\n'}) + out, kExitFailed, "no YUV4MPEG2"},
+    };
+    for (const auto &c : cases) {
+        const Outcome run = RunProgram(scratch, c.arguments);
+        EXPECT_EQ(run.status, c.status) << c.arguments;
+        EXPECT_NE(run.error.find(c.says), std::string::npos) << c.arguments << "\n" << run.error;
+        if (c.arguments.empty()) continue;
+        EXPECT_EQ(std::count(run.error.begin(), run.error.end(), '\n'), 1) << run.error;
+        EXPECT_EQ(run.error.substr(0, 6), "zkey: ");
+    }
+}
+
+TEST(Run, HelpsOnRequest) {
+    const Scratch scratch;
+    EXPECT_NE(RunProgram(scratch, "--help").out.find("zkey key INPUT"), std::string::npos);
+    const Outcome help = RunProgram(scratch, "key --help");
+    EXPECT_EQ(help.status, 0);
+    for (const char *word :
+         {"--color", "--tolerance", "--softness", "--reverse", "--type", "--set", "--over", "--matte", "--alpha", "--exact",
+          "--prop", "--raw", "--quiet", "--no-audio", "--frames", "--codec", "--format", "v210"}) {
+        EXPECT_NE(help.out.find(word), std::string::npos) << word;
+    }
+    EXPECT_EQ(RunProgram(scratch, "--version").out.substr(0, 5), "zkey ");
+}
+
+}    // namespace
