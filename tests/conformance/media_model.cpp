@@ -57,12 +57,11 @@ int32_t Stacked(Z_VID_PROPS half, int32_t flags) {
 
 const std::vector<eZFCC> &AllCodes() {
     static const std::vector<eZFCC> codes = {
-        eZFCC_Default,    eZFCC_r210,       eZFCC_v210,       eZFCC_I420,         eZFCC_YV12,         eZFCC_NV12,
-        eZFCC_YUY2,       eZFCC_HDYC,       eZFCC_YVYU,       eZFCC_UYVY,         eZFCC_RGB24,        eZFCC_RGB32,
-        eZFCC_ARGB32,     eZFCC_RGB8,       eZFCC_GPU_YUV422, eZFCC_GPU_RGB444,   Fcc(0x39555659),    Fcc(0x32555949),
-        Fcc(0x32323459),  Fcc(0x34343459),  Fcc(0xE436EB7B),  Fcc(0xE436EB7C),    Fcc(0x297C55AF),    Fcc(0x6E6415E6),
-        Fcc(0xE436EB78),  Fcc(0xE436EB79),  Fcc(0xE436EB7F),  Fcc(1),             Fcc(2),             Fcc(3),
-        Fcc(0x41424344)};
+        eZFCC_Default,    eZFCC_r210,       eZFCC_v210,      eZFCC_I420,      eZFCC_YV12,      eZFCC_NV12,      eZFCC_YUY2,
+        eZFCC_HDYC,       eZFCC_YVYU,       eZFCC_UYVY,      eZFCC_RGB24,     eZFCC_RGB32,     eZFCC_ARGB32,    eZFCC_RGB8,
+        eZFCC_GPU_YUV422, eZFCC_GPU_RGB444, Fcc(0x39555659), Fcc(0x32555949), Fcc(0x32323459), Fcc(0x34343459), Fcc(0xE436EB7B),
+        Fcc(0xE436EB7C),  Fcc(0x297C55AF),  Fcc(0x6E6415E6), Fcc(0xE436EB78), Fcc(0xE436EB79), Fcc(0xE436EB7F), Fcc(1),
+        Fcc(2),           Fcc(3),           Fcc(0x41424344)};
     return codes;
 }
 
@@ -127,10 +126,13 @@ bool Packed(eZFCC fcc) {
 
 int32_t Bits(eZFCC fcc) {
     switch (static_cast<uint32_t>(fcc)) {
-        case 0x39555659: return 9;
+        case 0x39555659:
+            return 9;
         case eZFCC_I420:
-        case eZFCC_YV12: return 12;
-        case eZFCC_v210: return 20;
+        case eZFCC_YV12:
+            return 12;
+        case eZFCC_v210:
+            return 20;
         case eZFCC_NV12:
         case 0x32323459:
         case eZFCC_YUY2:
@@ -138,15 +140,20 @@ int32_t Bits(eZFCC fcc) {
         case eZFCC_YVYU:
         case eZFCC_UYVY:
         case 0xE436EB7B:
-        case 0xE436EB7C: return 16;
+        case 0xE436EB7C:
+            return 16;
         case 0x32555949:
         case 0x34343459:
-        case eZFCC_RGB24: return 24;
+        case eZFCC_RGB24:
+            return 24;
         case eZFCC_r210:
         case eZFCC_ARGB32:
-        case eZFCC_RGB32: return 32;
-        case eZFCC_RGB8: return 8;
-        default: return 0;
+        case eZFCC_RGB32:
+            return 32;
+        case eZFCC_RGB8:
+            return 8;
+        default:
+            return 0;
     }
 }
 

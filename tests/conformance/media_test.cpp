@@ -91,19 +91,46 @@ TEST(MediaValues, FrameFlagNamesAreTheirParts) {
 }
 
 TEST(MediaValues, TimecodeNamesAreTheirParts) {
-    const int64_t plain[] = {eZTCF_DropFrame, eZTCF_Rate_24,      eZTCF_Rate_25,      eZTCF_Rate_30,
-                             eZTCF_Rate_30_DF, eZTCF_Rate_50,     eZTCF_Rate_60,      eZTCF_Rate_60_DF,
-                             eZTCF_Rate_50_Even, eZTCF_Rate_60_Even, eZTCF_Rate_60_DF_Even, eZTCF_Progressive_Even_Frame,
+    const int64_t plain[] = {eZTCF_DropFrame,
+                             eZTCF_Rate_24,
+                             eZTCF_Rate_25,
+                             eZTCF_Rate_30,
+                             eZTCF_Rate_30_DF,
+                             eZTCF_Rate_50,
+                             eZTCF_Rate_60,
+                             eZTCF_Rate_60_DF,
+                             eZTCF_Rate_50_Even,
+                             eZTCF_Rate_60_Even,
+                             eZTCF_Rate_60_DF_Even,
+                             eZTCF_Progressive_Even_Frame,
                              eZTCF_Progressive_Odd_Frame};
     const int64_t value[] = {1, 16, 32, 64, 65, 288, 320, 321, 544, 576, 577, 256, 512};
-    const int64_t source[] = {eZTCF_SrcTC_DropFrame, eZTCF_SrcTC_Rate_24,      eZTCF_SrcTC_Rate_25,      eZTCF_SrcTC_Rate_30,
-                              eZTCF_SrcTC_Rate_30_DF, eZTCF_SrcTC_Rate_50,     eZTCF_SrcTC_Rate_60,      eZTCF_SrcTC_Rate_60_DF,
-                              eZTCF_SrcTC_Rate_50_Even, eZTCF_SrcTC_Rate_60_Even, eZTCF_SrcTC_Rate_60_DF_Even,
-                              eZTCF_SrcTC_Progressive_Even_Frame, eZTCF_SrcTC_Progressive_Odd_Frame};
-    const int64_t user[] = {eZTCF_UserTC_DropFrame, eZTCF_UserTC_Rate_24,      eZTCF_UserTC_Rate_25,      eZTCF_UserTC_Rate_30,
-                            eZTCF_UserTC_Rate_30_DF, eZTCF_UserTC_Rate_50,     eZTCF_UserTC_Rate_60,      eZTCF_UserTC_Rate_60_DF,
-                            eZTCF_UserTC_Rate_50_Even, eZTCF_UserTC_Rate_60_Even, eZTCF_UserTC_Rate_60_DF_Even,
-                            eZTCF_UserTC_Progressive_Even_Frame, eZTCF_UserTC_Progressive_Odd_Frame};
+    const int64_t source[] = {eZTCF_SrcTC_DropFrame,
+                              eZTCF_SrcTC_Rate_24,
+                              eZTCF_SrcTC_Rate_25,
+                              eZTCF_SrcTC_Rate_30,
+                              eZTCF_SrcTC_Rate_30_DF,
+                              eZTCF_SrcTC_Rate_50,
+                              eZTCF_SrcTC_Rate_60,
+                              eZTCF_SrcTC_Rate_60_DF,
+                              eZTCF_SrcTC_Rate_50_Even,
+                              eZTCF_SrcTC_Rate_60_Even,
+                              eZTCF_SrcTC_Rate_60_DF_Even,
+                              eZTCF_SrcTC_Progressive_Even_Frame,
+                              eZTCF_SrcTC_Progressive_Odd_Frame};
+    const int64_t user[] = {eZTCF_UserTC_DropFrame,
+                            eZTCF_UserTC_Rate_24,
+                            eZTCF_UserTC_Rate_25,
+                            eZTCF_UserTC_Rate_30,
+                            eZTCF_UserTC_Rate_30_DF,
+                            eZTCF_UserTC_Rate_50,
+                            eZTCF_UserTC_Rate_60,
+                            eZTCF_UserTC_Rate_60_DF,
+                            eZTCF_UserTC_Rate_50_Even,
+                            eZTCF_UserTC_Rate_60_Even,
+                            eZTCF_UserTC_Rate_60_DF_Even,
+                            eZTCF_UserTC_Progressive_Even_Frame,
+                            eZTCF_UserTC_Progressive_Odd_Frame};
     for (size_t i = 0; i < std::size(plain); ++i) {
         EXPECT_EQ(plain[i], value[i]) << i;
         EXPECT_EQ(source[i], value[i] | 4096) << i;
@@ -144,21 +171,15 @@ TEST(PixelFormats, TableOfBitmapDescriptions) {
         int32_t bits, divX, divY, o0, o1, o2, s0, s1, s2;
         bool planar, tag;
     };
-    const Row rows[15] = {{eZFCC_YUY2, 16, 2, 1, 0, 1, 3, 2, 4, 4, false, true},
-                          {eZFCC_UYVY, 16, 2, 1, 1, 0, 2, 2, 4, 4, false, true},
-                          {eZFCC_YV12, 12, 2, 2, 0, 0, 0, 1, 1, 1, true, true},
-                          {eZFCC_YVYU, 16, 2, 1, 0, 3, 1, 2, 4, 4, false, true},
-                          {eZFCC_I420, 12, 2, 2, 0, 0, 0, 1, 1, 1, true, true},
-                          {0x32555949, 24, 1, 1, 2, 1, 0, 3, 3, 3, false, true},
-                          {eZFCC_RGB32, 32, 1, 1, 2, 1, 0, 4, 4, 4, false, false},
-                          {eZFCC_ARGB32, 32, 1, 1, 2, 1, 0, 4, 4, 4, false, false},
-                          {eZFCC_RGB24, 24, 1, 1, 2, 1, 0, 3, 3, 3, false, false},
-                          {0xE436EB7B, 16, 1, 1, 1, 0, 0, 2, 2, 2, false, false},
-                          {0xE436EB7C, 16, 1, 1, 1, 0, 0, 2, 2, 2, false, false},
-                          {eZFCC_HDYC, 16, 2, 1, 1, 0, 2, 2, 4, 4, false, true},
-                          {eZFCC_v210, 20, 2, 1, 1, 0, 2, 2, 4, 4, false, true},
-                          {eZFCC_r210, 32, 1, 1, 0, 1, 2, 4, 4, 4, false, false},
-                          {eZFCC_NV12, 12, 2, 2, 0, 0, 0, 1, 1, 1, true, true}};
+    const Row rows[15] = {
+        {eZFCC_YUY2, 16, 2, 1, 0, 1, 3, 2, 4, 4, false, true},   {eZFCC_UYVY, 16, 2, 1, 1, 0, 2, 2, 4, 4, false, true},
+        {eZFCC_YV12, 12, 2, 2, 0, 0, 0, 1, 1, 1, true, true},    {eZFCC_YVYU, 16, 2, 1, 0, 3, 1, 2, 4, 4, false, true},
+        {eZFCC_I420, 12, 2, 2, 0, 0, 0, 1, 1, 1, true, true},    {0x32555949, 24, 1, 1, 2, 1, 0, 3, 3, 3, false, true},
+        {eZFCC_RGB32, 32, 1, 1, 2, 1, 0, 4, 4, 4, false, false}, {eZFCC_ARGB32, 32, 1, 1, 2, 1, 0, 4, 4, 4, false, false},
+        {eZFCC_RGB24, 24, 1, 1, 2, 1, 0, 3, 3, 3, false, false}, {0xE436EB7B, 16, 1, 1, 1, 0, 0, 2, 2, 2, false, false},
+        {0xE436EB7C, 16, 1, 1, 1, 0, 0, 2, 2, 2, false, false},  {eZFCC_HDYC, 16, 2, 1, 1, 0, 2, 2, 4, 4, false, true},
+        {eZFCC_v210, 20, 2, 1, 1, 0, 2, 2, 4, 4, false, true},   {eZFCC_r210, 32, 1, 1, 0, 1, 2, 4, 4, 4, false, false},
+        {eZFCC_NV12, 12, 2, 2, 0, 0, 0, 1, 1, 1, true, true}};
     ASSERT_EQ(zck::kPixelFormatRows, 15);
     for (int i = 0; i < 15; ++i) {
         const zck::PixelFormatRow &row = zck::PixelFormatTable()[i];
@@ -270,11 +291,11 @@ TEST(FormatProbe, WorkedCases) {
 
 TEST(FormatProbe, WholeTableOfSizesRatesAndScans) {
     const int32_t widths[] = {719, 720, 1279, 1280, 1440, 1920, 2048, 2560, 3839, 3840, 4096, 7680, 8192};
-    const int32_t heights[] = {479,  480,  486,  519,  520,  575,  576,  608,   615,   616,   719,  720,  750,  751,
-                               1079, 1080, 1088, 1125, 1126, 1439, 1440, 1500,  1502,  2159,  2160, 2250, 2252, 4320,
-                               -480, -576, -720, -1080, -1125, -2160, -4320, 0, 1, INT32_MIN, INT32_MAX};
-    const double rates[] = {0, 23.976023976023978, 24, 24.0099, 24.01, 25, 25.0100001, 29.970029970029973, 30, 50,
-                            59.940059940059946, 60, 24.985};
+    const int32_t heights[] = {479,  480,  486,  519,  520,  575,   576,   608,   615,   616,  719,  720,       750,
+                               751,  1079, 1080, 1088, 1125, 1126,  1439,  1440,  1500,  1502, 2159, 2160,      2250,
+                               2252, 4320, -480, -576, -720, -1080, -1125, -2160, -4320, 0,    1,    INT32_MIN, INT32_MAX};
+    const double rates[] = {0,  23.976023976023978, 24, 24.0099, 24.01, 25, 25.0100001, 29.970029970029973, 30,
+                            50, 59.940059940059946, 60, 24.985};
     for (const int32_t w : widths)
         for (const int32_t h : heights)
             for (const double rate : rates)
@@ -346,16 +367,18 @@ TEST(VideoUpdate, RandomRecordsAgreeWithTheModel) {
     const uint32_t seed = 20240;
     std::mt19937 random(seed);
     const auto pick = [&](auto list) { return *(list.begin() + static_cast<ptrdiff_t>(random() % list.size())); };
-    const int32_t formats[] = {0, 0, 0, 1, 2, 3, 4, 5, 6, 9, 10, 14, 15, 16, 17, 20, 23, 26, 28, 31, 33, 34, 35, 518, 526, 531,
+    const int32_t formats[] = {0,    0,    0,    1,    2,    3,    4,        5,   6,         9,     10,  14,  15,
+                               16,   17,   20,   23,   26,   28,   31,       33,  34,        35,    518, 526, 531,
                                1030, 1038, 4614, 4622, 5126, 5134, 34 | 512, 200, 4096 + 14, 0x200, -1};
     for (int i = 0; i < 100000; ++i) {
         Z_VID_PROPS p = {};
         p.eVideoFormat = Format(formats[random() % std::size(formats)]);
         p.fccType = AllCodes()[random() % AllCodes().size()];
         p.nWidth = pick(std::initializer_list<int32_t>{0, 0, -3, 1, 720, 1280, 1920, 1920, 2048, 3840, 4096, 100, INT32_MAX});
-        p.nHeight = pick(std::initializer_list<int32_t>{0, 0, 1, -1, 2, -2, 486, 576, -576, 720, 1080, -1080, 1088, 1556, 2160,
-                                                        -2160, 626, 625, -626, INT32_MIN});
-        p.nRowBytes = pick(std::initializer_list<int32_t>{0, 0, 0, -5, 1, 1440, 2880, 3840, 7680, 7681, 15360, 5120, INT32_MAX});
+        p.nHeight = pick(std::initializer_list<int32_t>{0,    0,     1,    -1,   2,    -2,    486, 576, -576, 720,
+                                                        1080, -1080, 1088, 1556, 2160, -2160, 626, 625, -626, INT32_MIN});
+        p.nRowBytes =
+            pick(std::initializer_list<int32_t>{0, 0, 0, -5, 1, 1440, 2880, 3840, 7680, 7681, 15360, 5120, INT32_MAX});
         p.eInterlace = static_cast<eZInterlace>(pick(std::initializer_list<int32_t>{0, 0, 1, 2, 3, 4, 5, 256, 512}));
         p.nAspectX = static_cast<int16_t>(pick(std::initializer_list<int32_t>{0, 0, 4, 16, -1, 239}));
         p.nAspectY = static_cast<int16_t>(pick(std::initializer_list<int32_t>{0, 0, 3, 9, -1, 100}));

@@ -134,9 +134,8 @@ uint32_t Header(const IPCBuffer &b) {
 }
 
 TEST(Sections, SizesRoundUpWithTheHeader) {
-    const std::pair<uint32_t, uint32_t> sizes[] = {{1, 512},       {480, 512},   {481, 1024},
-                                                   {992, 1024},    {993, 1536},  {4096 - 32, 4096},
-                                                   {622080, (622080 + 543) & ~511U}};
+    const std::pair<uint32_t, uint32_t> sizes[] = {
+        {1, 512}, {480, 512}, {481, 1024}, {992, 1024}, {993, 1536}, {4096 - 32, 4096}, {622080, (622080 + 543) & ~511U}};
     for (const auto &[wanted, total] : sizes) {
         IPCBuffer b;
         EXPECT_EQ(b.DataSize(0), 0U);
