@@ -15,7 +15,7 @@ constexpr NamedColor kNamedColors[] = {
     {"olive", 0x008080},  {"orange", 0x00A5FF}, {"lime", 0x00FF00},    {"yellow", 0x00FFFF},    {"brown", 0x13458B},
     {"navy", 0x800000},   {"purple", 0x800080}, {"teal", 0x808000},    {"grey", 0x808080},      {"pink", 0x8080FF},
     {"silver", 0xC0C0C0}, {"blue", 0xFF0000},   {"magenta", 0xFF00FF}, {"aqua", 0xFFFF00},      {"cyan", 0xFFFF00},
-    {"white", 0xFFFFFF},
+    {"white", 0xFFFFFF},  {"orvane", 0x8A5406}, {"ov", 0x8A5406},      {"ovl", 0xB29000},       {"ovlight", 0xB29000},
 };
 
 bool EqualsLiteral(TextView text, const char *lower) {
