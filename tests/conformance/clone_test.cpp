@@ -242,6 +242,7 @@ TEST_F(Clones, ConvertedInEveryCell) {
                     ASSERT_EQ(ConvertModel(Video(source).bytes(), pixels, p, want).hr, S_OK);
                     for (const int32_t type : {0, 2, 785})
                         for (int road = 0; road < 2; ++road) {
+                            if (road == 1 && from == to && (type & 1) == 0) continue;    // never looks at the row order
                             const ComPtr<IZFrame> clone =
                                 road == 0 ? Clone(source, type, to) : QueryFor<IZFrame>(WideClone(source, type, to).get());
                             ASSERT_TRUE(clone);

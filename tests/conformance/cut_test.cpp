@@ -101,8 +101,9 @@ protected:
         ASSERT_EQ(Words(Props(cut).vidProps), Words(want.props)) << text;
         int32_t offset = -1;
         ASSERT_EQ(QueryFor<IZFrame_I>(cut.get())->FrameVideoOffsetGet(&offset), S_OK);
-        ASSERT_EQ(offset, want.offset) << text;
         const Seen own = Video(frame), seen = Video(cut);
+        // Without pixels there is nothing to be at an offset of.
+        ASSERT_EQ(offset, own.size > 0 ? std::min<int64_t>(want.offset, INT32_MAX) : 0) << text;
         const int64_t left = std::max<int64_t>(0, own.size - want.offset);
         ASSERT_EQ(seen.size, left) << text;
         ASSERT_EQ(seen.address, left > 0 ? own.address + want.offset : 0) << text;

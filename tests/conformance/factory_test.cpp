@@ -149,7 +149,10 @@ TEST_F(Frames, FromPropsFillsWithAColour) {
                           {"solid_color=abc", 0},
                           {"solid_color=#FF0000", 0},
                           {"solid_color='Red(0.5)'", 0x000000FF},
-                          {"solid_color=orvane-light", 0xFF8A5406}};
+                          {"solid_color=orvane-light", 0xFF8A5406},
+                          {"solid_color=OV", 0xFF8A5406},
+                          {"solid_color=ovl", 0xFFB29000},
+                          {"solid_color=OvLight", 0xFFB29000}};
     for (const Case &c : cases)
         for (const eZFCC fcc :
              {eZFCC_ARGB32, eZFCC_RGB32, eZFCC_RGB24, eZFCC_UYVY, eZFCC_HDYC, eZFCC_YUY2, eZFCC_v210, eZFCC_YVYU, eZFCC_RGB8}) {
@@ -231,7 +234,7 @@ TEST_F(Frames, BuffersComeFromThePool) {
     EXPECT_EQ(m_factory->BufferGet(-1, &b), E_INVALIDARG);
     EXPECT_EQ(m_factory->BufferGet(100, nullptr), E_INVALIDARG);
     EXPECT_EQ(m_factory->BufferReturn(nullptr), E_INVALIDARG);
-    ASSERT_EQ(m_factory->BufferGet(100, &b), S_OK);
+    ASSERT_EQ(m_factory->BufferGet(400, &b), S_OK);
     EXPECT_EQ(b->DataSize(0), 480U);
     const uint64_t id = b->BufferId();
     EXPECT_EQ(m_factory->BufferReturn(b), S_OK);
@@ -239,7 +242,7 @@ TEST_F(Frames, BuffersComeFromThePool) {
     std::vector<zck::IPCBuffer *> all(3);
     bool found = false;
     for (auto &one : all) {
-        ASSERT_EQ(m_factory->BufferGet(100, &one), S_OK);
+        ASSERT_EQ(m_factory->BufferGet(400, &one), S_OK);
         found = found || one->BufferId() == id;
     }
     EXPECT_TRUE(found);
