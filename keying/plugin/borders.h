@@ -20,7 +20,8 @@ struct Borders {
 };
 
 /// Reads one to four integers, separated by any run of blank, tab, CR, LF, ";" and ",": all sides; left and right, top and
-/// bottom; left, top and bottom, right; or each side. What follows the fourth is ignored. Nothing for a text without an item.
+/// bottom; left and right, top, bottom; or left, top, right, bottom. What follows the fourth is ignored. Nothing for a text
+/// without an item.
 std::optional<Borders> BordersFromText(TextView text);
 
 /// The rectangle inside the borders. Its left edge is rounded up and its right edge down to a multiple of 8, so that the
