@@ -1,61 +1,15 @@
 // The keyer as a host sees it: frames in and out in both modes, borders, statuses, properties, the private entry.
-#include <atomic>
 #include <cstdlib>
 #include <cstring>
-#include <functional>
 
 #include "keying/plugin/chroma_key.h"
+#include "tests/conformance/foreign_frame.h"
 #include "tests/conformance/frame_fixture.h"
 
 namespace conformance {
 namespace {
 
 constexpr HRESULT kWrongState = static_cast<HRESULT>(0x80040227);
-
-// A frame that another program made: it forwards to a real one, and answers only the interfaces that it is told to.
-class ForeignFrame : public IZFrame {
-public:
-    ForeignFrame(ComPtr<IZFrame> inner, bool isFrame) : m_inner(std::move(inner)), m_isFrame(isFrame) {}
-    HRESULT Z_STDCALL QueryInterface(REFIID riid, void **ppv) override {
-        *ppv = nullptr;
-        if (riid != ZIidOf<IUnknown>() && !(m_isFrame && riid == ZIidOf<IZFrame>())) return E_NOINTERFACE;
-        *ppv = static_cast<IZFrame *>(this);
-        AddRef();
-        return S_OK;
-    }
-    ULONG Z_STDCALL AddRef() override { return ++m_refs; }
-    ULONG Z_STDCALL Release() override { return --m_refs; }
-    HRESULT Z_STDCALL FrameAVPropsGet(Z_AV_PROPS *p) override { return m_inner->FrameAVPropsGet(p); }
-    HRESULT Z_STDCALL FrameAVPropsSet(Z_AV_PROPS *p) override { return m_inner->FrameAVPropsSet(p); }
-    HRESULT Z_STDCALL FrameTimeGet(Z_TIME *p) override { return m_inner->FrameTimeGet(p); }
-    HRESULT Z_STDCALL FrameTimeSet(Z_TIME *p) override { return m_inner->FrameTimeSet(p); }
-    HRESULT Z_STDCALL FrameAudioGetBytes(int32_t *cb, int64_t *p) override { return m_inner->FrameAudioGetBytes(cb, p); }
-    HRESULT Z_STDCALL FrameVideoGetBytes(int32_t *cb, int64_t *p) override { return m_inner->FrameVideoGetBytes(cb, p); }
-    HRESULT Z_STDCALL FrameVideoGetHbitmap(int64_t *p) override { return m_inner->FrameVideoGetHbitmap(p); }
-    HRESULT Z_STDCALL FrameVideoSaveToFile(BSTR s) override { return m_inner->FrameVideoSaveToFile(s); }
-    HRESULT Z_STDCALL FrameAudioSaveToFile(BSTR s, int32_t a) override { return m_inner->FrameAudioSaveToFile(s, a); }
-    HRESULT Z_STDCALL FrameDataGetByIndex(int32_t i, int32_t *f, int32_t *cb, int64_t *p) override {
-        return m_inner->FrameDataGetByIndex(i, f, cb, p);
-    }
-    HRESULT Z_STDCALL FrameDataGet(int32_t f, int32_t *cb, int64_t *p) override { return m_inner->FrameDataGet(f, cb, p); }
-    HRESULT Z_STDCALL FrameDataSet(int32_t f, int32_t cb, int64_t p) override { return m_inner->FrameDataSet(f, cb, p); }
-    HRESULT Z_STDCALL FrameClone(IZFrame **out, eZFrameClone type, eZFCC fcc) override {
-        return m_clone ? m_clone(out, type, fcc) : m_inner->FrameClone(out, type, fcc);
-    }
-    HRESULT Z_STDCALL FrameCut(int32_t f, tagRECT *r, IZFrame **out) override { return m_inner->FrameCut(f, r, out); }
-    HRESULT Z_STDCALL FrameConvert(Z_VID_PROPS *p, IZFrame **out, BSTR s) override { return m_inner->FrameConvert(p, out, s); }
-    HRESULT Z_STDCALL FrameOverlay(IZFrame *o, int32_t x, int32_t y, double a, BSTR s) override {
-        return m_inner->FrameOverlay(o, x, y, a, s);
-    }
-    HRESULT Z_STDCALL FrameRelease() override { return m_inner->FrameRelease(); }
-
-    std::function<HRESULT(IZFrame **, eZFrameClone, eZFCC)> m_clone;
-    std::atomic<ULONG> m_refs{1};
-
-private:
-    ComPtr<IZFrame> m_inner;
-    bool m_isFrame;
-};
 
 class Keyer : public Frames {
 protected:
@@ -357,7 +311,7 @@ TEST_F(Keyer, PremultipliedColourLeaves) {
 }
 
 TEST_F(Keyer, FramesThatAreNone) {
-    ForeignFrame none(Flat(8, 4, 10), false);
+    ForeignFrame none(Flat(8, 4, 10), Answers::Nothing);
     ComPtr<IZFrame> out;
     for (const char *thread : {"true", "false"}) {
         Set("output.thread", thread);
@@ -368,7 +322,7 @@ TEST_F(Keyer, FramesThatAreNone) {
 
 TEST_F(Keyer, ForeignFramesAreClonedByThemselves) {
     const ComPtr<IZFrame> real = Flat(16, 8, 10);
-    ForeignFrame foreign(real, true);
+    ForeignFrame foreign(real, Answers::Frame);
     SetKey(eCKT_RGB);
     Synchronous();
     ComPtr<IZFrame> out;
@@ -388,7 +342,7 @@ TEST_F(Keyer, ForeignFramesAreClonedByThemselves) {
     foreign.m_clone = [](IZFrame **, eZFrameClone, eZFCC) { return static_cast<HRESULT>(0x80040248); };
     EXPECT_EQ(m_plugin->OnMediaReceive(0, nullptr, &foreign, out.Put()), static_cast<HRESULT>(0x80040248));
     // A clone that is no frame of this family.
-    ForeignFrame clone(real, true);
+    ForeignFrame clone(real, Answers::Frame);
     foreign.m_clone = [&](IZFrame **o, eZFrameClone, eZFCC) {
         clone.AddRef();
         *o = &clone;
@@ -421,7 +375,7 @@ TEST_F(Keyer, ThePrivateEntry) {
     SetKey(eCKT_None);
     EXPECT_EQ(m_process->FrameProcess(frame.get(), out.Put(), nullptr), E_INVALIDARG);
     EXPECT_EQ(m_process->FrameProcess(PlainObject().get(), out.Put(), nullptr), E_NOINTERFACE);
-    ForeignFrame foreign(frame, true);    // a frame, but not of this family
+    ForeignFrame foreign(frame, Answers::Frame);    // a frame, but not of this family
     EXPECT_EQ(m_process->FrameProcess(&foreign, out.Put(), nullptr), E_NOINTERFACE);
     Set("output.thread", "true");
     EXPECT_EQ(m_process->FrameProcess(frame.get(), out.Put(), nullptr), S_OK);    // the frame keyed before
