@@ -17,6 +17,7 @@ void PrimitiveKernelsInitAvx2(PrimitiveKernels *table) {
     PrimitivePixelsInitAvx2(table);
     PrimitiveArithmeticInitAvx2(table);
     PrimitiveConvertInitAvx2(table);
+    PrimitivePlanesInitAvx2(table);
 }
 
 const PrimitiveKernels &PrimitiveKernelsGet() {

@@ -60,6 +60,24 @@ struct PrimitiveKernels {
     void (*yuy2_to_uyvy)(uint8_t *dst, const uint8_t *src, int32_t width);
     /// yuy2 to yvyu and back: Cb and Cr change places. `dst` may be `src`.
     void (*swap_chroma)(uint8_t *dst, const uint8_t *src, int32_t width);
+
+    /// 4:2:2 to rows of one component each and back; chroma rows have (width + 1) / 2 samples.
+    void (*split_uyvy)(uint8_t *y, uint8_t *cb, uint8_t *cr, const uint8_t *src, int32_t width);
+    void (*split_yuy2)(uint8_t *y, uint8_t *cb, uint8_t *cr, const uint8_t *src, int32_t width);
+    void (*join_uyvy)(uint8_t *dst, const uint8_t *y, const uint8_t *cb, const uint8_t *cr, int32_t width);
+    void (*join_yuy2)(uint8_t *dst, const uint8_t *y, const uint8_t *cb, const uint8_t *cr, int32_t width);
+    /// `count` pairs of bytes to two rows and back: the joined chroma of NV12.
+    void (*split_pairs)(uint8_t *first, uint8_t *second, const uint8_t *src, int32_t count);
+    void (*join_pairs)(uint8_t *dst, const uint8_t *first, const uint8_t *second, int32_t count);
+    /// (a + b + 1) / 2 of each byte. `dst` may be a source.
+    void (*mean)(uint8_t *dst, const uint8_t *a, const uint8_t *b, int32_t count);
+    /// BT.601 as above from a row of luma and a row of each chroma with (width + 1) / 2 samples, or of pairs Cb Cr.
+    void (*planes_to_bgra)(uint8_t *dst, const uint8_t *y, const uint8_t *cb, const uint8_t *cr, int32_t width, uint8_t alpha);
+    void (*nv12_to_bgra)(uint8_t *dst, const uint8_t *y, const uint8_t *cbcr, int32_t width, uint8_t alpha);
+    /// Two rows of bgra to two rows of luma and one of each chroma, of the exact mean of the four pixels. The last pixels of
+    /// odd rows stand for their pairs. A row without partner is given as both, and `y1` is `y0` then.
+    void (*bgra_to_420)(uint8_t *y0, uint8_t *y1, uint8_t *cb, uint8_t *cr, const uint8_t *src0, const uint8_t *src1,
+                        int32_t width);
 };
 
 /// The table for the processor's level as it is now (see `KernelLevelLimit`).
@@ -69,10 +87,14 @@ const PrimitiveKernels &PrimitiveKernelsGet();
 void PrimitiveKernelsInitRef(PrimitiveKernels *table);
 void PrimitiveKernelsInitAvx2(PrimitiveKernels *table);
 
+/// The entries for planes, a part of `PrimitiveKernelsInitRef`.
+void PrimitivePlanesInitRef(PrimitiveKernels *table);
+
 /// What `PrimitiveKernelsInitAvx2` is made of, one for each file.
 void PrimitivePixelsInitAvx2(PrimitiveKernels *table);
 void PrimitiveArithmeticInitAvx2(PrimitiveKernels *table);
 void PrimitiveConvertInitAvx2(PrimitiveKernels *table);
+void PrimitivePlanesInitAvx2(PrimitiveKernels *table);
 
 /// A product or sum of two bytes over 2 to the `scale`, as the arithmetic entries round it.
 uint8_t PrimitiveScaled(int32_t v, int32_t scale);

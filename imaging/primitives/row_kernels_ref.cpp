@@ -172,6 +172,7 @@ void PrimitiveKernelsInitRef(PrimitiveKernels *table) {
     table->uyvy_to_yuy2 = UyvyToYuy2;
     table->yuy2_to_uyvy = Yuy2ToUyvy;
     table->swap_chroma = SwapChroma;
+    PrimitivePlanesInitRef(table);
 }
 
 }    // namespace zck

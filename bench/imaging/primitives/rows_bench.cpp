@@ -37,8 +37,12 @@ void Run(benchmark::State &state, const K &table, const RowCall &row) {
     state.counters["px"] = Counter(double{kWidth} * kHeight, Counter::kIsIterationInvariantRate | Counter::kInvert);
 }
 
+constexpr int32_t kHalf = kWidth / 2;
+
 const uint8_t kValue[12] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
 const uint8_t kOrder[4] = {2, 1, 0, 3};
+
+uint8_t g_row[4 * kWidth];
 
 const std::pair<const char *, RowCall> kRows[] = {
     {"copy32", [](const K &, uint8_t *d, const uint8_t *s) { std::memcpy(d, s, 4 * kWidth); }},
@@ -66,6 +70,21 @@ const std::pair<const char *, RowCall> kRows[] = {
     {"uyvy_to_yuy2", [](const K &k, uint8_t *d, const uint8_t *s) { k.uyvy_to_yuy2(d, s, kWidth); }},
     {"yuy2_to_uyvy", [](const K &k, uint8_t *d, const uint8_t *s) { k.yuy2_to_uyvy(d, s, kWidth); }},
     {"swap_chroma", [](const K &k, uint8_t *d, const uint8_t *s) { k.swap_chroma(d, s, kWidth); }},
+    {"split_uyvy",
+     [](const K &k, uint8_t *d, const uint8_t *s) { k.split_uyvy(d, d + kWidth, d + kWidth + kHalf, s, kWidth); }},
+    {"join_uyvy", [](const K &k, uint8_t *d, const uint8_t *s) { k.join_uyvy(d, s, s + kWidth, s + kWidth + kHalf, kWidth); }},
+    {"split_pairs", [](const K &k, uint8_t *d, const uint8_t *s) { k.split_pairs(d, d + kWidth, s, kWidth); }},
+    {"join_pairs", [](const K &k, uint8_t *d, const uint8_t *s) { k.join_pairs(d, s, s + kWidth, kWidth); }},
+    {"mean", [](const K &k, uint8_t *d, const uint8_t *s) { k.mean(d, s, s + kWidth, kWidth); }},
+    {"planes_to_bgra",
+     [](const K &k, uint8_t *d, const uint8_t *s) { k.planes_to_bgra(d, s, s + kWidth, s + kWidth + kHalf, kWidth, 255); }},
+    {"nv12_to_bgra", [](const K &k, uint8_t *d, const uint8_t *s) { k.nv12_to_bgra(d, s, s + kWidth, kWidth, 255); }},
+    // Half as wide, as it takes two rows.
+    {"bgra_to_420",
+     [](const K &k, uint8_t *d,
+        const uint8_t *s) { k.bgra_to_420(d, d + kHalf, d + kWidth, d + kWidth + kHalf, s, s + 4 * kHalf, kHalf); }},
+    // As a fused walk meets it: the target stays in the first-level cache.
+    {"uyvy_to_bgra_cached", [](const K &k, uint8_t *, const uint8_t *s) { k.uyvy_to_bgra(g_row, s, kWidth, 255); }},
 };
 
 void Register() {

@@ -69,23 +69,31 @@ TEST(Bt601, EveryTripleGoesUpExactly) {
     std::vector<uint8_t> yuy2(256 * 2);
     std::vector<uint8_t> fromUyvy(256 * 4);
     std::vector<uint8_t> fromYuy2(256 * 4);
+    std::vector<uint8_t> luma(256), cbs(128), crs(128), pairs(256);
     for (const PrimitiveKernels &k : Levels())
         for (int32_t cbcr = 0; cbcr < 65536; ++cbcr) {
             const int32_t cb = cbcr >> 8, cr = cbcr & 255;
             for (size_t x = 0; x < 256; ++x) {
                 uyvy[2 * x] = yuy2[2 * x + 1] = static_cast<uint8_t>(x % 2 == 0 ? cb : cr);
-                uyvy[2 * x + 1] = yuy2[2 * x] = static_cast<uint8_t>(x);
+                uyvy[2 * x + 1] = yuy2[2 * x] = luma[x] = static_cast<uint8_t>(x);
+                cbs[x / 2] = static_cast<uint8_t>(cb);
+                crs[x / 2] = static_cast<uint8_t>(cr);
+                pairs[x] = static_cast<uint8_t>(x % 2 == 0 ? cb : cr);
             }
             k.uyvy_to_bgra(fromUyvy.data(), uyvy.data(), 256, 200);
             k.yuy2_to_bgra(fromYuy2.data(), yuy2.data(), 256, 200);
             ASSERT_EQ(fromUyvy, fromYuy2);
+            k.planes_to_bgra(fromYuy2.data(), luma.data(), cbs.data(), crs.data(), 256, 200);
+            ASSERT_EQ(fromUyvy, fromYuy2);
+            k.nv12_to_bgra(fromYuy2.data(), luma.data(), pairs.data(), 256, 200);
+            ASSERT_EQ(fromUyvy, fromYuy2);
             int32_t wrong = 0;
             for (int32_t y = 0; y < 256; ++y) {
                 const uint8_t *p = &fromUyvy[4 * static_cast<size_t>(y)];
-                const int64_t luma = 1164 * (y - 16);
-                wrong += p[0] != Nearest(luma + 2017 * (cb - 128), 1000);
-                wrong += p[1] != Nearest(luma - 813 * (cr - 128) - 392 * (cb - 128), 1000);
-                wrong += p[2] != Nearest(luma + 1596 * (cr - 128), 1000);
+                const int64_t scaled = 1164 * (y - 16);
+                wrong += p[0] != Nearest(scaled + 2017 * (cb - 128), 1000);
+                wrong += p[1] != Nearest(scaled - 813 * (cr - 128) - 392 * (cb - 128), 1000);
+                wrong += p[2] != Nearest(scaled + 1596 * (cr - 128), 1000);
                 wrong += p[3] != 200;
             }
             ASSERT_EQ(wrong, 0) << "Cb " << cb << " Cr " << cr;
@@ -123,6 +131,50 @@ TEST(Bt601, ChromaIsThatOfTheUnroundedMean) {
             }
         }
     EXPECT_GT(ties, 0);
+}
+
+TEST(Bt601, ChromaOfFourIsThatOfTheUnroundedMean) {
+    std::mt19937 random(32);
+    int32_t otherwise = 0;
+    for (const PrimitiveKernels &k : Levels())
+        for (int32_t round = 0; round < 40000; ++round) {
+            uint8_t px[128];
+            for (uint8_t &b : px) b = static_cast<uint8_t>(random() >> 8);
+            uint8_t y0[16], y1[16], cb[8], cr[8];
+            k.bgra_to_420(y0, y1, cb, cr, px, px + 64, 16);
+            uint8_t rows[2][32];
+            for (int32_t row = 0; row < 2; ++row) k.bgra_to_uyvy(rows[row], px + 64 * row, 16);
+            for (int32_t i = 0; i < 16; ++i) {
+                ASSERT_EQ(y0[i], rows[0][2 * i + 1]);
+                ASSERT_EQ(y1[i], rows[1][2 * i + 1]);
+            }
+            for (int32_t i = 0; i < 8; ++i) {
+                const uint8_t *p = px + 8 * i;
+                const uint8_t *q = p + 64;
+                const int32_t b = p[0] + p[4] + q[0] + q[4], g = p[1] + p[5] + q[1] + q[5], r = p[2] + p[6] + q[2] + q[6];
+                ASSERT_EQ(cb[i], Nearest(-148 * r - 291 * g + 439 * b + 512000, 4000));
+                ASSERT_EQ(cr[i], Nearest(439 * r - 368 * g - 71 * b + 512000, 4000));
+                otherwise += cb[i] != (rows[0][4 * i] + rows[1][4 * i] + 1) / 2;
+            }
+        }
+    // The mean of two rounded rows would be another conversion.
+    EXPECT_GT(otherwise, 0);
+}
+
+TEST(Bt601, ExtremesOfFour) {
+    for (const PrimitiveKernels &k : Levels())
+        for (int32_t colour = 0; colour < 8; ++colour) {
+            uint8_t px[64];
+            for (size_t i = 0; i < 64; ++i) px[i] = (colour >> (i % 4)) % 2 != 0 ? 255 : 0;
+            uint8_t y0[16], y1[16], cb[8], cr[8], uyvy[32];
+            k.bgra_to_420(y0, y1, cb, cr, px, px, 16);
+            k.bgra_to_uyvy(uyvy, px, 16);
+            for (int32_t i = 0; i < 8; ++i) {
+                ASSERT_EQ(cb[i], uyvy[4 * i]);
+                ASSERT_EQ(cr[i], uyvy[4 * i + 2]);
+                ASSERT_EQ(y1[2 * i], uyvy[4 * i + 1]);
+            }
+        }
 }
 
 TEST(Bt601, OddWidths) {

@@ -54,7 +54,17 @@ TEST_F(Rows, EveryEntryHasTwoDifferentFunctions) {
     EXPECT_NE(ref.uyvy_to_yuy2, vec.uyvy_to_yuy2);
     EXPECT_NE(ref.yuy2_to_uyvy, vec.yuy2_to_uyvy);
     EXPECT_NE(ref.swap_chroma, vec.swap_chroma);
-    static_assert(sizeof(K) == 24 * sizeof(void *), "every entry is compared here");
+    EXPECT_NE(ref.split_uyvy, vec.split_uyvy);
+    EXPECT_NE(ref.split_yuy2, vec.split_yuy2);
+    EXPECT_NE(ref.join_uyvy, vec.join_uyvy);
+    EXPECT_NE(ref.join_yuy2, vec.join_yuy2);
+    EXPECT_NE(ref.split_pairs, vec.split_pairs);
+    EXPECT_NE(ref.join_pairs, vec.join_pairs);
+    EXPECT_NE(ref.mean, vec.mean);
+    EXPECT_NE(ref.planes_to_bgra, vec.planes_to_bgra);
+    EXPECT_NE(ref.nv12_to_bgra, vec.nv12_to_bgra);
+    EXPECT_NE(ref.bgra_to_420, vec.bgra_to_420);
+    static_assert(sizeof(K) == 34 * sizeof(void *), "every entry is compared here");
 }
 
 // Before anything else: a limit at the first call must not stay.
@@ -144,6 +154,44 @@ TEST_F(Rows, Conversions) {
                 [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.yuy2_to_uyvy(d, s, n); });
     CheckKernel("swap_chroma", ref, vec, {Groups, Groups, 68, true},
                 [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.swap_chroma(d, s, n); });
+}
+
+int64_t Half(int32_t width) { return (int64_t{width} + 1) / 2; }
+// A row of luma and two of chroma, one behind the other.
+int64_t Planes(int32_t width) { return width + 2 * Half(width); }
+
+TEST_F(Rows, Planes) {
+    CheckKernel("split_uyvy", ref, vec, {Groups, Planes, 132},
+                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.split_uyvy(d, d + n, d + n + Half(n), s, n); });
+    CheckKernel("split_yuy2", ref, vec, {Groups, Planes, 132},
+                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.split_yuy2(d, d + n, d + n + Half(n), s, n); });
+    CheckKernel("join_uyvy", ref, vec, {Planes, Groups, 132},
+                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.join_uyvy(d, s, s + n, s + n + Half(n), n); });
+    CheckKernel("join_yuy2", ref, vec, {Planes, Groups, 132},
+                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.join_yuy2(d, s, s + n, s + n + Half(n), n); });
+    CheckKernel("split_pairs", ref, vec, {Times(2), Times(2), 68},
+                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.split_pairs(d, d + n, s, n); });
+    CheckKernel("join_pairs", ref, vec, {Times(2), Times(2), 68},
+                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.join_pairs(d, s, s + n, n); });
+    CheckKernel("mean", ref, vec, {Times(2), Times(1), 132},
+                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.mean(d, s, s + n, n); });
+    CheckKernel("mean of its target", ref, vec, {Times(1), Times(1), 132},
+                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.mean(d, d, s, n); });
+}
+
+TEST_F(Rows, ColoursOfPlanes) {
+    CheckKernel("planes_to_bgra", ref, vec, {Planes, Times(4), 68}, [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) {
+        k.planes_to_bgra(d, s, s + n, s + n + Half(n), n, 99);
+    });
+    CheckKernel("nv12_to_bgra", ref, vec, {Planes, Times(4), 68},
+                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.nv12_to_bgra(d, s, s + n, n, 255); });
+    CheckKernel("bgra_to_420", ref, vec, {Times(8), [](int32_t n) { return n + Planes(n); }, 68},
+                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) {
+                    k.bgra_to_420(d, d + n, d + 2 * n, d + 2 * n + Half(n), s, s + 4 * n, n);
+                });
+    CheckKernel(
+        "bgra_to_420, one row", ref, vec, {Times(4), Planes, 68},
+        [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.bgra_to_420(d, d, d + n, d + n + Half(n), s, s, n); });
 }
 
 }    // namespace
