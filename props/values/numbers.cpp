@@ -197,7 +197,7 @@ Text FixedToText(double value, int32_t precision) {
 Text FloatToText(double value, int32_t precision) {
     Text text = FixedToText(value, precision < 0 ? 6 : precision);
     const size_t point = text.find(static_cast<OLECHAR>('.'));
-    if (text.size() <= 3 || (precision >= 0 && precision <= 2) || point == Text::npos) return text;
+    if ((precision >= 0 && precision <= 2) || point == Text::npos) return text;
     const size_t keep = std::max<size_t>(point + 2, 2);
     while (text.size() > keep && text.back() == '0') text.pop_back();
     return text;

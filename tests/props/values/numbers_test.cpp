@@ -60,6 +60,12 @@ TEST(AutoBase, PrefixWithoutADigitIsTheDigitZero) {
     EXPECT_EQ(AutoNumberFromText(In("0xg")).magnitude, 0U);
 }
 
+TEST(AutoBase, LooksNoFurtherThanItsText) {
+    const Text text = In("0xFF");
+    EXPECT_EQ(AutoNumberFromText(TextView(text).substr(0, 2)).used, 1U);
+    EXPECT_EQ(AutoNumberFromText(TextView(text).substr(0, 3)).magnitude, 15U);
+}
+
 TEST(AutoBase, ThirtyTwoBitsNegateAndSaturate) {
     EXPECT_EQ(Hex32FromText(In("-1")), 0xFFFFFFFFU);
     EXPECT_EQ(Hex32FromText(In("-0x10")), 0xFFFFFFF0U);
