@@ -50,6 +50,8 @@ The key. Without --color the screen is looked for at the border of the first pic
   -s, --softness N    how wide the passage from transparent to solid is, 0 to 255 (40). 0 gives a hard edge;
                       raise it for hair, smoke and motion blur
       --reverse       this colour is protected: it stays, whatever the other colours say
+      --despill N     takes the screen's light off the figure's edge, 0 to 100 (30 for a screen that was found, 0 for
+                      colours that were given). Where it acts, colour keeps half its resolution from left to right
       --type TYPE     how colours are compared: YUV (brightness and two colour differences; forgiving to
                       uneven light), HLS (hue, lightness, saturation), RGB, or Alpha (no keying)
       --set FIELD=N   a field of the key by its name. For the whole key:
@@ -57,10 +59,10 @@ The key. Without --color the screen is looked for at the border of the first pic
                         nMaxTransparent  alpha above it becomes 255: fills a figure with faint holes (235)
                         nEdgesSmooth     rounds of smoothing of the edge (0)
                         nInverseKey      1 swaps figure and screen
-                        bColorCancel     1 takes the screen's colour out of the edge, with nCancel... below
+                        bColorCancel     1 or 2: how --despill works; 0 switches it off
                       for the last colour:
                         nAlpha           keeps that much of the screen, 0 to 255
-                        nCancelRange nCancelPower nCancelChroma nCancelLuma nCancelAlpha
+                        nCancelRange nCancelPower nCancelChroma nCancelLuma nCancelAlpha   what --despill sets
                         nValue nDelta nSmoothRange nReverseKey   what the options above set, as raw numbers
 
 The engine

@@ -40,7 +40,7 @@ void SetFrames(KeyCommand &c, Value v) {
     c.frames = count;
 }
 
-constexpr std::array<Option, 20> kOptions = {{
+constexpr std::array<Option, 21> kOptions = {{
     {"--output", "-o", true, [](KeyCommand &c, Value v) { c.output = v; }},
     {"--format", "-f", true, [](KeyCommand &c, Value v) { c.format = v; }},
     {"--codec", "", true, [](KeyCommand &c, Value v) { c.codec = v; }},
@@ -50,6 +50,7 @@ constexpr std::array<Option, 20> kOptions = {{
     {"--tolerance", "-t", true, [](KeyCommand &c, Value v) { c.key.SetTolerance(v); }},
     {"--softness", "-s", true, [](KeyCommand &c, Value v) { c.key.SetSoftness(v); }},
     {"--reverse", "", false, [](KeyCommand &c, Value) { c.key.SetReverse(); }},
+    {"--despill", "", true, [](KeyCommand &c, Value v) { c.key.SetDespill(v); }},
     {"--type", "", true, [](KeyCommand &c, Value v) { c.key.SetType(v); }},
     {"--set", "", true, [](KeyCommand &c, Value v) { c.key.SetField(v); }},
     {"--over", "", true, [](KeyCommand &c, Value v) { c.over = v; }},

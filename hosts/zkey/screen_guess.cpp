@@ -30,6 +30,8 @@ constexpr int32_t kMostTolerance = 40;
 constexpr int32_t kLeastSoftness = 8;
 constexpr int32_t kMostSoftness = 60;
 constexpr double kGreyShare = 0.85;
+// The mask of the despill fades out over some steps beyond its surface.
+constexpr double kBeyondMask = 1.5;
 
 /// The picture seen through a coarse grid of single pixels: enough to find the screen, and quick.
 struct Grid {
@@ -139,32 +141,47 @@ std::array<int32_t, 3> SpreadOf(const std::vector<Pixel> &pixels, eCK_Type type,
 
 int32_t Brightness(const Pixel &p) { return (2 * p.red + 5 * p.green + p.blue) / 8; }
 
-/// Whether a colour at this distance from the middle is solid: the engine's ramp ends where the sum of the squares, each
-/// by its tolerance, reaches the mean of the widened ones.
-bool IsSolid(const std::array<double, 3> &distance, const std::array<int32_t, 3> &tolerance, int32_t softness) {
-    double reached = 0;
-    double needed = 0;
-    for (std::size_t c = 0; c < 3; ++c) {
-        reached += std::pow(distance[c] / tolerance[c], 2);
-        needed += std::pow(static_cast<double>(tolerance[c] + softness) / tolerance[c], 2) / 3;
-    }
-    return reached >= needed;
-}
+using Distance = std::array<double, 3>;
 
-/// The widest passage at whose end grey is solid, with some distance to spare: a figure has colours near grey.
-int32_t SoftnessFor(eCK_Type type, uint32_t colour, const std::array<int32_t, 3> &tolerance) {
+/// Where grey lies, seen from a colour, with some distance to spare: a figure has colours near grey.
+Distance GreyFrom(eCK_Type type, uint32_t colour) {
     const auto channel = [&](int shift) { return static_cast<int32_t>((colour >> shift) & 255); };
     const auto grey = static_cast<uint32_t>(Brightness({channel(16), channel(8), channel(0)}));
     const int32_t centre = KeyValue(type, colour);
     const int32_t neutral = KeyValue(type, grey * 0x010101U);
-    std::array<double, 3> distance{};
+    Distance distance{};
     for (int c = 0; c < 3; ++c) {
         distance[static_cast<std::size_t>(c)] = kGreyShare * std::abs(ByteOf(neutral, c) - ByteOf(centre, c));
     }
     if (type == eCKT_HLS) distance[0] = 0;    // grey has no hue
-    int32_t softness = kMostSoftness;
-    while (softness > kLeastSoftness && !IsSolid(distance, tolerance, softness)) --softness;
-    return softness;
+    return distance;
+}
+
+/// The squared distance in an ellipsoid whose half-axes are the tolerances, widened by `more`; 1 is its surface.
+double Reach(const Distance &distance, const std::array<int32_t, 3> &tolerance, int32_t more) {
+    double sum = 0;
+    for (std::size_t c = 0; c < 3; ++c) sum += std::pow(distance[c] / (tolerance[c] + more), 2);
+    return sum;
+}
+
+/// The engine's ramp ends where the squares, each by its tolerance, reach the mean of the widened ones.
+bool IsSolid(const Distance &distance, const std::array<int32_t, 3> &tolerance, int32_t softness) {
+    double needed = 0;
+    for (std::size_t c = 0; c < 3; ++c) needed += std::pow(static_cast<double>(tolerance[c] + softness) / tolerance[c], 2) / 3;
+    return Reach(distance, tolerance, 0) >= needed;
+}
+
+/// A key for one part of the screen: the widest passage at whose end grey is solid, and a despill that does not reach it.
+ScreenKey KeyFor(eCK_Type type, const std::vector<Pixel> &part) {
+    ScreenKey key;
+    key.colour = Median(part);
+    key.tolerance = SpreadOf(part, type, key.colour);
+    const Distance grey = GreyFrom(type, key.colour);
+    key.softness = kMostSoftness;
+    while (key.softness > kLeastSoftness && !IsSolid(grey, key.tolerance, key.softness)) --key.softness;
+    key.mostCancelRange = CancelRange(kScreenDespill);
+    while (key.mostCancelRange > 0 && Reach(grey, key.tolerance, key.mostCancelRange) < kBeyondMask) --key.mostCancelRange;
+    return key;
 }
 
 /// Parts of equal width in brightness, without the few pixels that are far off.
@@ -208,11 +225,7 @@ std::optional<ScreenGuess> GuessScreen(const ImageView &picture, eCK_Type type) 
     if (screen.empty()) return {};
     ScreenGuess guess;
     guess.name = isGreen ? "green" : "blue";
-    for (const std::vector<Pixel> &part : PartsOf(screen)) {
-        const uint32_t colour = Median(part);
-        const std::array<int32_t, 3> tolerance = SpreadOf(part, type, colour);
-        guess.parts.push_back({colour, tolerance, SoftnessFor(type, colour, tolerance)});
-    }
+    for (const std::vector<Pixel> &part : PartsOf(screen)) guess.parts.push_back(KeyFor(type, part));
     return guess;
 }
 
@@ -221,8 +234,9 @@ std::string ScreenOptions(const ScreenGuess &guess) {
     for (const ScreenKey &k : guess.parts) {
         out += (out.empty() ? "-c " : " -c ") + ColourText(k.colour) + " -t " + std::to_string(k.tolerance[0]) + "," +
                std::to_string(k.tolerance[1]) + "," + std::to_string(k.tolerance[2]) + " -s " + std::to_string(k.softness);
+        if (k.mostCancelRange < CancelRange(kScreenDespill)) out += " --set nCancelRange=" + std::to_string(k.mostCancelRange);
     }
-    return out;
+    return out + " --despill " + std::to_string(kScreenDespill);
 }
 
 }    // namespace zkey

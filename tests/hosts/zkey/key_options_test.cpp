@@ -148,6 +148,33 @@ TEST(KeyOptions, TheScreenFillsInWhereNoColourWasGiven) {
     EXPECT_FALSE(byNumber.NeedsScreen());
 }
 
+TEST(KeyOptions, DespillIsForFoundScreensUnlessSaid) {
+    const std::vector<ScreenKey> screen{{0x20C040, {50, 20, 21}, 33}};
+    KeyOptions o;
+    CHROMA_KEY_RAW k = BuildKey(o, screen);
+    EXPECT_EQ(k.bColorCancel, 1);
+    EXPECT_EQ(k.arrKeys[0].nCancelRange, 45);
+    EXPECT_EQ(k.arrKeys[0].nCancelPower, 14);
+    EXPECT_EQ(k.arrKeys[0].nCancelChroma, -11);
+    EXPECT_EQ(k.arrKeys[0].nCancelLuma, -2);
+    o.SetDespill("0");
+    k = BuildKey(o, screen);
+    EXPECT_EQ(k.bColorCancel, 0);
+    EXPECT_EQ(k.arrKeys[0].nCancelPower, 0);
+
+    KeyOptions given = Green();
+    EXPECT_EQ(BuildKey(given, {}).bColorCancel, 0);
+    given.SetDespill("100");
+    given.AddColour("red");
+    given.SetReverse();
+    given.SetField("bColorCancel=2");
+    k = BuildKey(given, {});
+    EXPECT_EQ(k.bColorCancel, 2);
+    EXPECT_EQ(k.arrKeys[0].nCancelRange, 150);
+    EXPECT_EQ(k.arrKeys[1].nCancelRange, 0);
+    EXPECT_THROW(given.SetDespill("101"), Failure);
+}
+
 TEST(KeyOptions, SixteenColoursAndNoMore) {
     KeyOptions o;
     for (int i = 0; i < 16; ++i) o.AddColour("10203" + std::to_string(i % 10));

@@ -169,6 +169,41 @@ TEST(Run, FinishesAreDerivedFromTheSameKey) {
     }
 }
 
+TEST(Run, DespillTakesGreenOffTheFigure) {
+    const Scratch scratch;
+    const zck::ScenePicture scene = Scene(160, 90);
+    scratch.Write("in.raw", scene.pixels);
+    const std::string command =
+        "key " + scratch.Path("in.raw") + " --raw RGB32:160x90 -q -o " + scratch.Path("out.raw") + " --despill ";
+    const auto greenness = [&](const char *despill) {
+        const Outcome run = RunProgram(scratch, command + despill);
+        EXPECT_EQ(run.status, 0) << run.error;
+        const Bytes keyed = scratch.Read("out.raw");
+        int sum = 0;
+        for (std::size_t i = 0; i < keyed.size(); i += 4) {
+            sum += std::max(0, keyed[i + 1] - std::max<int>(keyed[i], keyed[i + 2]));
+        }
+        return sum;
+    };
+    const int without = greenness("0");
+    EXPECT_LT(greenness("30"), without * 7 / 10);
+}
+
+TEST(Run, TheAssumedKeyCanBeGivenByHand) {
+    const Scratch scratch;
+    scratch.Write("in.raw", Scene(160, 90).pixels);
+    const std::string command = "key " + scratch.Path("in.raw") + " --raw RGB32:160x90 -o ";
+    const Outcome assumed = RunProgram(scratch, command + scratch.Path("a.raw"));
+    ASSERT_EQ(assumed.status, 0);
+    const std::size_t options = assumed.error.find("-c ");
+    ASSERT_NE(options, std::string::npos) << assumed.error;
+    const std::string given = assumed.error.substr(options, assumed.error.find_first_of("\r\n", options) - options);
+    const Outcome again = RunProgram(scratch, command + scratch.Path("b.raw") + " " + given);
+    ASSERT_EQ(again.status, 0) << again.error;
+    EXPECT_TRUE(again.error.empty()) << again.error;
+    EXPECT_EQ(scratch.Read("a.raw"), scratch.Read("b.raw"));
+}
+
 TEST(Run, PipesCarryClipsThrough) {
     const Scratch scratch;
     Bytes clip;
@@ -283,8 +318,8 @@ TEST(Run, HelpsOnRequest) {
     const Outcome help = RunProgram(scratch, "key --help");
     EXPECT_EQ(help.status, 0);
     for (const char *word :
-         {"--color", "--tolerance", "--softness", "--reverse", "--type", "--set", "--over", "--matte", "--alpha", "--exact",
-          "--prop", "--raw", "--quiet", "--no-audio", "--frames", "--codec", "--format", "v210"}) {
+         {"--color", "--tolerance", "--softness", "--reverse", "--despill", "--type", "--set", "--over", "--matte", "--alpha",
+          "--exact", "--prop", "--raw", "--quiet", "--no-audio", "--frames", "--codec", "--format", "v210"}) {
         EXPECT_NE(help.out.find(word), std::string::npos) << word;
     }
     EXPECT_EQ(RunProgram(scratch, "--version").out.substr(0, 5), "zkey ");
