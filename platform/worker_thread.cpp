@@ -52,7 +52,7 @@ HRESULT CWorkerThread::Start(void *owner, int32_t index) noexcept {
             m_thread.reset();
             return hr;
         }
-        holder.release();
+        static_cast<void>(holder.release());    // the thread has it now
         return S_OK;
     });
 }

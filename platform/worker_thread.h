@@ -58,7 +58,7 @@ public:
 
 private:
     struct Thread;
-    static void Entry(void *thread) noexcept;
+    static void Entry(void *argument) noexcept;
     Thread *Mine() const noexcept;
 
     Body m_body;

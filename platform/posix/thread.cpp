@@ -126,7 +126,7 @@ HRESULT SystemThread::Start(Entry entry, void *argument, std::unique_ptr<SystemT
             error = pthread_create(&thread, nullptr, ThreadMain, holder.get());
         }
         if (error != 0) return SystemErrorStatus(error, E_FAIL);
-        holder.release();
+        static_cast<void>(holder.release());    // the thread has it now
         run->started.Wait(kInfinite);
         out = std::make_unique<PosixThread>(thread, std::move(run));
         return S_OK;

@@ -72,7 +72,7 @@ HRESULT SystemThread::Start(Entry entry, void *argument, std::unique_ptr<SystemT
             CloseHandle(handle);
             throw;
         }
-        call.release();
+        static_cast<void>(call.release());    // the thread has it now
         ResumeThread(handle);
         return S_OK;
     });
