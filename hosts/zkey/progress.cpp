@@ -42,7 +42,7 @@ void Progress::Frame() {
     std::fflush(stderr);
 }
 
-void Progress::Done(const std::string &output) {
+void Progress::Done(const std::string &output) const {
     if (!m_show) return;
     char speed[64];
     std::snprintf(speed, sizeof speed, " frames, %.1f frames a second", Speed());

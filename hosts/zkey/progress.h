@@ -13,7 +13,7 @@ public:
     Progress(bool show, int64_t total);
     void Frame();
     /// Clears the line and, when `show` was set, tells frames and speed.
-    void Done(const std::string &output);
+    void Done(const std::string &output) const;
     int64_t Frames() const { return m_frames; }
     /// Frames per second since the first one.
     double Speed() const;

@@ -187,6 +187,7 @@ ScreenKey KeyFor(eCK_Type type, const std::vector<Pixel> &part) {
 /// Parts of equal width in brightness, without the few pixels that are far off.
 std::vector<std::vector<Pixel>> PartsOf(const std::vector<Pixel> &screen) {
     std::vector<int32_t> brightness;
+    brightness.reserve(screen.size());
     for (const Pixel &p : screen) brightness.push_back(Brightness(p));
     const int32_t dark = Quantile(brightness, 0.02);
     const int32_t bright = Quantile(brightness, 0.98);
