@@ -13,6 +13,7 @@ namespace zck {
 namespace {
 
 namespace fs = std::filesystem;
+using namespace std::string_view_literals;
 
 class SettingsFileTest : public testing::Test {
 protected:
@@ -63,7 +64,7 @@ TEST_F(SettingsFileTest, CommentsAndDosLineEndsAreFine) {
 }
 
 TEST_F(SettingsFileTest, SkipsLinesThatAreNotWellFormed) {
-    Write(std::string_view("no sign\n=1\nbad\\escape\\x=1\nend=1\\\n\xFF=1\nz=\xC0\x80\nnul=\0x\ngood=a=b\n", 66));
+    Write("no sign\n=1\nbad\\escape\\x=1\nend=1\\\n\xFF=1\nz=\xC0\x80\nnul=\0x\ngood=a=b\n"sv);
     EXPECT_EQ(Loaded(), "[good|a=b]");
 }
 
