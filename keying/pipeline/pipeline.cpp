@@ -36,6 +36,7 @@ bool KeyRows(const ImageView &image, const KeyPlan &plan, bool fields, bool writ
     frame.view = image;
     frame.plan = &plan;
     frame.fields = fields ? 2 : 1;
+    frame.combs = frame.fields;
     frame.view.blocks = BlocksOf(image.width, image.stride * frame.fields);
     frame.keyedRows = image.height / frame.fields * frame.fields;
     frame.merge = image.props->fccType == eZFCC_ARGB32 || writeAlpha;

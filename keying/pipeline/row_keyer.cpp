@@ -14,13 +14,20 @@ void RowKeyer::Start(const ImageView &view, const KeyPlan *plan) {
     if (plan->type != eCKT_RGB) std::memset(m_rows.Row(kSpace), 0, static_cast<size_t>(4 * m_reach));
 }
 
+const uint8_t *RowKeyer::KeyedSpace(const uint8_t *pixels) const {
+    return m_plan->type == eCKT_RGB ? pixels : m_rows.Row(kSpace);
+}
+
+const uint8_t *RowKeyer::Space(const uint8_t *pixels) const {
+    if (m_plan->type == eCKT_HLS) m_kernels->to_hls(m_rows.Row(kSpace), pixels, m_width);
+    if (m_plan->type == eCKT_YUV) m_kernels->to_yuv(m_rows.Row(kSpace), pixels, m_width);
+    return KeyedSpace(pixels);
+}
+
 void RowKeyer::Key(const uint8_t *pixels, int64_t bytes, uint8_t *alpha) const {
     const KeyingKernels &k = *m_kernels;
-    if (m_plan->type != eCKT_RGB) {
-        (m_plan->type == eCKT_HLS ? k.to_hls : k.to_yuv)(m_rows.Row(kSpace), pixels, m_width);
-        pixels = m_rows.Row(kSpace);
-        bytes = int64_t{4} * m_reach;
-    }
+    pixels = Space(pixels);
+    if (m_plan->type != eCKT_RGB) bytes = int64_t{4} * m_reach;
     bool firstAlpha = true;
     bool firstReverse = true;
     for (int32_t i = 0; i < m_plan->count; ++i) {

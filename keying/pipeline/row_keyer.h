@@ -17,6 +17,11 @@ public:
     /// right of the last block start with.
     void Key(const uint8_t *pixels, int64_t bytes, uint8_t *alpha) const;
 
+    /// Row of the key space of a pixel row, until the next call. `KeyedSpace` gives that of the row that `Key` was last called
+    /// for, which is then already there.
+    const uint8_t *Space(const uint8_t *pixels) const;
+    const uint8_t *KeyedSpace(const uint8_t *pixels) const;
+
 private:
     enum { kSpace, kOther, kReverse, kOtherReverse, kRows };
     void Protect(uint8_t *alpha) const;

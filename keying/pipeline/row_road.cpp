@@ -35,69 +35,92 @@ void RowRoad::Allow(bool allowed) { g_allowed = allowed; }
 bool RowRoad::Serves(const RowFrame &frame) {
     const ImageView &view = frame.view;
     if (!g_allowed) return false;
-    if (!view.Is32() || view.rowBytes % 4 != 0 || view.width < 1 || view.height < 1 || frame.plan->HasSpill()) return false;
+    if (!view.Is32() || view.rowBytes % 4 != 0 || view.width < 1 || view.height < 1) return false;
     if (view.bounds.alphaBytes < view.stride * view.height) return false;
     if (view.bounds.pixelBytes < view.rowBytes * (view.height - 1) + int64_t{4} * view.width) return false;
-    return RowsStandAlone(frame) && SmoothingFits(frame);
+    return RowsStandAlone(frame) && SmoothingFits(frame) && RowSpill::Serves(frame);
 }
 
 int32_t RowRoad::Start(const RowFrame &frame, int32_t bands) {
     m_frame = frame;
     m_lines = frame.view.height / frame.fields;
     m_reach = std::max(frame.view.blocks * 8, frame.view.width + 1);
-    m_lag = 0;
+    m_lag = Smooths() ? SmoothStream::LagOf(frame.plan->edges) : 0;
+    m_spillReach = RowSpill::ReachOf(frame);
     m_bands = std::min(bands, frame.view.height);
-    if (Smooths()) {
-        m_lag = SmoothStream::LagOf(frame.plan->edges);
-        m_bands = std::clamp(m_lines / (2 * m_lag), 1, bands);
-        if (m_bands > 1) m_edges.Reserve(int64_t{m_bands} * kSides * frame.fields * m_lag, m_reach);
+    // A band has whole lines of both fields where the fields are smoothed.
+    const int32_t step = Smooths() ? frame.fields : 1;
+    const int32_t edge = std::max(m_lag, (m_spillReach + step - 1) / step);
+    m_edgeRows = edge * step;
+    if (edge == 0) return m_bands;
+    m_bands = std::clamp(frame.view.height / step / (2 * edge), 1, bands);
+    if (m_bands == 1) return m_bands;
+    if (Smooths()) m_edges.Reserve(int64_t{m_bands} * kSides * frame.fields * m_lag, m_reach);
+    if (m_spillReach > 0 && !frame.Viewed()) {
+        m_rawEdges.Reserve(int64_t{m_bands} * kSides * m_spillReach, int64_t{4} * frame.view.width);
     }
     return m_bands;
 }
 
 RowRoad::Band RowRoad::BandOf(int32_t band) const {
-    const int64_t lines = Smooths() ? m_lines : m_frame.view.height;
-    return {static_cast<int32_t>(lines * band / m_bands), static_cast<int32_t>(lines * (band + 1) / m_bands)};
+    const int32_t step = Smooths() ? m_frame.fields : 1;
+    const int64_t lines = m_frame.view.height / step;
+    const auto row = [&](int32_t i) { return static_cast<int32_t>(lines * i / m_bands) * step; };
+    // The odd last row of a frame in fields belongs to neither, and to the last band.
+    return {row(band), band == m_bands - 1 ? m_frame.view.height : row(band + 1)};
+}
+
+// The row is fetched before the bands are walked.
+bool RowRoad::IsEdge(int32_t band, int32_t row) const {
+    const Band own = BandOf(band);
+    return (band > 0 && row < own.first + m_edgeRows) || (band < m_bands - 1 && row >= own.end - m_edgeRows);
 }
 
 uint8_t *RowRoad::EdgeRow(int32_t band, int32_t side, int32_t field, int32_t line) const {
     return m_edges.Row((int64_t{band * kSides + side} * m_frame.fields + field) * m_lag + line);
 }
 
-// Where a row's pixels are read from: the source itself, if it has them ready.
-const uint8_t *RowRoad::SourceRow(int32_t row) const {
-    const RowSource *source = m_frame.source;
-    return source != nullptr && source->view != nullptr ? source->view(source->context, row) : PixelRow(row);
+uint8_t *RowRoad::RawEdgeRow(int32_t band, int32_t side, int32_t row) const {
+    return m_rawEdges.Row(int64_t{band * kSides + side} * m_spillReach + row);
+}
+
+// Pixels as they came, also those of rows that a neighbour has changed already.
+const uint8_t *RowRoad::RawRow(int32_t band, int32_t row) const {
+    const Band own = BandOf(band);
+    if (m_frame.Viewed() || own.Has(row)) return m_frame.SourceRow(row);
+    if (row < own.first) return RawEdgeRow(band - 1, 1, row - (own.first - m_spillReach));
+    return RawEdgeRow(band + 1, 0, row - own.end);
 }
 
 HRESULT RowRoad::Fetch(int32_t row) const {
     const RowSource *source = m_frame.source;
-    return source != nullptr && source->view == nullptr ? source->fetch(source->context, row, PixelRow(row)) : S_OK;
+    return source != nullptr && source->view == nullptr ? source->fetch(source->context, row, m_frame.PixelRow(row)) : S_OK;
 }
 
 // `alpha` has `m_reach` bytes of room.
 void RowRoad::KeyRow(const Worker &worker, int32_t row, uint8_t *alpha) const {
-    const ImageView &view = m_frame.view;
     if (!m_frame.plan->hasAlpha) {
-        std::memset(alpha, 255, static_cast<size_t>(view.width));
+        std::memset(alpha, 255, static_cast<size_t>(m_frame.view.width));
         return;
     }
     // Of a row no more is read than is its own: what stands beyond belongs to others, and its alpha is dropped.
-    const int64_t bytes = std::min(view.rowBytes, view.bounds.pixelBytes - row * view.rowBytes);
-    worker.keyer.Key(SourceRow(row), bytes, alpha);
+    worker.keyer.Key(m_frame.SourceRow(row), m_frame.OwnBytes(row), alpha);
 }
 
-void RowRoad::IntoPixels(int32_t row, const uint8_t *alpha, bool merge) const {
+// Alpha from the plane into the pixels.
+void RowRoad::IntoPixels(int32_t row) const {
     const KeyingKernels &k = KeyingKernelsGet();
-    uint8_t *pixels = PixelRow(row);
-    const uint8_t *source = SourceRow(row);
-    const ImageView &view = m_frame.view;
-    const int32_t w = view.width;
+    uint8_t *pixels = m_frame.PixelRow(row);
+    const uint8_t *source = m_spillReach > 0 && Keyed(row) ? pixels : m_frame.SourceRow(row);
+    const uint8_t *alpha = m_frame.AlphaRowOf(row);
+    const int32_t w = m_frame.view.width;
+    const bool measured = Smoothed(row) || (Keyed(row) && m_frame.plan->hasAlpha);
+    const bool merge = InSeam(row) || (m_frame.merge && measured);
     const bool oneStep = merge && m_frame.premultiply;
     if (source != pixels) {
         // One step writes the row itself, and what stands beside it is copied; otherwise all is.
         const int64_t done = oneStep ? int64_t{4} * w : 0;
-        const int64_t bytes = std::min(view.rowBytes, view.bounds.pixelBytes - row * view.rowBytes);
+        const int64_t bytes = m_frame.OwnBytes(row);
         if (bytes > done) std::memcpy(pixels + done, source + done, static_cast<size_t>(bytes - done));
     }
     if (oneStep) {
@@ -109,12 +132,12 @@ void RowRoad::IntoPixels(int32_t row, const uint8_t *alpha, bool merge) const {
     }
 }
 
-HRESULT RowRoad::PlainRow(const Worker &worker, int32_t row) const {
-    const HRESULT hr = Fetch(row);
+HRESULT RowRoad::PlainRow(const Worker &worker, int32_t band, int32_t row) const {
+    const HRESULT hr = IsEdge(band, row) ? S_OK : Fetch(row);
     if (FAILED(hr)) return hr;
     const ImageView &view = m_frame.view;
     const KeyPlan &plan = *m_frame.plan;
-    uint8_t *alpha = AlphaRowOf(row);
+    uint8_t *alpha = m_frame.AlphaRowOf(row);
     if (Keyed(row)) {
         if (int64_t{view.blocks} * 8 <= view.stride) {
             KeyRow(worker, row, alpha);
@@ -129,14 +152,11 @@ HRESULT RowRoad::PlainRow(const Worker &worker, int32_t row) const {
     // A slice inverts its rows, and the pass after the slices inverts them again.
     const bool keyed = Keyed(row) && plan.hasAlpha;
     if (plan.invert && keyed != InSeam(row)) KeyingKernelsGet().invert(alpha, view.width, view.width < view.stride);
-    IntoPixels(row, alpha, (keyed && m_frame.merge) || InSeam(row));
     return S_OK;
 }
 
 // A row as the smoothing takes it: with slices the row of the plane as they leave it, otherwise a row of scratch.
-HRESULT RowRoad::MakeInput(const Worker &worker, int32_t row, uint8_t *dst) const {
-    const HRESULT hr = Fetch(row);
-    if (FAILED(hr)) return hr;
+void RowRoad::MakeInput(const Worker &worker, int32_t row, uint8_t *dst) const {
     const ImageView &view = m_frame.view;
     const auto measured = static_cast<size_t>(Keyed(row) ? 8 * view.blocks : 0);
     const auto reach = static_cast<size_t>(m_reach);
@@ -144,18 +164,17 @@ HRESULT RowRoad::MakeInput(const Worker &worker, int32_t row, uint8_t *dst) cons
         std::memset(dst + measured, 0, reach - measured);
     } else {
         const auto held = static_cast<size_t>(std::min<int64_t>(m_reach, view.stride));
-        if (held > measured) std::memcpy(dst + measured, AlphaRowOf(row) + measured, held - measured);
+        if (held > measured) std::memcpy(dst + measured, m_frame.AlphaRowOf(row) + measured, held - measured);
     }
-    if (!Keyed(row)) return S_OK;
+    if (!Keyed(row)) return;
     KeyRow(worker, row, dst);
     const bool invert = m_frame.seam && m_frame.plan->hasAlpha && m_frame.plan->invert;
     if (invert) KeyingKernelsGet().invert(dst, view.width, view.width < view.stride);
-    return S_OK;
 }
 
 void RowRoad::FinishSmooth(const SmoothStream &stream, int32_t line, int32_t row) const {
     const ImageView &view = m_frame.view;
-    uint8_t *alpha = AlphaRowOf(row);
+    uint8_t *alpha = m_frame.AlphaRowOf(row);
     stream.Output(line, alpha);
     // Slices measure right in the plane, and their rounded width stays beside the smoothed one.
     const int64_t reach = std::min<int64_t>(m_reach, view.stride);
@@ -163,81 +182,120 @@ void RowRoad::FinishSmooth(const SmoothStream &stream, int32_t line, int32_t row
         std::memcpy(alpha + view.width, stream.Input(line) + view.width, static_cast<size_t>(reach - view.width));
     }
     if (m_frame.plan->invert) KeyingKernelsGet().invert(alpha, view.width, view.width < view.stride);
-    IntoPixels(row, alpha, m_frame.seam || m_frame.merge);
+}
+
+// A fetched row, `row` counted from the edge's first one, as the neighbour will ask for it.
+void RowRoad::MakeEdge(const Worker &worker, int32_t band, int32_t side, int32_t row) const {
+    const Band own = BandOf(band);
+    const int32_t at = (side == 0 ? own.first : own.end - m_edgeRows) + row;
+    const int32_t line = row / m_frame.fields - (side == 0 ? 0 : m_edgeRows / m_frame.fields - m_lag);
+    if (Smooths() && line >= 0 && line < m_lag) MakeInput(worker, at, EdgeRow(band, side, row % m_frame.fields, line));
+    const int32_t raw = side == 0 ? row : row - (m_edgeRows - m_spillReach);
+    if (m_frame.Viewed() || raw < 0 || raw >= m_spillReach) return;
+    std::memcpy(RawEdgeRow(band, side, raw), m_frame.PixelRow(at), 4 * static_cast<size_t>(m_frame.view.width));
 }
 
 HRESULT RowRoad::MakeEdges(int32_t band) {
     Worker &worker = m_workers[static_cast<size_t>(band)];
+    const Band own = BandOf(band);
     worker.keyer.Start(m_frame.view, m_frame.plan);
     if (int64_t{m_frame.view.blocks} * 8 > m_frame.view.stride) worker.wide.Reserve(1, m_reach);
-    if (!Smooths() || m_bands == 1) return S_OK;
-    const Band own = BandOf(band);
+    if (m_spillReach > 0) {
+        const HRESULT hr = worker.spill.Start(&m_frame, own.first, own.end);
+        if (FAILED(hr)) return hr;
+    }
+    if (m_bands == 1) return S_OK;
     for (int32_t side = 0; side < kSides; ++side) {
         if (side == 0 ? band == 0 : band == m_bands - 1) continue;
-        const int32_t first = side == 0 ? own.first : own.end - m_lag;
-        for (int32_t i = 0; i < m_lag * m_frame.fields; ++i) {
-            const int32_t field = i % m_frame.fields;
-            const int32_t line = i / m_frame.fields;
-            const int32_t row = (first + line) * m_frame.fields + field;
-            const HRESULT hr = MakeInput(worker, row, EdgeRow(band, side, field, line));
+        for (int32_t i = 0; i < m_edgeRows; ++i) {
+            const HRESULT hr = Fetch((side == 0 ? own.first : own.end - m_edgeRows) + i);
             if (FAILED(hr)) return hr;
+            MakeEdge(worker, band, side, i);
         }
     }
     return S_OK;
 }
 
-HRESULT RowRoad::TakeInput(const Worker &worker, int32_t band, int32_t field, int32_t line, uint8_t *dst) const {
+// `measured` tells whether the row was measured just now.
+HRESULT RowRoad::TakeInput(const Worker &worker, int32_t band, int32_t row, uint8_t *dst, bool *measured) const {
     const Band own = BandOf(band);
+    const int32_t lagRows = m_lag * m_frame.fields;
+    const int32_t field = row % m_frame.fields;
+    const auto lines = [&](int32_t from) { return (row - field - from) / m_frame.fields; };
     const uint8_t *edge = nullptr;
-    if (line < own.first) {
-        edge = EdgeRow(band - 1, 1, field, line - (own.first - m_lag));
-    } else if (line >= own.end) {
-        edge = EdgeRow(band + 1, 0, field, line - own.end);
-    } else if (band > 0 && line < own.first + m_lag) {
-        edge = EdgeRow(band, 0, field, line - own.first);
-    } else if (band < m_bands - 1 && line >= own.end - m_lag) {
-        edge = EdgeRow(band, 1, field, line - (own.end - m_lag));
+    if (row < own.first) {
+        edge = EdgeRow(band - 1, 1, field, lines(own.first - lagRows));
+    } else if (row >= own.end) {
+        edge = EdgeRow(band + 1, 0, field, lines(own.end));
+    } else if (band > 0 && row < own.first + lagRows) {
+        edge = EdgeRow(band, 0, field, lines(own.first));
+    } else if (band < m_bands - 1 && row >= own.end - lagRows) {
+        edge = EdgeRow(band, 1, field, lines(own.end - lagRows));
     }
-    if (edge == nullptr) return MakeInput(worker, line * m_frame.fields + field, dst);
-    std::memcpy(dst, edge, static_cast<size_t>(m_reach));
+    if (edge != nullptr) {
+        std::memcpy(dst, edge, static_cast<size_t>(m_reach));
+        return S_OK;
+    }
+    const HRESULT hr = IsEdge(band, row) ? S_OK : Fetch(row);
+    if (FAILED(hr)) return hr;
+    MakeInput(worker, row, dst);
+    *measured = Keyed(row);
     return S_OK;
 }
 
-HRESULT RowRoad::SmoothBand(Worker &worker, int32_t band) const {
+HRESULT RowRoad::SmoothStep(const Worker &worker, int32_t band, int32_t row, bool *measured) const {
     const Band own = BandOf(band);
-    const int32_t first = std::max(own.first - m_lag, 0);
-    const int32_t end = std::min(own.end + m_lag, m_lines);
-    const SmoothKind kind = m_frame.seam ? SmoothKind::Seam : SmoothKind::Image;
-    for (int32_t f = 0; f < m_frame.fields; ++f) {
-        worker.streams[f].Start(kind, m_frame.view.width, m_lines, m_reach, m_frame.plan->edges, first, end);
+    const int32_t field = row % m_frame.fields;
+    const int32_t t = row / m_frame.fields;
+    const int32_t first = own.first / m_frame.fields;
+    const int32_t end = std::min(own.end / m_frame.fields, m_lines);
+    if (t < first - m_lag || t >= end + m_lag) return S_OK;
+    const SmoothStream &stream = worker.streams[field];
+    if (t < std::min(end + m_lag, m_lines)) {
+        const HRESULT hr = TakeInput(worker, band, row, stream.Input(t), measured);
+        if (FAILED(hr)) return hr;
     }
-    for (int32_t t = first; t < own.end + m_lag; ++t) {
-        for (int32_t f = 0; f < m_frame.fields; ++f) {
-            const SmoothStream &stream = worker.streams[f];
-            if (t < end) {
-                const HRESULT hr = TakeInput(worker, band, f, t, stream.Input(t));
-                if (FAILED(hr)) return hr;
-            }
-            stream.Step(t);
-            const int32_t line = t - m_lag;
-            if (line >= own.first) FinishSmooth(stream, line, line * m_frame.fields + f);
-        }
-    }
+    stream.Step(t);
+    const int32_t line = t - m_lag;
+    if (line >= first) FinishSmooth(stream, line, line * m_frame.fields + field);
     return S_OK;
 }
 
+void RowRoad::SpillStep(Worker &worker, int32_t band, int32_t row, bool measured) const {
+    const Band own = BandOf(band);
+    if (row < own.first - m_spillReach || row >= own.end + m_spillReach) return;
+    const uint8_t *space = nullptr;
+    if (worker.spill.Wants(row)) {
+        const uint8_t *raw = RawRow(band, row);
+        space = measured ? worker.keyer.KeyedSpace(raw) : worker.keyer.Space(raw);
+    }
+    worker.spill.Step(row, space);
+}
+
+// Row by row: each row that goes in lets the smoothing finish the alpha of one above it and the spill the colour of another;
+// a row for which both are done takes its alpha.
 HRESULT RowRoad::Walk(int32_t band) {
     Worker &worker = m_workers[static_cast<size_t>(band)];
-    Band rows = BandOf(band);
+    const Band own = BandOf(band);
+    const int32_t lag = std::max(m_lag * m_frame.fields, m_spillReach);
     if (Smooths()) {
-        const HRESULT hr = SmoothBand(worker, band);
-        if (FAILED(hr) || band != m_bands - 1) return hr;
-        // The odd last row of a frame in fields belongs to neither.
-        rows = {m_lines * m_frame.fields, m_frame.view.height};
+        const SmoothKind kind = m_frame.seam ? SmoothKind::Seam : SmoothKind::Image;
+        const int32_t first = std::max(own.first / m_frame.fields - m_lag, 0);
+        const int32_t end = std::min(own.end / m_frame.fields + m_lag, m_lines);
+        for (int32_t f = 0; f < m_frame.fields; ++f) {
+            worker.streams[f].Start(kind, m_frame.view.width, m_lines, m_reach, m_frame.plan->edges, first, end);
+        }
     }
-    for (int32_t row = rows.first; row < rows.end; ++row) {
-        const HRESULT hr = PlainRow(worker, row);
+    for (int32_t row = std::max(own.first - lag, 0); row < own.end + lag; ++row) {
+        bool measured = false;
+        HRESULT hr = Smooths() ? SmoothStep(worker, band, row, &measured) : S_OK;
+        if (SUCCEEDED(hr) && own.Has(row) && !Smoothed(row)) {
+            hr = PlainRow(worker, band, row);
+            measured = Keyed(row);
+        }
         if (FAILED(hr)) return hr;
+        if (m_spillReach > 0) SpillStep(worker, band, row, measured);
+        if (own.Has(row - lag)) IntoPixels(row - lag);
     }
     return S_OK;
 }

@@ -4,32 +4,19 @@
 
 #include <array>
 
-#include "keying/pipeline/image_view.h"
-#include "keying/pipeline/plan.h"
+#include "keying/pipeline/row_frame.h"
 #include "keying/pipeline/row_keyer.h"
-#include "keying/pipeline/row_source.h"
+#include "keying/pipeline/row_spill.h"
 #include "keying/pipeline/smooth_stream.h"
 
 namespace zck {
-
-/// One frame to be walked. The rows are those of the whole frame, whatever slices they are told to belong to.
-struct RowFrame {
-    ImageView view;    ///< `blocks` as the slices measure them
-    const KeyPlan *plan;
-    const RowSource *source;    ///< or null
-    int32_t fields;             ///< 2: the fields are smoothed apart
-    int32_t keyedRows;          ///< rows from the top that are keyed; the others keep the alpha of the plane
-    bool seam;                  ///< several slices: the plane is smoothed and inverted once more after they are done
-    bool merge;                 ///< keyed rows get their alpha into the pixels, also without a seam
-    bool premultiply;
-};
 
 class RowRoad {
 public:
     static constexpr int32_t kBandsMax = 16;
 
-    /// The frame has a shape for this road: 32-bit pixels in whole steps, no spill to move, no byte of a row that lands in
-    /// another row, not more rounds of smoothing than pay.
+    /// The frame has a shape for this road: 32-bit pixels in whole steps, no byte of a row that lands in another row, not
+    /// more rounds of smoothing than pay.
     static bool Serves(const RowFrame &frame);
 
     /// For tests and benchmarks: with false no frame is served from now on.
@@ -50,37 +37,46 @@ private:
     struct Worker {
         RowKeyer keyer;
         SmoothStream streams[2];
+        RowSpill spill;
         RowMemory wide;
     };
     struct Band {
-        int32_t first;    // lines of a field, or rows where nothing is smoothed
+        int32_t first;
         int32_t end;
+        bool Has(int32_t row) const { return row >= first && row < end; }
     };
 
     Band BandOf(int32_t band) const;
     bool Smooths() const { return m_frame.plan->edges > 0 && (m_frame.seam || m_frame.plan->hasAlpha); }
-    bool InSeam(int32_t row) const { return m_frame.seam && row < m_lines * m_frame.fields; }
+    bool InFields(int32_t row) const { return row < m_lines * m_frame.fields; }
+    bool Smoothed(int32_t row) const { return Smooths() && InFields(row); }
+    bool InSeam(int32_t row) const { return m_frame.seam && InFields(row); }
     bool Keyed(int32_t row) const { return row < m_frame.keyedRows; }
-    uint8_t *PixelRow(int32_t row) const { return m_frame.view.pixels + row * m_frame.view.rowBytes; }
-    uint8_t *AlphaRowOf(int32_t row) const { return m_frame.view.alpha + row * m_frame.view.stride; }
+    bool IsEdge(int32_t band, int32_t row) const;
     uint8_t *EdgeRow(int32_t band, int32_t side, int32_t field, int32_t line) const;
+    uint8_t *RawEdgeRow(int32_t band, int32_t side, int32_t row) const;
+    const uint8_t *RawRow(int32_t band, int32_t row) const;
 
     HRESULT Fetch(int32_t row) const;
-    const uint8_t *SourceRow(int32_t row) const;
     void KeyRow(const Worker &worker, int32_t row, uint8_t *alpha) const;
-    HRESULT PlainRow(const Worker &worker, int32_t row) const;
-    HRESULT MakeInput(const Worker &worker, int32_t row, uint8_t *dst) const;
-    HRESULT TakeInput(const Worker &worker, int32_t band, int32_t field, int32_t line, uint8_t *dst) const;
-    HRESULT SmoothBand(Worker &worker, int32_t band) const;
+    void MakeEdge(const Worker &worker, int32_t band, int32_t side, int32_t row) const;
+    void MakeInput(const Worker &worker, int32_t row, uint8_t *dst) const;
+    HRESULT TakeInput(const Worker &worker, int32_t band, int32_t row, uint8_t *dst, bool *measured) const;
+    HRESULT SmoothStep(const Worker &worker, int32_t band, int32_t row, bool *measured) const;
     void FinishSmooth(const SmoothStream &stream, int32_t line, int32_t row) const;
-    void IntoPixels(int32_t row, const uint8_t *alpha, bool merge) const;
+    HRESULT PlainRow(const Worker &worker, int32_t band, int32_t row) const;
+    void SpillStep(Worker &worker, int32_t band, int32_t row, bool measured) const;
+    void IntoPixels(int32_t row) const;
 
     RowFrame m_frame = {};
     int32_t m_bands = 0;
     int32_t m_lines = 0;    // of a field, or rows of a progressive frame
-    int32_t m_lag = 0;
+    int32_t m_lag = 0;      // lines of a field
     int32_t m_reach = 0;
+    int32_t m_spillReach = 0;    // rows
+    int32_t m_edgeRows = 0;      // that a band makes for a neighbour
     RowMemory m_edges;
+    RowMemory m_rawEdges;
     std::array<Worker, kBandsMax> m_workers;
 };
 

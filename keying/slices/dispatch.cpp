@@ -63,8 +63,9 @@ HRESULT CSliceThreads::PrepareRows(uint8_t *pixels, uint8_t *alpha, const Z_VID_
     rows.fields = frame.key.nInterlacedVideo != 0 ? 2 : 1;
     rows.seam = m_count > 1;
     // Slices measure their rows as images with rows N times as far apart; one slice does its fields apart.
-    rows.view.blocks = BlocksOf(props.nWidth, rows.view.stride * (rows.seam ? m_count : rows.fields));
-    rows.keyedRows = rows.seam ? rows.view.height / m_count * m_count : rows.view.height / rows.fields * rows.fields;
+    rows.combs = rows.seam ? m_count : rows.fields;
+    rows.view.blocks = BlocksOf(props.nWidth, rows.view.stride * rows.combs);
+    rows.keyedRows = rows.view.height / rows.combs * rows.combs;
     rows.merge = props.fccType == eZFCC_ARGB32;
     rows.premultiply = true;
     if (!RowRoad::Serves(rows)) return S_FALSE;

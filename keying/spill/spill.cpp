@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "frames/media/pixel_format.h"
-#include "imaging/colour/convert.h"
 #include "keying/kernels/filter_plane.h"
+#include "keying/spill/rgb_row.h"
 #include "keying/spill/spill_rows.h"
 #include "platform/status.h"
 
@@ -74,29 +74,27 @@ public:
         target.fccType = eZFCC_YUY2;
         target.nRowBytes = static_cast<int32_t>(rowBytes);
         const int64_t wholeBytes = rowBytes * RowsOf(target);
-        HRESULT hr = m_into.Prepare(&source, m_image.pixelBytes, &target, wholeBytes);
-        if (SUCCEEDED(hr)) hr = m_back.Prepare(&target, wholeBytes, &source, m_image.pixelBytes);
+        // The records of the whole picture say whether it can be done, and how far apart its rows are.
+        ConvertPlan whole;
+        HRESULT hr = whole.Prepare(&target, wholeBytes, &source, m_image.pixelBytes);
+        if (SUCCEEDED(hr)) hr = whole.Prepare(&source, m_image.pixelBytes, &target, wholeBytes);
         if (FAILED(hr)) return hr;
-        m_step = m_into.SourceOffset(1) - m_into.SourceOffset(0);
-        source.nHeight = -1;
-        target.nHeight = 1;
-        hr = m_into.Prepare(&source, &target);
-        return SUCCEEDED(hr) ? m_back.Prepare(&target, &source) : hr;
+        m_step = whole.SourceOffset(1) - whole.SourceOffset(0);
+        return m_convert.Prepare(source.fccType, source.nWidth);
     }
 
     int64_t RowStep() const { return m_step; }
 
     uint8_t *Open(int32_t row, uint8_t *room) override {
-        m_into.Run(At(row), room);
+        m_convert.Into(At(row), room);
         return room;
     }
-    void Close(int32_t row, uint8_t *pixels) override { m_back.Run(pixels, At(row)); }
+    void Close(int32_t row, uint8_t *pixels) override { m_convert.Back(pixels, At(row)); }
 
 private:
     uint8_t *At(int32_t row) const { return m_image.pixels + row * m_step; }
 
-    ConvertPlan m_into;
-    ConvertPlan m_back;
+    SpillRgbRow m_convert;
     int64_t m_step = 0;
 };
 

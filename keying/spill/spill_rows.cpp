@@ -10,8 +10,10 @@ void SpillRows::Start(const SpillPlan *plan, const SpillShape &shape, bool lumaF
     m_shape = shape;
     m_first = first;
     m_end = end;
-    m_begin = std::max(first - Lag(), 0);
-    m_opens = Lag() - SpillMask::kLag + 1;
+    m_behind = SideBySide(*plan, shape) ? 0 : SpillMask::kLag;
+    m_opens = m_behind * (plan->count - 1) + 1;
+    m_lag = SpillMask::kLag + m_opens - 1;
+    m_begin = std::max(first - m_lag, 0);
     // Rows start at different places of the cache's sets, so that neighbours do not push each other out.
     m_pitch = (2 * int64_t{shape.width} + 40 + 127) / 64 * 64 + 64;
     const int64_t masks = int64_t{SpillMask::kScratchRows} * plan->count;
@@ -38,13 +40,11 @@ void SpillRows::Correct(int32_t entry, uint8_t *pixels) {
     }
 }
 
-// Each entry runs behind the one before it by the lag of its mask: what one leaves in the plane right of the last block,
-// the next one starts with.
 void SpillRows::Step(int32_t t, SpillSource *source) {
     const uint8_t *before = nullptr;
     for (int32_t i = 0; i < m_plan->count; ++i) {
         SpillMask &mask = m_entries[static_cast<size_t>(i)].mask;
-        const int32_t in = t - SpillMask::kLag * i;
+        const int32_t in = t - m_behind * i;
         if (in < m_begin) return;
         if (in < m_shape.height && in < m_end + Lag()) {
             int64_t bytes = 0;

@@ -34,8 +34,13 @@ public:
     void Start(const SpillPlan *plan, const SpillShape &shape, bool lumaFirst, int32_t first, int32_t end);
 
     /// Rows from the one that goes in to the one that is done.
-    int32_t Lag() const { return LagOf(*m_plan); }
-    static int32_t LagOf(const SpillPlan &plan) { return SpillMask::kLag * plan.count; }
+    int32_t Lag() const { return m_lag; }
+
+    /// All entries run side by side: each key row is asked for when it goes in, and not again. Otherwise each runs behind the
+    /// one before it, as the columns right of the last block go from one to the next.
+    static bool SideBySide(const SpillPlan &plan, const SpillShape &shape) {
+        return plan.count == 1 || int64_t{shape.blocks} * 8 >= shape.width;
+    }
 
     /// First row that goes in.
     int32_t Begin() const { return m_begin; }
@@ -61,6 +66,8 @@ private:
     int32_t m_first = 0;
     int32_t m_end = 0;
     int32_t m_begin = 0;
+    int32_t m_behind = 0;    // rows from one entry to the next
+    int32_t m_lag = 0;
     int32_t m_opens = 0;    // rows that are open at a time
     std::array<Entry, 16> m_entries = {};
     std::array<uint8_t *, SpillMask::kLag * 16> m_open = {};

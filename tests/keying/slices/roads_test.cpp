@@ -134,6 +134,76 @@ TEST(Roads, agree_over_widths_padding_and_inversion) {
     }
 }
 
+CHROMA_KEY_RAW SpillKey(eCK_Type type, int32_t keys, int32_t cancel) {
+    CHROMA_KEY_RAW key = RichKey(type, true);
+    key.nKeysUsed = keys;
+    key.bColorCancel = cancel;
+    for (SINGLE_KEY &e : key.arrKeys) {
+        e.nCancelRange = 30;
+        e.nCancelPower = 90;
+        e.nCancelChroma = -40;
+        e.nCancelLuma = -13;
+    }
+    return key;
+}
+
+TEST(Roads, agree_over_heights_where_spill_is_moved) {
+    for (int32_t n = 1; n <= 16; ++n) {
+        CSliceThreads pool;
+        pool.SetThreadCount(n);
+        for (const int32_t h : {1, 2, 3, 5, 8, 16, 17, 33, 64, 121, 300}) {
+            for (const int32_t edges : {0, 1, 3}) {
+                for (const eZInterlace scan : {eZI_Progressive, eZI_Field1First}) {
+                    CHROMA_KEY_RAW key = SpillKey(eCKT_RGB, 1, 1);
+                    key.nEdgesSmooth = edges;
+                    Z_VID_PROPS props = Props(48, h % 2 != 0 ? h : -h);
+                    props.eInterlace = scan;
+                    ExpectSame(pool, props, key);
+                }
+            }
+        }
+    }
+}
+
+TEST(Roads, agree_over_widths_and_padding_where_spill_is_moved) {
+    for (const int32_t n : {1, 2, 3, 6}) {
+        CSliceThreads pool;
+        pool.SetThreadCount(n);
+        for (int32_t w = 1; w <= 67; ++w) {
+            for (const int32_t pad : {0, 1, 3, 8}) {
+                CHROMA_KEY_RAW key = SpillKey(eCKT_RGB, 1 + w % 2, 1 + pad % 2);
+                key.nEdgesSmooth = w % 3;
+                key.nInverseKey = w % 4;
+                Z_VID_PROPS props = Props(w, 41, w % 5 == 0 ? eZFCC_RGB32 : eZFCC_ARGB32, pad);
+                if (w % 3 == 0) props.eInterlace = eZI_Field2First;
+                ExpectSame(pool, props, key);
+            }
+        }
+    }
+}
+
+TEST(Roads, agree_over_key_spaces_and_key_counts_where_spill_is_moved) {
+    for (const int32_t n : {1, 2, 5}) {
+        CSliceThreads pool;
+        pool.SetThreadCount(n);
+        for (const eCK_Type type : {eCKT_RGB, eCKT_HLS, eCKT_YUV}) {
+            for (const int32_t keys : {1, 2, 4}) {
+                for (const int32_t cancel : {1, 2}) {
+                    for (const int32_t w : {64, 53, 44}) {
+                        for (const int32_t edges : {0, 3}) {
+                            CHROMA_KEY_RAW key = SpillKey(type, keys, cancel);
+                            key.nEdgesSmooth = edges;
+                            ExpectSame(pool, Props(w, 90), key);
+                            key.arrKeys[0].nAlpha = key.arrKeys[1].nAlpha = 255;
+                            ExpectSame(pool, Props(w, 90), key);
+                        }
+                    }
+                }
+            }
+        }
+    }
+}
+
 TEST(Roads, agree_over_key_spaces_and_key_counts) {
     for (const int32_t n : {1, 2, 5}) {
         CSliceThreads pool;

@@ -50,7 +50,7 @@ class SpillBands : public testing::TestWithParam<int32_t> {};
 
 TEST_P(SpillBands, GiveTheBytesOfOneWalk) {
     const SpillPlan plan = SpillPlanMake(Keys(GetParam()));
-    for (const int32_t width : {64, 44, 37}) {
+    for (const int32_t width : {64, 44, 37}) {    // all columns measured, four left out, five left out
         constexpr int32_t kHeight = 61;
         const SpillShape shape{width, kHeight, DistanceBlocks(width, width), false};
         Picture whole(width, kHeight);
@@ -58,6 +58,7 @@ TEST_P(SpillBands, GiveTheBytesOfOneWalk) {
         SpillRows rows;
         rows.Start(&plan, shape, true, 0, kHeight);
         EXPECT_EQ(rows.Begin(), 0);
+        EXPECT_EQ(rows.Lag(), width == 64 ? 2 : 2 * plan.count);
         for (int32_t t = 0; t < kHeight + rows.Lag(); ++t) {
             rows.Step(t, &whole);
             EXPECT_EQ(static_cast<int32_t>(whole.closed.size()), std::max(0, t + 1 - rows.Lag()));
