@@ -34,6 +34,7 @@ struct Setup {
     int smooth;
     int threads;
     bool fields;
+    bool spill = false;
 };
 
 CHROMA_KEY_RAW KeyOf(const Setup &setup) {
@@ -48,6 +49,17 @@ CHROMA_KEY_RAW KeyOf(const Setup &setup) {
         k.nValue -= i * 0x1000;
         k.nDelta = setup.type == eCKT_HLS ? 0x00602818 : 0x00303430;
         k.nSmoothRange = 26;
+    }
+    if (setup.spill) {
+        // The defaults: colours 0.3 of the range, their strengths as shares of that.
+        key.bColorCancel = 1;
+        for (int i = 0; i < setup.keys; ++i) {
+            SINGLE_KEY &k = key.arrKeys[i];
+            k.nCancelRange = 76;
+            k.nCancelPower = 23;
+            k.nCancelChroma = -19;
+            k.nCancelLuma = k.nCancelAlpha = -4;
+        }
     }
     key.nMinTransparent = setup.smooth > 0 ? 102 : 0;
     key.nMaxTransparent = setup.smooth > 0 ? 230 : 255;
@@ -169,7 +181,7 @@ void Register(const Setup &setup) {
     const std::string name = std::string(setup.fcc == eZFCC_HDYC ? "HDYC" : "BGRA") + "/" + std::to_string(setup.height) +
                              (setup.fields ? "i/" : "p/") + (setup.type == eCKT_HLS ? "HLS" : "RGB") +
                              "/keys:" + std::to_string(setup.keys) + "/smooth:" + std::to_string(setup.smooth) +
-                             "/threads:" + std::to_string(setup.threads);
+                             (setup.spill ? "/spill" : "") + "/threads:" + std::to_string(setup.threads);
     benchmark::RegisterBenchmark(name.c_str(), [setup](benchmark::State &state) { Frames(state, setup); })
         ->UseManualTime()
         ->Unit(benchmark::kMillisecond)
@@ -188,6 +200,8 @@ int main(int argc, char **argv) {
                     zck::Register({width, height, eZFCC_ARGB32, eCKT_RGB, keys, smooth, threads, false});
             }
             zck::Register({width, height, eZFCC_ARGB32, eCKT_HLS, 1, 3, threads, false});
+            zck::Register({width, height, eZFCC_ARGB32, eCKT_HLS, 1, 3, threads, false, true});
+            zck::Register({width, height, eZFCC_ARGB32, eCKT_RGB, 1, 0, threads, false, true});
             zck::Register({width, height, eZFCC_HDYC, eCKT_RGB, 1, 0, threads, false});
             zck::Register({width, height, eZFCC_ARGB32, eCKT_RGB, 1, 3, threads, true});
         }
