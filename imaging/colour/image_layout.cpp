@@ -1,0 +1,73 @@
+#include "imaging/colour/image_layout.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <limits>
+
+#include "frames/media/pixel_format.h"
+
+namespace zck {
+
+PixelClass PixelClassOf(eZFCC fcc) {
+    switch (fcc) {
+        case eZFCC_YVYU:
+            return PixelClass::Yvyu;
+        case eZFCC_YUY2:
+            return PixelClass::Yuy2;
+        case eZFCC_UYVY:
+        case eZFCC_HDYC:
+            return PixelClass::Uyvy;
+        case eZFCC_RGB24:
+            return PixelClass::Rgb24;
+        case eZFCC_RGB32:
+        case eZFCC_ARGB32:
+            return PixelClass::Rgb32;
+        case eZFCC_I420:
+        case eZFCC_YV12:
+            return PixelClass::Planes420;
+        case eZFCC_NV12:
+            return PixelClass::Nv12;
+        default:
+            return PixelClass::None;
+    }
+}
+
+int64_t PixelBytes(PixelClass kind) {
+    if (Is420(kind)) return 1;
+    if (kind == PixelClass::Rgb24) return 3;
+    return kind == PixelClass::Rgb32 ? 4 : 2;
+}
+
+int64_t RowBytesOf(const ImgDesc &desc) { return RowBytes(desc.fcc, desc.nRowPixels != 0 ? desc.nRowPixels : desc.nWidth); }
+
+bool ImageLayoutMake(eZFCC fcc, int32_t width, int32_t height, int64_t rowBytes, ImageLayout *layout) {
+    *layout = {};
+    ImageLayout l;
+    l.kind = PixelClassOf(fcc);
+    const int64_t rows = std::llabs(int64_t{height});
+    if (l.kind == PixelClass::None || width < 1 || rows < 1 || rows > std::numeric_limits<int32_t>::max()) return false;
+    l.width = width;
+    l.rows = static_cast<int32_t>(rows);
+    const int64_t pixels = width * PixelBytes(l.kind);
+    if (rowBytes < pixels || rowBytes > std::numeric_limits<int32_t>::max()) return false;
+    const bool bottomUp = IsRgbFormat(fcc) && height > 0;
+    l.offset[0] = bottomUp ? (rows - 1) * rowBytes : 0;
+    l.step[0] = bottomUp ? -rowBytes : rowBytes;
+    l.bytes = (rows - 1) * rowBytes + pixels;
+    if (Is420(l.kind)) {
+        const bool pairs = l.kind == PixelClass::Nv12;
+        l.chromaRows = l.rows / 2;
+        const int64_t step = pairs ? rowBytes : rowBytes / 2;
+        const int64_t first = rows * rowBytes;
+        const int64_t second = first + (pairs ? 0 : step * l.chromaRows);
+        l.step[1] = l.step[2] = step;
+        l.offset[1] = fcc == eZFCC_YV12 ? second : first;
+        l.offset[2] = fcc == eZFCC_YV12 ? first : second;
+        const int64_t chroma = pairs ? width / 2 * 2 : width / 2;
+        if (l.chromaRows > 0 && chroma > 0) l.bytes = std::max(l.bytes, second + (l.chromaRows - 1) * step + chroma);
+    }
+    *layout = l;
+    return true;
+}
+
+}    // namespace zck

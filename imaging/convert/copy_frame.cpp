@@ -1,0 +1,60 @@
+#include "imaging/convert/copy_frame.h"
+
+#include <algorithm>
+#include <thread>
+
+#include "imaging/colour/convert.h"
+#include "platform/worker_thread.h"
+
+namespace zck {
+namespace {
+
+constexpr int32_t kMostJobs = 4;
+// A thread costs more than the rows of so many pixels.
+constexpr int64_t kPixelsOfAJob = 128 * 1024;
+
+eZFCC Family(eZFCC fcc) {
+    if (fcc == eZFCC_HDYC) return eZFCC_UYVY;
+    return fcc == eZFCC_RGB32 ? eZFCC_ARGB32 : fcc;
+}
+
+struct Job {
+    const ConvertPlan *plan;
+    const uint8_t *src;
+    uint8_t *dst;
+    int32_t jobs;
+
+    void Run(int32_t i) const {
+        const int64_t rows = plan->Rows();
+        plan->RunRows(src, dst, static_cast<int32_t>(rows * i / jobs), static_cast<int32_t>(rows * (i + 1) / jobs));
+    }
+};
+
+void Body(void *owner, int32_t index, CWorkerThread &) { static_cast<const Job *>(owner)->Run(index); }
+
+int32_t JobsFor(const ConvertPlan &plan) {
+    const int64_t pixels = int64_t{plan.Width()} * plan.Rows();
+    const auto processors = static_cast<int64_t>(std::max(1U, std::thread::hardware_concurrency()));
+    const int64_t jobs = std::min({int64_t{kMostJobs}, processors, pixels / kPixelsOfAJob, int64_t{plan.Rows()}});
+    return static_cast<int32_t>(std::max<int64_t>(jobs, 1));
+}
+
+}    // namespace
+
+HRESULT CopyFrameCC_Thread(const uint8_t *src, int64_t srcBytes, uint8_t *dst, int64_t dstBytes, const Z_VID_PROPS *sp,
+                           const Z_VID_PROPS *tp) {
+    if (src == nullptr || dst == nullptr) return E_POINTER;
+    ConvertPlan plan;
+    const HRESULT hr = plan.Prepare(sp, srcBytes, tp, dstBytes);
+    if (hr != S_OK) return hr;
+    Job job = {&plan, src, dst, JobsFor(plan)};
+    if (!plan.RowsIndependent() || Family(sp->fccType) == Family(tp->fccType) || job.jobs == 1) return plan.Run(src, dst);
+    CWorkerThread workers[kMostJobs - 1] = {CWorkerThread(Body), CWorkerThread(Body), CWorkerThread(Body)};
+    for (int32_t i = 1; i < job.jobs; ++i)
+        if (FAILED(workers[i - 1].Start(&job, i))) job.Run(i);
+    job.Run(0);
+    for (CWorkerThread &worker : workers) worker.Stop(kInfinite, false);
+    return S_OK;
+}
+
+}    // namespace zck
