@@ -5,22 +5,27 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 
 namespace zkey {
 namespace {
 
-volatile std::sig_atomic_t g_interrupted = 0;
+// Written in a signal handler, read by all threads.
+std::atomic<bool> g_interrupted{false};
+static_assert(std::atomic<bool>::is_always_lock_free);
 
 // Written by the handler, so that a reader that waits for a pipe comes back, whichever thread the signal met.
 int g_wake[2] = {-1, -1};
 
 void OnInterrupt(int) {
-    g_interrupted = 1;
-    const char any = 0;
     const int kept = errno;
-    if (write(g_wake[1], &any, 1) < 0) errno = kept;
+    g_interrupted = true;
+    const char any = 0;
+    // A pipe that is full wakes the reader just as well.
+    [[maybe_unused]] const ssize_t done = write(g_wake[1], &any, 1);
+    errno = kept;
 }
 
 }    // namespace
@@ -73,6 +78,6 @@ void WatchInterrupt() {
     std::signal(SIGPIPE, SIG_IGN);
 }
 
-bool Interrupted() { return g_interrupted != 0; }
+bool Interrupted() { return g_interrupted; }
 
 }    // namespace zkey
