@@ -10,6 +10,7 @@
 
 #include "imaging/colour/fill.h"
 #include "imaging/colour/row_order.h"
+#include "platform/processor.h"
 #include "tests/conformance/convert_model.h"
 #include "tests/conformance/media_model.h"
 
@@ -42,7 +43,8 @@ size_t MemoryOf(const Z_VID_PROPS &p) {
 }
 
 // Runs the library into guarded memory and compares with the model.
-void Compare(const Bytes &src, const Z_VID_PROPS &sp, const Z_VID_PROPS &tp, size_t dstSize, bool sized, Noise &noise) {
+void CompareAtOneLevel(const Bytes &src, const Z_VID_PROPS &sp, const Z_VID_PROPS &tp, size_t dstSize, bool sized,
+                       Noise &noise) {
     Bytes all(kGuard + dstSize + kGuard);
     noise.Fill(all, 0);
     const Bytes before = all;
@@ -63,6 +65,14 @@ void Compare(const Bytes &src, const Z_VID_PROPS &sp, const Z_VID_PROPS &tp, siz
     for (size_t i = 0; i < dstSize; ++i)
         ASSERT_EQ(all[kGuard + i], want[i]) << "at " << i << " of row bytes " << tp.nRowBytes << ", was "
                                             << static_cast<int>(before[kGuard + i]) << "; " << text;
+}
+
+void Compare(const Bytes &src, const Z_VID_PROPS &sp, const Z_VID_PROPS &tp, size_t dstSize, bool sized, Noise &noise) {
+    for (const zck::KernelLevel level : {zck::KernelLevel::Reference, zck::KernelLevel::Avx2}) {
+        zck::KernelLevelLimit(level);
+        ASSERT_NO_FATAL_FAILURE(CompareAtOneLevel(src, sp, tp, dstSize, sized, noise))
+            << (level == zck::KernelLevel::Avx2 ? "vector" : "reference") << " rows";
+    }
 }
 
 Z_VID_PROPS RandomPicture(Noise &noise, eZFCC fcc, int32_t width, int32_t height) {

@@ -1,6 +1,9 @@
 // The keyer as a host sees it: frames in and out in both modes, borders, statuses, properties, the private entry.
+#include <atomic>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
+#include <thread>
 
 #include "keying/plugin/chroma_key.h"
 #include "tests/conformance/foreign_frame.h"
@@ -11,10 +14,48 @@ namespace {
 
 constexpr HRESULT kWrongState = static_cast<HRESULT>(0x80040227);
 
+// A key object that has a key and nothing else.
+class FakeKey : public IZKey {
+public:
+    HRESULT Z_STDCALL QueryInterface(REFIID, void **ppv) override {
+        *ppv = nullptr;
+        return E_NOINTERFACE;
+    }
+    ULONG Z_STDCALL AddRef() override { return ++m_refs; }
+    ULONG Z_STDCALL Release() override { return --m_refs; }
+    HRESULT Z_STDCALL KeyFrameSet(IUnknown *, IUnknown *) override { return E_FAIL; }
+    HRESULT Z_STDCALL KeyFrameGet(IUnknown **, IUnknown **) override { return E_FAIL; }
+    HRESULT Z_STDCALL KeyDetect(BSTR, IUnknown **) override { return E_FAIL; }
+    HRESULT Z_STDCALL KeyAddPoint(int32_t, int32_t, BSTR, IUnknown **) override { return E_FAIL; }
+    HRESULT Z_STDCALL KeyExcludePoint(int32_t, int32_t, BSTR, IUnknown **) override { return E_FAIL; }
+    HRESULT Z_STDCALL KeyAddRect(int32_t, int32_t, int32_t, int32_t, BSTR, IUnknown **) override { return E_FAIL; }
+    HRESULT Z_STDCALL KeyAdjustSet(eCK_Adjust, double, IUnknown **) override { return E_FAIL; }
+    HRESULT Z_STDCALL KeyAdjustGet(eCK_Adjust, double *) override { return E_FAIL; }
+    HRESULT Z_STDCALL KeyStepBack(int32_t, IUnknown **) override { return E_FAIL; }
+    HRESULT Z_STDCALL KeyStepFwd(int32_t, IUnknown **) override { return E_FAIL; }
+    HRESULT Z_STDCALL KeyReset(IUnknown **) override { return E_FAIL; }
+    HRESULT Z_STDCALL KeyRawSet(CHROMA_KEY_RAW *, CK_ADJUST *) override { return E_FAIL; }
+    HRESULT Z_STDCALL KeyRawGet(CHROMA_KEY_RAW *raw, CK_ADJUST *adjust) override {
+        ++m_calls;
+        *raw = m_raw;
+        m_adjustAsked = adjust != nullptr;
+        return m_status;
+    }
+
+    CHROMA_KEY_RAW m_raw = {};
+    HRESULT m_status = S_OK;
+    int m_calls = 0;
+    bool m_adjustAsked = false;
+    ULONG m_refs = 1;
+};
+
 class Keyer : public Frames {
 protected:
     void SetUp() override {
         Frames::SetUp();
+        Create();
+    }
+    void Create() {
         ASSERT_EQ(zck::CreateObject<zck::CCoZChromaKey>(nullptr, ZIidOf<IZPlugin>(), m_plugin.PutVoid()), S_OK);
         m_key = QueryFor<IZChromaKey>(m_plugin.get());
         m_props = QueryFor<IZProps>(m_plugin.get());
@@ -308,6 +349,110 @@ TEST_F(Keyer, PremultipliedColourLeaves) {
         ASSERT_EQ(o[i * 4 + 1], green ? 0 : 5) << i;
         ASSERT_EQ(o[i * 4 + 2], green ? 0 : 250) << i;
     }
+}
+
+TEST_F(Keyer, AnyFormatIsKeyedLikeItsClone) {
+    CHROMA_KEY_RAW raw = {};
+    raw.nKeysUsed = 1;
+    raw.arrKeys[0] = {0x00608040, 0x00405060, 40, 10, 30, 60, -40, 20, 0, 0};
+    raw.nMinTransparent = 20;
+    raw.nMaxTransparent = 230;
+    raw.bColorCancel = 1;
+    for (const eCK_Type type : {eCKT_RGB, eCKT_HLS, eCKT_YUV})
+        for (const int32_t smooth : {0, 2})
+            for (const char *threads : {"1", "3"})
+                for (const char *borders : {"", "8 3"})
+                    for (const eZFCC fcc : {eZFCC_UYVY, eZFCC_HDYC, eZFCC_YUY2, eZFCC_v210, eZFCC_RGB24, eZFCC_RGB32})
+                        for (const int32_t width : {48, 50, 67})
+                            for (const eZInterlace order : {eZI_Progressive, eZI_Field2First}) {
+                                raw.eType = type;
+                                raw.nEdgesSmooth = smooth;
+                                Z_VID_PROPS p = Picture(fcc, width, 13);
+                                p.eInterlace = order;
+                                const ComPtr<IZFrame> frame = Make(p, static_cast<uint32_t>(width));
+                                ComPtr<IZFrame> clone;
+                                ASSERT_EQ(frame->FrameClone(clone.Put(), eZFC_Full, eZFCC_ARGB32), S_OK);
+                                const Bytes before = Video(clone).bytes();
+                                // Keyers of their own: columns that no kernel writes keep the alpha of the frame before.
+                                const auto keyed = [&](const ComPtr<IZFrame> &in) {
+                                    TearDown();
+                                    Create();
+                                    Synchronous();
+                                    Set("process.threads", threads);
+                                    Set("keying.borders", borders);
+                                    EXPECT_EQ(m_key->KeyRawSet(&raw), S_OK);
+                                    return Receive(in);
+                                };
+                                const ComPtr<IZFrame> direct = keyed(frame), twice = keyed(clone);
+                                ASSERT_EQ(Video(direct).bytes(), Video(twice).bytes())
+                                    << Words(p) << " type " << type << " smooth " << smooth << " threads " << threads;
+                                ASSERT_EQ(Video(clone).bytes(), before);
+                                ASSERT_NE(Video(direct).bytes(), before);
+                            }
+}
+
+// Columns behind the last whole block of 8 are written by no kernel; their alpha is what the plane held.
+TEST_F(Keyer, TheAlphaPlaneIsKeptBetweenFrames) {
+    Synchronous();
+    Set("process.threads", "1");
+    CHROMA_KEY_RAW raw = {};
+    raw.eType = eCKT_RGB;
+    raw.nKeysUsed = 1;
+    raw.arrKeys[0].nValue = 0x0000FF00;
+    raw.arrKeys[0].nDelta = 0x00010101;
+    raw.nMaxTransparent = 255;
+    ASSERT_EQ(m_key->KeyRawSet(&raw), S_OK);
+    const ComPtr<IZFrame> odd = Flat(50, 10, 9), wide = Flat(64, 10, 9);
+    const auto alpha = [&](const ComPtr<IZFrame> &frame, int32_t x, int32_t y) {
+        const Seen video = Video(frame);
+        return static_cast<int>(video.data()[(y * Props(frame).vidProps.nWidth + x) * 4 + 3]);
+    };
+    const ComPtr<IZFrame> first = Receive(odd);
+    EXPECT_EQ(alpha(first, 47, 3), 255);
+    EXPECT_EQ(alpha(first, 48, 3), 0);    // a new plane
+    EXPECT_EQ(alpha(first, 49, 9), 0);
+    const ComPtr<IZFrame> second = Receive(wide);    // larger: a new plane again
+    EXPECT_EQ(alpha(second, 63, 9), 255);
+    const ComPtr<IZFrame> third = Receive(odd);
+    EXPECT_EQ(alpha(third, 48, 3), 255);
+    EXPECT_EQ(alpha(third, 49, 9), 255);
+}
+
+TEST_F(Keyer, ABusyOutputThreadDropsTheFrame) {
+    const ComPtr<IZFrame> real = Flat(16, 8, 10);
+    ForeignFrame slow(real, Answers::Frame);
+    std::atomic<bool> go{false};
+    slow.m_clone = [&](IZFrame **clone, eZFrameClone type, eZFCC fcc) {
+        while (!go) std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        return real->FrameClone(clone, type, fcc);
+    };
+    IZFrame *out = nullptr;
+    EXPECT_EQ(m_plugin->OnMediaReceive(0, nullptr, &slow, &out), S_FALSE);
+    const ComPtr<IZFrame> dropped = Flat(24, 8, 10), next = Flat(32, 8, 10);
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(m_plugin->OnMediaReceive(0, nullptr, dropped.get(), &out), S_FALSE);
+    const auto waited = std::chrono::steady_clock::now() - start;
+    EXPECT_GE(waited, std::chrono::milliseconds(980));
+    EXPECT_LT(waited, std::chrono::milliseconds(5000));
+    EXPECT_EQ(out, nullptr);
+    go = true;
+    EXPECT_EQ(Props(Receive(next)).vidProps.nWidth, 16);
+    EXPECT_EQ(Props(Receive(next)).vidProps.nWidth, 32);
+}
+
+TEST_F(Keyer, TakesTheKeyOfAKeyObject) {
+    FakeKey object;
+    object.m_raw.eType = eCKT_YUV;
+    object.m_raw.nKeysUsed = 20;
+    object.m_status = E_FAIL;    // nobody looks at it
+    EXPECT_EQ(m_key->KeySet(&object), S_OK);
+    EXPECT_EQ(object.m_calls, 1);
+    EXPECT_TRUE(object.m_adjustAsked);
+    CHROMA_KEY_RAW back = {};
+    EXPECT_EQ(m_key->KeyRawGet(&back), S_OK);
+    EXPECT_EQ(back.eType, eCKT_YUV);
+    EXPECT_EQ(back.nKeysUsed, 20);
+    EXPECT_EQ(object.m_refs, 1U);
 }
 
 TEST_F(Keyer, FramesThatAreNone) {
