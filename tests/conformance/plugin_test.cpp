@@ -363,7 +363,7 @@ TEST_F(Keyer, AnyFormatIsKeyedLikeItsClone) {
             for (const char *threads : {"1", "3"})
                 for (const char *borders : {"", "8 3"})
                     for (const eZFCC fcc : {eZFCC_UYVY, eZFCC_HDYC, eZFCC_YUY2, eZFCC_v210, eZFCC_RGB24, eZFCC_RGB32})
-                        for (const int32_t width : {48, 50, 67})
+                        for (const int32_t width : {48, 67})
                             for (const eZInterlace order : {eZI_Progressive, eZI_Field2First}) {
                                 raw.eType = type;
                                 raw.nEdgesSmooth = smooth;
