@@ -10,3 +10,12 @@ else()
   add_library(zck_gtest_main INTERFACE)
   target_link_libraries(zck_gtest_main INTERFACE GTest::gmock GTest::gtest GTest::gtest_main)
 endif()
+
+# The headers that all test programs include, compiled once for them: by a program, since its flags are those of programs.
+if(ZCK_PCH)
+  file(CONFIGURE OUTPUT zck_test_pch.cpp CONTENT "")
+  add_executable(zck_test_pch ${CMAKE_CURRENT_BINARY_DIR}/zck_test_pch.cpp)
+  zck_compile(zck_test_pch)
+  target_link_libraries(zck_test_pch PRIVATE zck_gtest_main)
+  target_precompile_headers(zck_test_pch PRIVATE <gtest/gtest.h> <algorithm> <random> <string> <vector>)
+endif()
