@@ -1,0 +1,85 @@
+#include "platform/files.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+
+#include "platform/status.h"
+
+namespace zck {
+namespace {
+
+class Descriptor {
+public:
+    explicit Descriptor(int descriptor) noexcept : m_descriptor(descriptor) {}
+    ~Descriptor() {
+        if (m_descriptor >= 0) close(m_descriptor);
+    }
+    Descriptor(const Descriptor &) = delete;
+    Descriptor &operator=(const Descriptor &) = delete;
+
+    explicit operator bool() const noexcept { return m_descriptor >= 0; }
+    int get() const noexcept { return m_descriptor; }
+
+private:
+    const int m_descriptor;
+};
+
+bool HasZero(TextView path) noexcept { return path.find(OLECHAR{0}) != TextView::npos; }
+
+HRESULT ReadAll(int descriptor, size_t bytesMax, std::string &out) {
+    constexpr size_t kStep = 1 << 16;
+    for (;;) {
+        const size_t had = out.size();
+        // One byte more than allowed, to see that there is more.
+        const size_t wanted = std::min(std::max(kStep, had), bytesMax + 1 - had);
+        out.resize(had + wanted);
+        ssize_t got = -1;
+        do got = read(descriptor, out.data() + had, wanted);
+        while (got < 0 && errno == EINTR);
+        if (got < 0) return LastSystemError(E_FAIL);
+        out.resize(had + static_cast<size_t>(got));
+        if (got == 0) return S_OK;
+        if (out.size() > bytesMax) return kErrorFileTooLarge;
+    }
+}
+
+}    // namespace
+
+HRESULT FileRead(TextView path, size_t bytesMax, std::string &out) noexcept {
+    out.clear();
+    if (HasZero(path)) return kErrorInvalidName;
+    const HRESULT hr = Guarded([&] {
+        const Descriptor file(open(Utf8FromText(path).c_str(), O_RDONLY | O_CLOEXEC));
+        if (!file) return LastSystemError(E_FAIL);
+        return ReadAll(file.get(), bytesMax, out);
+    });
+    if (FAILED(hr)) out.clear();
+    return hr;
+}
+
+HRESULT FileWrite(TextView path, std::string_view bytes) noexcept {
+    if (HasZero(path)) return kErrorInvalidName;
+    return Guarded([&] {
+        const Descriptor file(open(Utf8FromText(path).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
+        if (!file) return LastSystemError(E_FAIL);
+        while (!bytes.empty()) {
+            const ssize_t put = write(file.get(), bytes.data(), bytes.size());
+            if (put < 0 && errno == EINTR) continue;
+            if (put < 0) return LastSystemError(E_FAIL);
+            bytes.remove_prefix(static_cast<size_t>(put));
+        }
+        return S_OK;
+    });
+}
+
+bool FileExists(TextView path) noexcept {
+    if (HasZero(path)) return false;
+    struct stat facts;
+    return SUCCEEDED(Guarded([&] { return stat(Utf8FromText(path).c_str(), &facts) == 0 ? S_OK : E_FAIL; }));
+}
+
+}    // namespace zck
