@@ -7,6 +7,8 @@
 #include "frames/media/video_props.h"
 #include "imaging/colour/convert.h"
 #include "imaging/colour/fill.h"
+#include "imaging/convert/copy_frame.h"
+#include "imaging/convert/img_convert.h"
 
 namespace zck {
 namespace {
@@ -34,6 +36,18 @@ void TailsClear(const Z_VID_PROPS &props, uint8_t *pixels, int64_t size) {
     for (int64_t row = 0; row < size; row += step) {
         if (row + sure < size) std::memset(pixels + row + sure, 0, static_cast<size_t>(std::min(step, size - row) - sure));
     }
+}
+
+bool IsTenBit(eZFCC fcc) { return fcc == eZFCC_v210 || fcc == eZFCC_r210; }
+
+// For what has no direct route. Formats that are not served at all give a picture of zeros, and that is a success.
+HRESULT ConvertOtherwise(const PixelJob &job) {
+    const bool whole = job.targetProps.nWidth % 2 == 0 && ColorConvertServes(job.sourceProps.fccType, job.targetProps.fccType);
+    if (!job.bZeroed && !whole) std::memset(job.target, 0, job.targetSize);
+    ImgConvertState state;
+    const HRESULT hr =
+        ImgConvert(&state, job.source, job.sourceSize, job.target, job.targetSize, &job.sourceProps, &job.targetProps);
+    return SUCCEEDED(hr) ? S_OK : hr;
 }
 
 // Rows are never shorter than their pixels, as in a record that has been normalised.
@@ -74,7 +88,12 @@ HRESULT PixelsConvert(const PixelJob &job) {
     if (!PixelsFit(job.sourceProps, job.sourceSize) || !PixelsFit(job.targetProps, job.targetSize))
         return kVfwEInvalidMediaType;
     if (!job.bZeroed) TailsClear(job.targetProps, job.target, job.targetSize);
-    return ConvertSameGeometry(job.source, job.sourceSize, job.target, job.targetSize, &job.sourceProps, &job.targetProps);
+    const bool tenBit = IsTenBit(job.sourceProps.fccType) || IsTenBit(job.targetProps.fccType);
+    const HRESULT hr =
+        tenBit
+            ? CopyFrameCC_Thread(job.source, job.sourceSize, job.target, job.targetSize, &job.sourceProps, &job.targetProps)
+            : ConvertSameGeometry(job.source, job.sourceSize, job.target, job.targetSize, &job.sourceProps, &job.targetProps);
+    return SUCCEEDED(hr) ? hr : ConvertOtherwise(job);
 }
 
 void PixelsFill(const Z_VID_PROPS &props, uint8_t *pixels, uint32_t size, uint32_t color, bool bZeroed) {

@@ -33,7 +33,8 @@ struct PixelJob {
     bool bZeroed = false;    ///< the target's bytes are 0
 };
 
-/// Converts; target bytes that the conversion does not reach are 0.
+/// Converts; target bytes that the conversion does not reach are 0. Formats between which there is no conversion (RGB to v210,
+/// anything from or to r210 and RGB8) give a picture of zeros.
 HRESULT PixelsConvert(const PixelJob &job);
 
 /// Fills a picture with a colour 0xAABBGGRR; formats that cannot be filled stay 0. `bZeroed` as above.
