@@ -21,11 +21,8 @@ uint8_t *CFrameSource::Pixels() const { return reinterpret_cast<uint8_t *>(m_she
 
 bool CFrameSource::PrepareRows() {
     const Z_VID_PROPS &clone = m_shell.clone;
-    if (m_shell.bConvert != 0) {
-        // Picture rows and stored rows are the same in a top-down clone.
-        return clone.nHeight < 0 && SUCCEEDED(m_plan.Prepare(&m_shell.source, m_shell.cbSource, &clone, m_shell.cbClone)) &&
-               m_plan.RowsIndependent() && m_plan.Rows() == -clone.nHeight;
-    }
+    // Picture rows and stored rows are the same in a top-down clone.
+    if (m_shell.bConvert != 0) return clone.nHeight < 0 && PrepareConversion();
     if (clone.nRowBytes <= 0) return false;
     // What a buffer holds behind its rows comes along as well.
     const int64_t end = std::abs(static_cast<int64_t>(clone.nHeight)) * clone.nRowBytes;
@@ -36,12 +33,23 @@ bool CFrameSource::PrepareRows() {
     return true;
 }
 
+bool CFrameSource::PrepareConversion() {
+    const Z_VID_PROPS &clone = m_shell.clone;
+    m_bPlanar = SUCCEEDED(m_planar.Prepare(&m_shell.source, m_shell.cbSource, &clone, m_shell.cbClone));
+    if (m_bPlanar) return m_planar.RowsIndependent() && m_planar.Rows() == -clone.nHeight;
+    return SUCCEEDED(m_plan.Prepare(&m_shell.source, m_shell.cbSource, &clone, m_shell.cbClone)) && m_plan.RowsIndependent() &&
+           m_plan.Rows() == -clone.nHeight;
+}
+
 HRESULT CFrameSource::Fetch(void *context, int32_t row, uint8_t *dst) {
     const auto &self = *static_cast<const CFrameSource *>(context);
-    if (self.m_shell.bConvert != 0)
-        self.m_plan.RunRows(reinterpret_cast<const uint8_t *>(self.m_shell.pbSource), self.Pixels(), row, row + 1);
-    else
+    const auto *source = reinterpret_cast<const uint8_t *>(self.m_shell.pbSource);
+    if (self.m_shell.bConvert == 0)
         self.CopyRow(row, dst);
+    else if (self.m_bPlanar)
+        self.m_planar.RunRows(source, self.Pixels(), row, row + 1);
+    else
+        self.m_plan.RunRows(source, self.Pixels(), row, row + 1);
     return S_OK;
 }
 

@@ -4,6 +4,7 @@
 
 #include "frames/views/frame_shell.h"
 #include "imaging/colour/convert.h"
+#include "imaging/colour/planar_plan.h"
 #include "keying/pipeline/row_source.h"
 #include "platform/com_ptr.h"
 
@@ -30,6 +31,7 @@ private:
     static const uint8_t *View(void *context, int32_t row);
 
     bool PrepareRows();
+    bool PrepareConversion();
     void CopyRow(int32_t row, uint8_t *dst) const;
     const uint8_t *SourceRow(int32_t row) const;
 
@@ -37,6 +39,8 @@ private:
     ComPtr<IZFrame_I> m_local;
     ZF_SHELL m_shell = {};
     ConvertPlan m_plan;
+    PlanarPlan m_planar;
+    bool m_bPlanar = false;     // the second plan has the rows
     bool m_bInPlace = false;    // the source has the clone's bytes, in whole rows
 };
 
