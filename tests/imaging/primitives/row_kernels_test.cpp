@@ -159,35 +159,39 @@ TEST_F(Rows, Conversions) {
 int64_t Half(int32_t width) { return (int64_t{width} + 1) / 2; }
 // A row of luma and two of chroma, one behind the other.
 int64_t Planes(int32_t width) { return width + 2 * Half(width); }
+// An input of a count below 1 has no address to count from.
+int32_t Past(int32_t n) { return std::max(n, 0); }
 
 TEST_F(Rows, Planes) {
     CheckKernel("split_uyvy", ref, vec, {Groups, Planes, 132},
                 [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.split_uyvy(d, d + n, d + n + Half(n), s, n); });
     CheckKernel("split_yuy2", ref, vec, {Groups, Planes, 132},
                 [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.split_yuy2(d, d + n, d + n + Half(n), s, n); });
-    CheckKernel("join_uyvy", ref, vec, {Planes, Groups, 132},
-                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.join_uyvy(d, s, s + n, s + n + Half(n), n); });
-    CheckKernel("join_yuy2", ref, vec, {Planes, Groups, 132},
-                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.join_yuy2(d, s, s + n, s + n + Half(n), n); });
+    CheckKernel("join_uyvy", ref, vec, {Planes, Groups, 132}, [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) {
+        k.join_uyvy(d, s, s + Past(n), s + Past(n) + Half(Past(n)), n);
+    });
+    CheckKernel("join_yuy2", ref, vec, {Planes, Groups, 132}, [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) {
+        k.join_yuy2(d, s, s + Past(n), s + Past(n) + Half(Past(n)), n);
+    });
     CheckKernel("split_pairs", ref, vec, {Times(2), Times(2), 68},
                 [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.split_pairs(d, d + n, s, n); });
     CheckKernel("join_pairs", ref, vec, {Times(2), Times(2), 68},
-                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.join_pairs(d, s, s + n, n); });
+                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.join_pairs(d, s, s + Past(n), n); });
     CheckKernel("mean", ref, vec, {Times(2), Times(1), 132},
-                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.mean(d, s, s + n, n); });
+                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.mean(d, s, s + Past(n), n); });
     CheckKernel("mean of its target", ref, vec, {Times(1), Times(1), 132},
                 [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.mean(d, d, s, n); });
 }
 
 TEST_F(Rows, ColoursOfPlanes) {
     CheckKernel("planes_to_bgra", ref, vec, {Planes, Times(4), 68}, [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) {
-        k.planes_to_bgra(d, s, s + n, s + n + Half(n), n, 99);
+        k.planes_to_bgra(d, s, s + Past(n), s + Past(n) + Half(Past(n)), n, 99);
     });
     CheckKernel("nv12_to_bgra", ref, vec, {Planes, Times(4), 68},
-                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.nv12_to_bgra(d, s, s + n, n, 255); });
+                [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.nv12_to_bgra(d, s, s + Past(n), n, 255); });
     CheckKernel("bgra_to_420", ref, vec, {Times(8), [](int32_t n) { return n + Planes(n); }, 68},
                 [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) {
-                    k.bgra_to_420(d, d + n, d + 2 * n, d + 2 * n + Half(n), s, s + 4 * n, n);
+                    k.bgra_to_420(d, d + n, d + 2 * n, d + 2 * n + Half(n), s, s + 4 * Past(n), n);
                 });
     CheckKernel(
         "bgra_to_420, one row", ref, vec, {Times(4), Planes, 68},
