@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "hosts/zkey/composite.h"
 #include "hosts/zkey/frame_format.h"
@@ -23,6 +24,8 @@ struct SourceInfo {
     Rational pixelAspect{1, 1};
     int64_t frames = 0;    ///< 0: unknown
     bool still = false;    ///< one picture, not a clip
+    /// How a player turns the pictures, as nine fixed-point numbers; empty when it does not. Pictures stay as they are stored.
+    std::vector<int32_t> displayMatrix;
     std::shared_ptr<AudioTrack> audio;
 };
 

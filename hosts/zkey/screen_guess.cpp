@@ -124,18 +124,19 @@ int32_t ByteOf(int32_t value, int channel) { return (value >> (8 * channel)) & 2
 
 uint32_t ColourOf(const Pixel &p) { return static_cast<uint32_t>((p.red << 16) | (p.green << 8) | p.blue); }
 
-/// In each channel of the key's space: how far most of the pixels lie from the middle, with room for the rest.
+/// In each channel of the key's space: how spread most of the pixels lie from the middle, with room for the rest.
 std::array<int32_t, 3> SpreadOf(const std::vector<Pixel> &pixels, eCK_Type type, uint32_t middle) {
     const int32_t centre = KeyValue(type, middle);
     const std::array<int32_t, 3> least = SpreadTolerance(type, kLeastTolerance);
     const std::array<int32_t, 3> most = SpreadTolerance(type, kMostTolerance);
-    std::array<std::vector<int32_t>, 3> far;
+    std::array<std::vector<int32_t>, 3> spread;
     for (const Pixel &p : pixels) {
         const int32_t value = KeyValue(type, ColourOf(p));
-        for (int c = 0; c < 3; ++c) far[static_cast<std::size_t>(c)].push_back(std::abs(ByteOf(value, c) - ByteOf(centre, c)));
+        for (int c = 0; c < 3; ++c)
+            spread[static_cast<std::size_t>(c)].push_back(std::abs(ByteOf(value, c) - ByteOf(centre, c)));
     }
     std::array<int32_t, 3> out{};
-    for (std::size_t c = 0; c < 3; ++c) out[c] = std::clamp(Quantile(far[c], 0.95) * 8 / 5 + 4, least[c], most[c]);
+    for (std::size_t c = 0; c < 3; ++c) out[c] = std::clamp(Quantile(spread[c], 0.95) * 8 / 5 + 4, least[c], most[c]);
     return out;
 }
 
@@ -184,7 +185,7 @@ ScreenKey KeyFor(eCK_Type type, const std::vector<Pixel> &part) {
     return key;
 }
 
-/// Parts of equal width in brightness, without the few pixels that are far off.
+/// Parts of equal width in brightness, without the few pixels that are spread off.
 std::vector<std::vector<Pixel>> PartsOf(const std::vector<Pixel> &screen) {
     std::vector<int32_t> brightness;
     brightness.reserve(screen.size());

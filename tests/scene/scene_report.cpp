@@ -40,20 +40,20 @@ int Compare(const std::string &known, const std::string &matte) {
     Image x;
     Image y;
     double sum = 0;
-    double far = 0;
+    double wrong = 0;
     double pixels = 0;
     while (a.Next(x)) {
         if (!b.Next(y) || x.bytes.size() != y.bytes.size()) zkey::Fail("the mattes differ in size or length");
         for (std::size_t i = 0; i < x.bytes.size(); i += 4) {
             const int off = std::abs(x.bytes[i] - y.bytes[i]);
             sum += off;
-            far += off > 32 ? 1 : 0;
+            wrong += off > 32 ? 1 : 0;
         }
         pixels += static_cast<double>(x.bytes.size() / 4);
     }
     if (pixels == 0) zkey::Fail("the clips hold no picture");
     std::printf("alpha error: %.2f of 255 on average; %.2f %% of the pixels are off by more than 32\n", sum / pixels,
-                100 * far / pixels);
+                100 * wrong / pixels);
     return 0;
 }
 

@@ -68,6 +68,12 @@ void Clip::Describe(bool audio) {
         m_info.frames = std::llround(static_cast<double>(m_format->duration) / AV_TIME_BASE * av_q2d(rate));
     }
 
+    const uint8_t *display = av_stream_get_side_data(m_stream, AV_PKT_DATA_DISPLAYMATRIX, nullptr);
+    if (display != nullptr) {
+        m_info.displayMatrix.resize(9);
+        std::memcpy(m_info.displayMatrix.data(), display, 9 * sizeof(int32_t));
+    }
+
     m_sound = audio ? av_find_best_stream(m_format, AVMEDIA_TYPE_AUDIO, -1, index, nullptr, 0) : -1;
     if (m_sound >= 0) {
         const AVStream *sound = m_format->streams[m_sound];

@@ -1,3 +1,4 @@
+#include <cmath>
 #include <cstring>
 
 #include "hosts/zkey/failure.h"
@@ -23,6 +24,7 @@ public:
         try {
             OpenEncoder(
                 ChooseEncoder(*m_format->oformat, m_path, delivery.codec, delivery.finish, m_source.width, m_source.height));
+            TurnAsSource(delivery.quiet);
             OpenSound(delivery.quiet);
             OpenFile();
         } catch (...) {
@@ -120,6 +122,22 @@ private:
         if (error < 0) {
             Fail("cannot write " + m_path + ": the encoder " + choice.codec->name + " refuses pictures of " +
                  std::to_string(m_source.width) + "x" + std::to_string(m_source.height) + ": " + LibavError(error));
+        }
+    }
+
+    /// Phones store pictures lying on their side and tell players to turn them.
+    void TurnAsSource(bool quiet) {
+        const std::vector<int32_t> &matrix = m_source.displayMatrix;
+        if (matrix.empty()) return;
+        const double degrees = av_display_rotation_get(matrix.data());
+        const std::string_view container = m_format->oformat->name;
+        if (container == "mov" || container == "mp4" || container == "matroska") {
+            uint8_t *to = av_stream_new_side_data(m_stream, AV_PKT_DATA_DISPLAYMATRIX, 9 * sizeof(int32_t));
+            if (to == nullptr) Fail("out of memory");
+            std::memcpy(to, matrix.data(), 9 * sizeof(int32_t));
+        } else if (!quiet && std::fabs(degrees) > 1) {
+            Note("players turn the input by " + std::to_string(std::lround(-degrees)) + " degrees; " + m_path +
+                 " cannot ask for that, and its pictures are as they are stored");
         }
     }
 

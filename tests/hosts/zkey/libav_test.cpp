@@ -283,6 +283,19 @@ TEST(LibavWriter, AMatteIsGreyInAPng) {
     for (int x = 0; x < 64; ++x) EXPECT_EQ(frame->data[0][x], 255 - 4 * x);
 }
 
+TEST(LibavWriter, PicturesAreTurnedAsTheSourceWas) {
+    const Scratch scratch;
+    Delivery d = To(scratch.Path("a.mov"), Finish::Straight, "qtrle");
+    d.source.displayMatrix.resize(9);
+    av_display_rotation_set(d.source.displayMatrix.data(), -90);
+    WriteFrames(d, Fade(), 1);
+    EXPECT_EQ(Clip(d.path, false).Info().displayMatrix, d.source.displayMatrix);
+    d.source.displayMatrix.clear();
+    WriteFrames(d, Fade(), 1);
+    const std::vector<int32_t> plain = Clip(d.path, false).Info().displayMatrix;
+    EXPECT_TRUE(plain.empty() || av_display_rotation_get(plain.data()) == 0);
+}
+
 TEST(LibavWriter, OddSizesAreWritten) {
     const Scratch scratch;
     Image image;
