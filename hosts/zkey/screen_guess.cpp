@@ -124,7 +124,7 @@ int32_t ByteOf(int32_t value, int channel) { return (value >> (8 * channel)) & 2
 
 uint32_t ColourOf(const Pixel &p) { return static_cast<uint32_t>((p.red << 16) | (p.green << 8) | p.blue); }
 
-/// In each channel of the key's space: how spread most of the pixels lie from the middle, with room for the rest.
+/// In each channel of the key's space: how far most of the pixels lie from the middle, with room for the rest.
 std::array<int32_t, 3> SpreadOf(const std::vector<Pixel> &pixels, eCK_Type type, uint32_t middle) {
     const int32_t centre = KeyValue(type, middle);
     const std::array<int32_t, 3> least = SpreadTolerance(type, kLeastTolerance);
@@ -185,7 +185,7 @@ ScreenKey KeyFor(eCK_Type type, const std::vector<Pixel> &part) {
     return key;
 }
 
-/// Parts of equal width in brightness, without the few pixels that are spread off.
+/// Parts of equal width in brightness, without the few pixels that are far off.
 std::vector<std::vector<Pixel>> PartsOf(const std::vector<Pixel> &screen) {
     std::vector<int32_t> brightness;
     brightness.reserve(screen.size());
