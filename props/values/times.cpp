@@ -124,9 +124,11 @@ TimeFields TimeFromText(TextView text, bool timeOnly) noexcept {
     const double seconds = sum.Seconds();
     const double whole = std::floor(seconds);
     time.millisecond = static_cast<uint16_t>(std::round((seconds - whole) * 1000));
-    time.hour = static_cast<uint16_t>(std::fmod(std::floor(whole / 3600), 24));
-    time.minute = static_cast<uint16_t>(std::fmod(std::floor(whole / 60), 60));
-    time.second = static_cast<uint16_t>(std::fmod(whole, 60));
+    // The remainder is exact, a quotient of many digits would be rounded.
+    const auto ofDay = static_cast<int32_t>(std::fmod(whole, 24 * 3600));
+    time.hour = static_cast<uint16_t>(ofDay / 3600);
+    time.minute = static_cast<uint16_t>(ofDay / 60 % 60);
+    time.second = static_cast<uint16_t>(ofDay % 60);
     if (at > 0 && !timeOnly) DateFromText(text, time);
     return time;
 }
