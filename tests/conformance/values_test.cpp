@@ -257,6 +257,30 @@ TEST(Floats, LongTextsAreExact) {
     }
 }
 
+TEST(Floats, ATextBetweenTwoRealsIsDecidedByItsLastDigit) {
+    const std::string half = "1.00000000000000011102230246251565404236316680908203125";    // 1 + 2 to the power of -53
+    const double next = std::nextafter(1.0, 2.0);
+    EXPECT_EQ(zck::FloatFromText(T(half)), 1.0);
+    EXPECT_EQ(zck::FloatFromText(T(half + std::string(600, '0'))), 1.0);
+    EXPECT_EQ(zck::FloatFromText(T(half + std::string(600, '0') + "1")), next);
+    EXPECT_EQ(zck::FloatFromText(T(half + std::string(2000, '0') + "1")), next);
+    // Half of the smallest real has 751 digits.
+    char exact[1200];
+    std::snprintf(exact, sizeof exact, "%.1074f", std::numeric_limits<double>::denorm_min());
+    std::string smallest(exact);
+    int rest = 0;
+    smallest += "0";
+    for (char &c : smallest) {
+        if (c == '.') continue;
+        const int v = rest * 10 + (c - '0');
+        c = static_cast<char>('0' + v / 2);
+        rest = v % 2;
+    }
+    EXPECT_EQ(zck::FloatFromText(T(smallest)), 0.0);
+    EXPECT_EQ(zck::FloatFromText(T(smallest + "1")), std::numeric_limits<double>::denorm_min());
+    EXPECT_EQ(zck::FloatFromText(T(smallest + "1")), ModelFloat(smallest + "1"));
+}
+
 TEST(Sizes, FromText) {
     using zck::SizeUnit;
     const struct {
