@@ -71,13 +71,29 @@ ToPlanes Splitter(PixelClass kind) {
     }
 }
 
-// An odd last column has luma only.
+// An odd last column has luma only, and of 4:2:2 only this byte of its group is sure to be there.
+void FillLastColumn(const PlanarImage &image, const ImageLayout &l, const uint8_t *first) {
+    const int64_t x = l.width - 1;
+    uint8_t *const luma = image.plane[0] + x;
+    if (l.kind == PixelClass::Rgb24 || l.kind == PixelClass::Rgb32) {
+        uint8_t cb, cr;
+        uint8_t *const dst[3] = {luma, &cb, &cr};
+        const int64_t steps[3] = {image.nRowBytes[0], 0, 0};
+        Splitter(l.kind)(first + x * PixelBytes(l.kind), l.step[0], dst, steps, {1, l.rows});
+        return;
+    }
+    const uint8_t *const byte = first + 2 * x + (l.kind == PixelClass::Uyvy ? 1 : 0);
+    for (int64_t y = 0; y < l.rows; ++y) luma[y * image.nRowBytes[0]] = byte[y * l.step[0]];
+}
+
 HRESULT Fill(const PlanarImage &image, const ImageLayout &l, const uint8_t *src) {
     const Steps steps(image);
     const ROI even = {l.width & ~1, l.rows};
     const uint8_t *const first = src + l.offset[0];
-    if (l.kind != PixelClass::Nv12)
+    if (l.kind != PixelClass::Nv12) {
+        if (even.width != l.width) FillLastColumn(image, l, first);
         return even.width == 0 || Splitter(l.kind)(first, l.step[0], image.plane, steps.step, even) == 0 ? S_OK : E_FAIL;
+    }
     const ROI pairs = {l.width & ~1, l.rows & ~1};
     const bool copied = Copy_8u_C1R(first, l.step[0], image.plane[0], steps.step[0], {l.width, l.rows}) == 0;
     if (!copied) return E_FAIL;
@@ -162,7 +178,7 @@ HRESULT LoadPlanes(PlanarImage *image, const uint8_t *src, int64_t srcBytes, con
 
 HRESULT PackPlanes(const PlanarImage *image, uint8_t *dst, int64_t dstBytes, eZFCC fcc, int32_t rowBytes) {
     if (image == nullptr || dst == nullptr) return E_POINTER;
-    if (!image->bPlanar || image->plane[0] == nullptr) return E_FAIL;
+    if (!image->bPlanar || image->plane[0] == nullptr || image->nWidth[0] < 1 || image->nHeight[0] < 1) return E_FAIL;
     const PixelClass kind = PixelClassOf(fcc);
     if (kind == PixelClass::None || Is420(kind) != Is420(PixelClassOf(image->fcc))) return kVfwEInvalidSubtype;
     ImageLayout l;
