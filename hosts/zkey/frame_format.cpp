@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
+#include <utility>
 
 #include "hosts/zkey/failure.h"
 #include "hosts/zkey/text.h"
@@ -12,21 +13,19 @@ namespace zkey {
 namespace {
 
 constexpr std::array<NamedFormat, 12> kFormats = {{
-    {"RGB24", eZFCC_RGB24, eZFCC_RGB24, "blue, green, red"},
-    {"RGB32", eZFCC_RGB32, eZFCC_RGB32, "blue, green, red, unused"},
-    {"ARGB32", eZFCC_ARGB32, eZFCC_ARGB32, "blue, green, red, alpha"},
-    {"UYVY", eZFCC_UYVY, eZFCC_UYVY, "4:2:2, BT.601: Cb Y Cr Y"},
-    {"HDYC", eZFCC_HDYC, eZFCC_HDYC, "4:2:2, BT.709: Cb Y Cr Y"},
-    {"YUY2", eZFCC_YUY2, eZFCC_YUY2, "4:2:2, BT.601: Y Cb Y Cr"},
-    {"YVYU", eZFCC_YVYU, eZFCC_YUY2, "4:2:2, BT.601: Y Cr Y Cb"},
-    {"v210", eZFCC_v210, eZFCC_v210, "4:2:2, BT.601, 10 bits"},
-    {"I420", eZFCC_I420, eZFCC_RGB32, "4:2:0 planes Y, Cb, Cr"},
-    {"YV12", eZFCC_YV12, eZFCC_RGB32, "4:2:0 planes Y, Cr, Cb"},
-    {"NV12", eZFCC_NV12, eZFCC_RGB32, "4:2:0 planes Y, Cb and Cr in turn"},
-    {nullptr, eZFCC_Default, eZFCC_Default, nullptr},
+    {"RGB24", eZFCC_RGB24, "blue, green, red"},
+    {"RGB32", eZFCC_RGB32, "blue, green, red, unused"},
+    {"ARGB32", eZFCC_ARGB32, "blue, green, red, alpha"},
+    {"UYVY", eZFCC_UYVY, "4:2:2, BT.601: Cb Y Cr Y"},
+    {"HDYC", eZFCC_HDYC, "4:2:2, BT.709: Cb Y Cr Y"},
+    {"YUY2", eZFCC_YUY2, "4:2:2, BT.601: Y Cb Y Cr"},
+    {"YVYU", eZFCC_YVYU, "4:2:2, BT.601: Y Cr Y Cb"},
+    {"v210", eZFCC_v210, "4:2:2, matrix by size, 10 bits in blocks of 128 bytes"},
+    {"I420", eZFCC_I420, "4:2:0, matrix by size: planes Y, Cb, Cr"},
+    {"YV12", eZFCC_YV12, "4:2:0, matrix by size: planes Y, Cr, Cb"},
+    {"NV12", eZFCC_NV12, "4:2:0, matrix by size: planes Y, Cb and Cr in turn"},
+    {nullptr, eZFCC_Default, nullptr},
 }};
-
-bool IsPlanar(eZFCC fcc) { return fcc == eZFCC_I420 || fcc == eZFCC_YV12 || fcc == eZFCC_NV12; }
 
 int64_t PipeRow64(eZFCC fcc, int64_t width) {
     switch (fcc) {
@@ -47,7 +46,7 @@ int64_t PipeRow64(eZFCC fcc, int64_t width) {
 }
 
 [[noreturn]] void BadSpec(const std::string &text, const std::string &why) {
-    FailUsage("--raw " + text + ": " + why + " (FORMAT:WxH[@RATE][:top|bottom|progressive], such as UYVY:720x576@25:top)");
+    FailUsage("--raw " + text + ": " + why + " (FORMAT:WxH[@RATE][:WORD...], such as UYVY:720x576@25:top)");
 }
 
 int32_t ParseSide(const std::string &spec, std::string_view text) {
@@ -61,11 +60,38 @@ int32_t ParseSide(const std::string &spec, std::string_view text) {
     return value;
 }
 
-eZInterlace ParseScan(const std::string &spec, std::string_view text) {
-    if (SameWord(text, "top")) return eZI_Field1First;
-    if (SameWord(text, "bottom")) return eZI_Field2First;
-    if (SameWord(text, "progressive")) return eZI_Progressive;
-    BadSpec(spec, "\"" + std::string(text) + "\" is no field order");
+void TakeWord(const std::string &text, std::string_view word, RawSpec &spec) {
+    if (SameWord(word, "top")) {
+        spec.scan = eZI_Field1First;
+    } else if (SameWord(word, "bottom")) {
+        spec.scan = eZI_Field2First;
+    } else if (SameWord(word, "progressive")) {
+        spec.scan = eZI_Progressive;
+    } else if (IsRgb(spec.fcc)) {
+        BadSpec(text, "\"" + std::string(word) + "\" is none of top, bottom, progressive");
+    } else if (SameWord(word, "601")) {
+        spec.matrix = kBt601;
+    } else if (SameWord(word, "709")) {
+        spec.matrix = kBt709;
+    } else if (SameWord(word, "full")) {
+        spec.fullRange = true;
+    } else {
+        BadSpec(text, "\"" + std::string(word) + "\" is none of top, bottom, progressive, 601, 709, full");
+    }
+}
+
+/// What the name of a format says about its matrix, or else the size of the picture.
+YuvMeaning NaturalMeaning(const RawSpec &spec) {
+    switch (spec.fcc) {
+        case eZFCC_UYVY:
+        case eZFCC_YUY2:
+        case eZFCC_YVYU:
+            return kBt601;
+        case eZFCC_HDYC:
+            return kBt709;
+        default:
+            return MeaningBySize(spec.width, spec.height);
+    }
 }
 
 }    // namespace
@@ -107,9 +133,10 @@ RawSpec ParseRawSpec(const std::string &text) {
     spec.fcc = format->fcc;
 
     std::string size = text.substr(colon + 1);
-    if (const std::size_t scan = size.find(':'); scan != std::string::npos) {
-        spec.scan = ParseScan(text, size.substr(scan + 1));
-        size.resize(scan);
+    while (size.find(':') != std::string::npos) {
+        const std::size_t word = size.rfind(':');
+        TakeWord(text, std::string_view(size).substr(word + 1), spec);
+        size.resize(word);
     }
     if (const std::size_t at = size.find('@'); at != std::string::npos) {
         const std::optional<Rational> rate = ParseRate(std::string_view(size).substr(at + 1));
@@ -146,7 +173,31 @@ Z_VID_PROPS DescribeFrame(eZFCC fcc, int32_t width, int32_t height, eZInterlace 
     return props;
 }
 
-int64_t FrameBytes(const Z_VID_PROPS &props) { return int64_t{props.nRowBytes} * std::abs(props.nHeight); }
+int64_t FrameBytes(const Z_VID_PROPS &props) {
+    const int64_t rows = std::abs(props.nHeight);
+    return int64_t{props.nRowBytes} * (IsPlanar(props.fccType) ? rows + rows / 2 : rows);
+}
+
+PlanarFrame PlanesOfFrame(uint8_t *pixels, const Z_VID_PROPS &props) {
+    const std::ptrdiff_t row = props.nRowBytes;
+    const std::ptrdiff_t rows = std::abs(props.nHeight);
+    PlanarFrame f{pixels, pixels + row * rows, nullptr, row, row, 2};
+    f.cr = f.cb + 1;
+    if (props.fccType == eZFCC_NV12) return f;
+    f.chromaRow = row / 2;
+    f.chromaStep = 1;
+    f.cr = f.cb + f.chromaRow * (rows / 2);
+    if (props.fccType == eZFCC_YV12) std::swap(f.cb, f.cr);
+    return f;
+}
+
+YuvMeaning RawSpec::Meaning() const {
+    YuvMeaning m = matrix.value_or(NaturalMeaning(*this));
+    m.fullRange = fullRange;
+    return m;
+}
+
+bool IsPlanar(eZFCC fcc) { return fcc == eZFCC_I420 || fcc == eZFCC_YV12 || fcc == eZFCC_NV12; }
 
 bool IsRgb(eZFCC fcc) { return fcc == eZFCC_RGB24 || fcc == eZFCC_RGB32 || fcc == eZFCC_ARGB32; }
 

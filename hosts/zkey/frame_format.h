@@ -1,11 +1,13 @@
 // The pixel formats of frames without a header, and the description of a frame for the library.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "hosts/zkey/yuv_planes.h"
 #include "zchromakey/media_types.h"
 
 namespace zkey {
@@ -20,8 +22,6 @@ struct Rational {
 struct NamedFormat {
     const char *name;
     eZFCC fcc;
-    /// The format in which the frame is handed to the library: the same bytes, or a conversion by this program.
-    eZFCC handed;
     const char *help;
 };
 
@@ -29,13 +29,19 @@ const NamedFormat *FormatByName(std::string_view name);
 /// Ends at an entry without a name.
 const NamedFormat *FormatTable();
 
-/// A description of headerless frames: FORMAT:WxH[@RATE][:top|bottom|progressive].
+/// A description of headerless frames: FORMAT:WxH[@RATE], then words, each after a colon: top, bottom, progressive; and for
+/// luma and chroma 601, 709 and full.
 struct RawSpec {
     eZFCC fcc = eZFCC_Default;
     int32_t width = 0;
     int32_t height = 0;
     Rational rate{25, 1};
     eZInterlace scan = eZI_Progressive;
+    std::optional<YuvMeaning> matrix;    ///< not given: what the format's name says, or else the size
+    bool fullRange = false;
+
+    /// What the samples mean; of no use for the RGB family.
+    YuvMeaning Meaning() const;
 };
 
 /// Ends the program with a usage line when the text is malformed.
@@ -43,7 +49,7 @@ RawSpec ParseRawSpec(const std::string &text);
 /// "25", "29.97" (which means 30000/1001) or "30000/1001".
 std::optional<Rational> ParseRate(std::string_view text);
 
-/// Bytes of a row as the library lays them out: padded to 4 bytes, v210 in blocks of 128.
+/// Bytes of a row as the library lays them out: padded to 4 bytes, v210 in blocks of 128; of planes the luma row.
 int32_t LibraryRowBytes(eZFCC fcc, int32_t width);
 /// Bytes of a row in a pipe: without padding, save that 4:2:2 has whole pairs and v210 whole blocks of 128.
 int32_t PipeRowBytes(eZFCC fcc, int32_t width);
@@ -54,6 +60,20 @@ int64_t PipeFrameBytes(eZFCC fcc, int32_t width, int32_t height);
 Z_VID_PROPS DescribeFrame(eZFCC fcc, int32_t width, int32_t height, eZInterlace scan, double rate);
 /// Bytes of the pixels that a description from `DescribeFrame` states.
 int64_t FrameBytes(const Z_VID_PROPS &props);
+
+/// The planes of a 4:2:0 frame as the library lays them out. Its height is even.
+struct PlanarFrame {
+    uint8_t *y;
+    uint8_t *cb;
+    uint8_t *cr;
+    std::ptrdiff_t lumaRow;    ///< bytes from row to row
+    std::ptrdiff_t chromaRow;
+    int chromaStep;    ///< bytes from sample to sample
+};
+PlanarFrame PlanesOfFrame(uint8_t *pixels, const Z_VID_PROPS &props);
+
+/// I420, YV12 and NV12.
+bool IsPlanar(eZFCC fcc);
 
 bool IsRgb(eZFCC fcc);
 bool IsInterlaced(eZInterlace scan);

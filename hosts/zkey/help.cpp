@@ -72,8 +72,10 @@ The engine
                           and cropped again, so that no strip at the edge is left unkeyed
 
 Raw frames
-      --raw FORMAT:WxH[@RATE][:top|bottom|progressive]
-                          INPUT (a file or -) holds frames without headers, top row first, rows without padding
+      --raw FORMAT:WxH[@RATE][:WORD...]
+                          INPUT (a file or -) holds frames without headers, top row first, rows without padding.
+                          Words: top or bottom (interlaced, that field first), progressive (the default); 601, 709
+                          (the matrix, where the format's name or the size does not tell it), full (range)
 )";
 
 std::string Formats() {

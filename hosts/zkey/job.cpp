@@ -81,7 +81,8 @@ private:
         if (Interrupted() || (m_limit > 0 && m_read == m_limit) || !m_reader->Next(arrival)) return std::nullopt;
         ++m_read;
         PictureSize size{m_info.width, m_info.height};
-        if (!m_command.exact) size = PaddedSize(m_info.width, m_info.height, m_threads, IsInterlaced(arrival.scan));
+        if (!m_command.exact)
+            size = PaddedSize(m_info.width, m_info.height, m_threads, IsInterlaced(arrival.scan), arrival.fcc);
         const Z_VID_PROPS props = DescribeFrame(arrival.fcc, size.width, size.height, arrival.scan, m_info.rate.Value());
         uint8_t *pixels = nullptr;
         Passage passage{m_keyer.NewFrame(props, pixels), arrival.time};

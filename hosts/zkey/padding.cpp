@@ -71,14 +71,34 @@ void RepeatColumn(uint8_t *row, eZFCC fcc, int32_t from, int32_t to) {
     }
 }
 
+/// One image of rows with samples or pixels of `bytes` bytes.
+void RepeatPlane(uint8_t *plane, std::ptrdiff_t step, int32_t bytes, PictureSize inner, PictureSize outer) {
+    for (int32_t y = 0; y < inner.height; ++y) RepeatPixel(plane + y * step, bytes, inner.width, outer.width);
+    for (int32_t y = inner.height; y < outer.height; ++y) {
+        std::memcpy(plane + y * step, plane + (y - 1) * step,
+                    static_cast<std::size_t>(outer.width) * static_cast<std::size_t>(bytes));
+    }
+}
+
+void RepeatPlanes(uint8_t *pixels, const Z_VID_PROPS &props, int32_t width, int32_t height) {
+    const PlanarFrame f = PlanesOfFrame(pixels, props);
+    const PictureSize inner{width / 2, height / 2};
+    const PictureSize outer{props.nWidth / 2, props.nHeight / 2};
+    RepeatPlane(f.y, f.lumaRow, 1, {width, height}, {props.nWidth, props.nHeight});
+    RepeatPlane(std::min(f.cb, f.cr), f.chromaRow, f.chromaStep, inner, outer);
+    if (f.chromaStep == 1) RepeatPlane(std::max(f.cb, f.cr), f.chromaRow, 1, inner, outer);
+}
+
 }    // namespace
 
-PictureSize PaddedSize(int32_t width, int32_t height, int32_t threads, bool interlaced) {
-    const int32_t rows = std::clamp(threads, 1, 16) * (interlaced ? 2 : 1);
+PictureSize PaddedSize(int32_t width, int32_t height, int32_t threads, bool interlaced, eZFCC fcc) {
+    int32_t rows = std::clamp(threads, 1, 16) * (interlaced ? 2 : 1);
+    if (IsPlanar(fcc) && rows % 2 != 0) rows *= 2;
     return {RoundUp(width, 16), RoundUp(height, rows)};
 }
 
 void RepeatEdges(uint8_t *pixels, const Z_VID_PROPS &props, int32_t width, int32_t height) {
+    if (IsPlanar(props.fccType)) return RepeatPlanes(pixels, props, width, height);
     const std::ptrdiff_t step = props.nRowBytes;
     if (width < props.nWidth) {
         for (int32_t y = 0; y < height; ++y) RepeatColumn(pixels + y * step, props.fccType, width, props.nWidth);

@@ -3,11 +3,11 @@
 #include <vector>
 
 #include "hosts/zkey/failure.h"
+#include "hosts/zkey/hand_over.h"
 #include "hosts/zkey/media.h"
 #include "hosts/zkey/pipe.h"
 #include "hosts/zkey/system.h"
 #include "hosts/zkey/text.h"
-#include "hosts/zkey/yuv_planes.h"
 
 namespace zkey {
 namespace {
@@ -68,11 +68,16 @@ public:
             if (Interrupted()) return false;
             Fail(m_pipe.Name() + " ends in the middle of frame " + std::to_string(m_next + 1));
         }
-        arrival = {Handed(), m_scan, m_next++};
+        arrival = {HandOverFormat(Samples(), m_meaning, m_info.width, m_info.height), m_scan, m_next++};
         return true;
     }
 
     void Store(uint8_t *pixels, const Z_VID_PROPS &props) override {
+        HandOver(Samples(), m_meaning, m_info.width, m_info.height, pixels, props);
+    }
+
+private:
+    YuvPlanes Samples() const {
         YuvPlanes p{};
         p.y = m_frame.data();
         p.cb = p.y + std::ptrdiff_t{m_info.width} * m_info.height;
@@ -83,17 +88,8 @@ public:
         p.shiftY = m_layout.shiftY;
         p.leftSited = m_layout.leftSited;
         p.interlaced = IsInterlaced(m_scan);
-        if (props.fccType == eZFCC_RGB32) {
-            PlanesToRgb32(p, m_meaning, m_info.width, m_info.height, pixels, props.nRowBytes);
-        } else {
-            PlanesToUyvy(p, m_info.width, m_info.height, pixels, props.nRowBytes);
-        }
-    }
-
-private:
-    eZFCC Handed() const {
-        if (m_layout.shiftX != 1 || m_layout.shiftY != 0 || m_meaning.fullRange) return eZFCC_RGB32;
-        return m_meaning.IsBt709() ? eZFCC_HDYC : eZFCC_UYVY;
+        if (m_layout.shiftX == 1 && m_layout.shiftY == 1) p.arranged = eZFCC_I420;
+        return p;
     }
 
     /// One word of the first line: a letter and its value.

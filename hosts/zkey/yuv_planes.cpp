@@ -122,23 +122,20 @@ void PlanesToRgb32(const YuvPlanes &p, const YuvMeaning &meaning, int width, int
     }
 }
 
-void PlanesToUyvy(const YuvPlanes &p, int width, int height, uint8_t *dst, std::ptrdiff_t step) {
+void PlanesToPacked(const YuvPlanes &p, PairOrder order, int width, int height, uint8_t *dst, std::ptrdiff_t step) {
+    const int first = order == PairOrder::LumaFirst ? 0 : 1;    // the byte of the first luma sample
+    const int chroma = 1 - first;
     for (int y = 0; y < height; ++y) {
         const uint8_t *luma = p.y + y * p.lumaRow;
         const uint8_t *cb = p.cb + y * p.chromaRow;
         const uint8_t *cr = p.cr + y * p.chromaRow;
         uint8_t *out = dst + y * step;
-        for (int i = 0; i < width / 2; ++i) {
-            out[4 * i] = cb[std::ptrdiff_t{i} * p.chromaStep];
-            out[4 * i + 1] = luma[std::ptrdiff_t{2 * i} * p.lumaStep];
-            out[4 * i + 2] = cr[std::ptrdiff_t{i} * p.chromaStep];
-            out[4 * i + 3] = luma[std::ptrdiff_t{2 * i + 1} * p.lumaStep];
-        }
-        if (width % 2 != 0) {
-            const int i = width / 2;
-            const uint8_t last = luma[std::ptrdiff_t{width - 1} * p.lumaStep];
-            const uint8_t pair[4] = {cb[std::ptrdiff_t{i} * p.chromaStep], last, cr[std::ptrdiff_t{i} * p.chromaStep], last};
-            std::memcpy(out + std::ptrdiff_t{4} * i, pair, 4);
+        for (int i = 0; i < (width + 1) / 2; ++i, out += 4) {
+            const int second = 2 * i + 1 < width ? 2 * i + 1 : width - 1;
+            out[first] = luma[std::ptrdiff_t{2 * i} * p.lumaStep];
+            out[first + 2] = luma[std::ptrdiff_t{second} * p.lumaStep];
+            out[chroma] = cb[std::ptrdiff_t{i} * p.chromaStep];
+            out[chroma + 2] = cr[std::ptrdiff_t{i} * p.chromaStep];
         }
     }
 }

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "zchromakey/media_types.h"
+
 namespace zkey {
 
 /// Where the samples are. Packed formats are three planes with larger steps.
@@ -20,7 +22,12 @@ struct YuvPlanes {
     int shiftY = 1;             ///< 1: one chroma row for two rows
     bool leftSited = true;      ///< a chroma sample lies on the first pixel of its pair, not in the middle
     bool interlaced = false;    ///< chroma rows belong to fields
+    /// The library's format of this sampling that has the samples in this arrangement or nearly so; none for 4:2:2 planes.
+    eZFCC arranged = eZFCC_Default;
 };
+
+/// Which byte of a pair of 4:2:2 pixels comes first: Cb, Y, Cr, Y or Y, Cb, Y, Cr.
+enum class PairOrder { ChromaFirst, LumaFirst };
 
 /// What the samples mean.
 struct YuvMeaning {
@@ -41,7 +48,7 @@ YuvMeaning MeaningBySize(int width, int height);
 /// Blue, green, red, 255. Chroma is interpolated between its samples.
 void PlanesToRgb32(const YuvPlanes &planes, const YuvMeaning &meaning, int width, int height, uint8_t *dst,
                    std::ptrdiff_t step);
-/// Cb, Y, Cr, Y, for samples with `shiftX` 1 and `shiftY` 0. An odd last pixel fills its pair.
-void PlanesToUyvy(const YuvPlanes &planes, int width, int height, uint8_t *dst, std::ptrdiff_t step);
+/// Pairs of pixels, for samples with `shiftX` 1 and `shiftY` 0. An odd last pixel fills its pair.
+void PlanesToPacked(const YuvPlanes &planes, PairOrder order, int width, int height, uint8_t *dst, std::ptrdiff_t step);
 
 }    // namespace zkey

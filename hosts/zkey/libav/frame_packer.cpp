@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "hosts/zkey/hand_over.h"
+
 namespace zkey {
 namespace {
 
@@ -19,6 +21,7 @@ bool PlanesOf(const AVFrame &f, YuvPlanes &p) {
         case AV_PIX_FMT_YUV420P:
             // JPEG and MPEG-1 have their samples in the middle of four pixels.
             if (f.chroma_location == AVCHROMA_LOC_UNSPECIFIED) p.leftSited = PlainFormat(f.format) == f.format;
+            p.arranged = eZFCC_I420;
             return true;
         case AV_PIX_FMT_YUV422P:
             p.shiftY = 0;
@@ -32,11 +35,13 @@ bool PlanesOf(const AVFrame &f, YuvPlanes &p) {
         case AV_PIX_FMT_NV12:
             p.cr = p.cb + 1;
             p.chromaStep = 2;
+            p.arranged = eZFCC_NV12;
             return true;
         case AV_PIX_FMT_NV21:
             p.cr = f.data[1];
             p.cb = p.cr + 1;
             p.chromaStep = 2;
+            p.arranged = eZFCC_NV12;
             return true;
         case AV_PIX_FMT_YUYV422:
         case AV_PIX_FMT_UYVY422: {
@@ -48,6 +53,7 @@ bool PlanesOf(const AVFrame &f, YuvPlanes &p) {
             p.lumaStep = 2;
             p.chromaStep = 4;
             p.shiftY = 0;
+            if (luma == 0) p.arranged = eZFCC_YUY2;
             return true;
         }
         default:
@@ -115,11 +121,7 @@ FramePacker::Way FramePacker::WayOf(const AVFrame &f) {
     }
     YuvPlanes planes{};
     if (!PlanesOf(f, planes)) return {Route::Convert, eZFCC_RGB32};
-    if (planes.shiftX == 1 && planes.shiftY == 0) {
-        if (meaning.IsBt601()) return {Route::Uyvy, eZFCC_UYVY};
-        if (meaning.IsBt709()) return {Route::Uyvy, eZFCC_HDYC};
-    }
-    return {Route::Rgb32, eZFCC_RGB32};
+    return {Route::Samples, HandOverFormat(planes, meaning, f.width, f.height)};
 }
 
 eZFCC FramePacker::Choose(const AVFrame &frame) {
@@ -137,12 +139,9 @@ void FramePacker::Store(uint8_t *pixels, const Z_VID_PROPS &props) {
             return CopyRows(pixels, step);
         case Route::SwapRedBlue:
             return SwapRows(pixels, step);
-        case Route::Uyvy:
+        case Route::Samples:
             PlanesOf(f, planes);
-            return PlanesToUyvy(planes, f.width, f.height, pixels, step);
-        case Route::Rgb32:
-            PlanesOf(f, planes);
-            return PlanesToRgb32(planes, MeaningOf(f), f.width, f.height, pixels, step);
+            return HandOver(planes, MeaningOf(f), f.width, f.height, pixels, props);
         case Route::V210:
             return StoreV210(f, pixels, step);
         case Route::HdycFrom10:

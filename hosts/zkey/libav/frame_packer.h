@@ -13,7 +13,7 @@ public:
     void Store(uint8_t *pixels, const Z_VID_PROPS &props);
 
 private:
-    enum class Route { Copy, SwapRedBlue, Uyvy, Rgb32, V210, HdycFrom10, Convert };
+    enum class Route { Copy, SwapRedBlue, Samples, V210, HdycFrom10, Convert };
     struct Way {
         Route route;
         eZFCC fcc;

@@ -35,9 +35,9 @@ TEST(FrameFormat, RawSpecsAreReadInAllTheirForms) {
 }
 
 TEST(FrameFormat, BadRawSpecsAreUsageErrors) {
-    for (const char *bad :
-         {"", "UYVY", "UYVY:", "ABCD:16x16", "UYVY:16", "UYVY:x16", "UYVY:16x", "UYVY:0x16", "UYVY:16x-2", "UYVY:16x16@",
-          "UYVY:16x16@fast", "UYVY:16x16@0", "UYVY:16x16:left", "UYVY:99999x16", "UYVY:16x16x3"}) {
+    for (const char *bad : {"", "UYVY", "UYVY:", "ABCD:16x16", "UYVY:16", "UYVY:x16", "UYVY:16x", "UYVY:0x16", "UYVY:16x-2",
+                            "UYVY:16x16@", "UYVY:16x16@fast", "UYVY:16x16@0", "UYVY:16x16:left", "RGB32:16x16:709",
+                            "UYVY:16x16:top:left", "UYVY:16x16:", "UYVY:99999x16", "UYVY:16x16x3"}) {
         try {
             ParseRawSpec(bad);
             ADD_FAILURE() << bad;
@@ -45,6 +45,23 @@ TEST(FrameFormat, BadRawSpecsAreUsageErrors) {
             EXPECT_EQ(f.Status(), kExitUsage) << bad;
         }
     }
+}
+
+TEST(FrameFormat, WordsAndNamesAndSizesSayTheMatrix) {
+    const struct {
+        const char *text;
+        bool bt709;
+        bool full;
+    } cases[] = {
+        {"UYVY:1920x1080", false, false},      {"YUY2:1920x1080:top", false, false},       {"HDYC:720x576", true, false},
+        {"UYVY:720x576:709:top", true, false}, {"HDYC:720x576:top:601:full", false, true}, {"v210:720x576", false, false},
+        {"v210:1920x1080", true, false},       {"I420:1920x1080:601", false, false},       {"NV12:1920x1080:FULL", true, true}};
+    for (const auto &c : cases) {
+        const YuvMeaning m = ParseRawSpec(c.text).Meaning();
+        EXPECT_EQ(m.kr, c.bt709 ? kBt709.kr : kBt601.kr) << c.text;
+        EXPECT_EQ(m.fullRange, c.full) << c.text;
+    }
+    EXPECT_EQ(ParseRawSpec("HDYC:720x576:top:601:full").scan, eZI_Field1First);
 }
 
 TEST(FrameFormat, RowsAndFrames) {

@@ -97,6 +97,15 @@ Rgb Seen(const Bytes &bytes, const Z_VID_PROPS &p, int x, int y) {
     const uint8_t *row = bytes.data() + std::ptrdiff_t{y} * p.nRowBytes;
     double samples[3];
     switch (p.fccType) {
+        case eZFCC_I420:
+        case eZFCC_NV12: {
+            Bytes copy = bytes;
+            const PlanarFrame f = PlanesOfFrame(copy.data(), p);
+            samples[0] = f.y[y * f.lumaRow + x];
+            samples[1] = f.cb[y / 2 * f.chromaRow + x / 2 * f.chromaStep];
+            samples[2] = f.cr[y / 2 * f.chromaRow + x / 2 * f.chromaStep];
+            break;
+        }
         case eZFCC_RGB24:
             return {double(row[3 * x + 2]), double(row[3 * x + 1]), double(row[3 * x])};
         case eZFCC_RGB32:
@@ -135,15 +144,19 @@ TEST(LibavReader, MatrixAndRangeOfEverySourceComeOutRight) {
     const auto full = AVCOL_RANGE_JPEG;
     const auto none = AVCOL_SPC_UNSPECIFIED;
     const Tagged cases[] = {
-        {"420 601", AV_PIX_FMT_YUV420P, AVCOL_SPC_SMPTE170M, limited, eZFCC_RGB32},
+        {"420 601", AV_PIX_FMT_YUV420P, AVCOL_SPC_SMPTE170M, limited, eZFCC_I420},
         {"420 709", AV_PIX_FMT_YUV420P, AVCOL_SPC_BT709, limited, eZFCC_RGB32},
         {"420 2020", AV_PIX_FMT_YUV420P, AVCOL_SPC_BT2020_NCL, limited, eZFCC_RGB32},
         {"420 601 full", AV_PIX_FMT_YUV420P, AVCOL_SPC_SMPTE170M, full, eZFCC_RGB32},
         {"420 709 full", AV_PIX_FMT_YUV420P, AVCOL_SPC_BT709, full, eZFCC_RGB32},
-        {"420 silent small", AV_PIX_FMT_YUV420P, none, AVCOL_RANGE_UNSPECIFIED, eZFCC_RGB32},
+        {"420 silent small", AV_PIX_FMT_YUV420P, none, AVCOL_RANGE_UNSPECIFIED, eZFCC_I420},
         {"420 silent large", AV_PIX_FMT_YUV420P, none, AVCOL_RANGE_UNSPECIFIED, eZFCC_RGB32, 1280, 16},
         {"jpeg 420", AV_PIX_FMT_YUVJ420P, AVCOL_SPC_BT470BG, full, eZFCC_RGB32},
         {"jpeg 422 large", AV_PIX_FMT_YUVJ422P, AVCOL_SPC_BT470BG, full, eZFCC_RGB32, 1280, 16},
+        {"nv12 601", AV_PIX_FMT_NV12, AVCOL_SPC_SMPTE170M, limited, eZFCC_NV12},
+        {"nv21 601", AV_PIX_FMT_NV21, AVCOL_SPC_BT470BG, limited, eZFCC_NV12},
+        {"420 601 odd", AV_PIX_FMT_YUV420P, AVCOL_SPC_SMPTE170M, limited, eZFCC_RGB32, 33, 18},
+        {"420 601 odd rows", AV_PIX_FMT_YUV420P, AVCOL_SPC_SMPTE170M, limited, eZFCC_RGB32, 34, 17},
         {"nv12 709", AV_PIX_FMT_NV12, AVCOL_SPC_BT709, limited, eZFCC_RGB32},
         {"444 601", AV_PIX_FMT_YUV444P, AVCOL_SPC_SMPTE170M, limited, eZFCC_RGB32},
         {"422 601", AV_PIX_FMT_YUV422P, AVCOL_SPC_SMPTE170M, limited, eZFCC_UYVY},

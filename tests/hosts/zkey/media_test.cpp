@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 
@@ -39,10 +40,12 @@ TEST(RawReader, GivesFramesOfEveryPackedFormat) {
         std::vector<Arrival> arrivals;
         const auto frames = ReadAll(*reader, &arrivals);
         ASSERT_EQ(frames.size(), 2U) << f->name;
-        EXPECT_EQ(arrivals[1].fcc, f->handed) << f->name;
+        // Chroma rows of fields have no format, and YVYU is YUY2 with its bytes exchanged.
+        const eZFCC handed = IsPlanar(f->fcc) ? eZFCC_RGB32 : f->fcc == eZFCC_YVYU ? eZFCC_YUY2 : f->fcc;
+        EXPECT_EQ(arrivals[1].fcc, handed) << f->name;
         EXPECT_EQ(arrivals[1].scan, eZI_Field1First) << f->name;
         EXPECT_EQ(arrivals[1].time, 1) << f->name;
-        if (f->handed != f->fcc) continue;
+        if (handed != f->fcc) continue;
         const auto row = static_cast<std::size_t>(PipeRowBytes(f->fcc, 6));
         const auto step = static_cast<std::size_t>(LibraryRowBytes(f->fcc, 6));
         for (std::size_t i = 0; i < 4 * row; ++i) {
@@ -59,21 +62,87 @@ TEST(RawReader, YvyuComesAsYuy2) {
 
 TEST(RawReader, PlanesComeInTheirOrder) {
     const Scratch scratch;
-    // One pixel of pure red in BT.601: Y 81, Cb 90, Cr 240.
+    // Of each format: 4 by 2 pixels go over as they are, with rows of 4 bytes.
+    const Bytes file = {1, 2, 3, 4, 5, 6, 7, 8, 90, 91, 240, 241};
+    for (const char *name : {"I420", "YV12", "NV12"}) {
+        const auto reader = OpenRawReader(scratch.Write("in.raw", file), ParseRawSpec(std::string(name) + ":4x2"));
+        std::vector<Arrival> arrivals;
+        EXPECT_EQ(ReadAll(*reader, &arrivals)[0], file) << name;
+        EXPECT_EQ(arrivals[0].fcc, FormatByName(name)->fcc) << name;
+    }
+}
+
+TEST(RawReader, WhatTheLibraryWouldShowWronglyComesAsRgb) {
+    const Scratch scratch;
+    // Pixels of pure red in BT.601, in BT.709, and in BT.601 with full range.
     const struct {
         const char *spec;
         Bytes file;
-    } cases[] = {{"I420:2x2", {81, 81, 81, 81, 90, 240}},
-                 {"YV12:2x2", {81, 81, 81, 81, 240, 90}},
-                 {"NV12:2x2", {81, 81, 81, 81, 90, 240}},
-                 {"I420:1x1", {81, 90, 240}}};
+        eZFCC handed;
+    } cases[] = {{"I420:1x1", {81, 90, 240}, eZFCC_RGB32},
+                 {"YV12:2x2:top", {81, 81, 81, 81, 240, 90}, eZFCC_RGB32},
+                 {"NV12:2x2:709", {63, 63, 63, 63, 102, 240}, eZFCC_RGB32},
+                 {"I420:2x2:full", {76, 76, 76, 76, 85, 255}, eZFCC_RGB32},
+                 {"UYVY:2x1:full", {85, 76, 255, 76}, eZFCC_RGB32},
+                 {"HDYC:2x1:full:601", {85, 76, 255, 76}, eZFCC_RGB32}};
     for (const auto &c : cases) {
         const auto reader = OpenRawReader(scratch.Write("in.raw", c.file), ParseRawSpec(c.spec));
-        const Bytes pixels = ReadAll(*reader)[0];
+        std::vector<Arrival> arrivals;
+        const Bytes pixels = ReadAll(*reader, &arrivals)[0];
+        EXPECT_EQ(arrivals[0].fcc, c.handed) << c.spec;
         EXPECT_LE(pixels[0], 1) << c.spec;
         EXPECT_LE(pixels[1], 1) << c.spec;
         EXPECT_GE(pixels[2], 253) << c.spec;
     }
+}
+
+TEST(RawReader, PairsGoByTheirMatrix) {
+    const Scratch scratch;
+    const Bytes file = {90, 1, 240, 2, 91, 3, 241, 4};
+    const struct {
+        const char *spec;
+        eZFCC handed;
+        Bytes bytes;
+    } cases[] = {{"UYVY:4x1:709", eZFCC_HDYC, file},
+                 {"HDYC:4x1:601", eZFCC_UYVY, file},
+                 {"YUY2:4x1:709", eZFCC_HDYC, {1, 90, 2, 240, 3, 91, 4, 241}},
+                 {"YVYU:4x1:709", eZFCC_HDYC, {2, 90, 1, 240, 4, 91, 3, 241}}};
+    for (const auto &c : cases) {
+        const auto reader = OpenRawReader(scratch.Write("in.raw", file), ParseRawSpec(c.spec));
+        std::vector<Arrival> arrivals;
+        EXPECT_EQ(ReadAll(*reader, &arrivals)[0], c.bytes) << c.spec;
+        EXPECT_EQ(arrivals[0].fcc, c.handed) << c.spec;
+    }
+}
+
+/// One block of v210, 6 pixels: Cb, Y, Cr, Y and so on count up from `first`.
+Bytes V210(uint32_t first) {
+    Bytes file(128);
+    for (uint32_t i = 0; i < 12; ++i) {
+        uint32_t word = 0;
+        std::memcpy(&word, &file[i / 3 * 4], 4);
+        word |= (first + i) << (10 * (i % 3));
+        std::memcpy(&file[i / 3 * 4], &word, 4);
+    }
+    return file;
+}
+
+TEST(RawReader, TenBitsGoAsTheyAreOrRoundedByTheirMatrix) {
+    const Scratch scratch;
+    std::vector<Arrival> arrivals;
+    const std::string path = scratch.Write("in.raw", V210(400));
+    EXPECT_EQ(ReadAll(*OpenRawReader(path, ParseRawSpec("v210:6x1")), &arrivals)[0], V210(400));
+    EXPECT_EQ(arrivals.back().fcc, eZFCC_v210);
+    const Bytes rounded = {100, 100, 101, 101, 101, 101, 102, 102, 102, 102, 103, 103};
+    EXPECT_EQ(ReadAll(*OpenRawReader(path, ParseRawSpec("v210:6x1:709")), &arrivals)[0], rounded);
+    EXPECT_EQ(arrivals.back().fcc, eZFCC_HDYC);
+    const std::string top = scratch.Write("top.raw", V210(1012));
+    EXPECT_EQ(ReadAll(*OpenRawReader(top, ParseRawSpec("v210:6x1:709")))[0],
+              (Bytes{253, 253, 254, 254, 254, 254, 255, 255, 255, 255, 255, 255}));
+    // By size, as clips that say nothing.
+    const std::string large = scratch.Write("large.raw", Bytes(3456));
+    ReadAll(*OpenRawReader(large, ParseRawSpec("v210:1280x1")), &arrivals);
+    EXPECT_EQ(arrivals.back().fcc, eZFCC_HDYC);
 }
 
 TEST(RawReader, ABrokenLastFrameIsTold) {
@@ -105,7 +174,7 @@ TEST(Y4mReader, ReadsItsKinds) {
         eZFCC handed;
         eZInterlace scan;
     } cases[] = {
-        {"YUV4MPEG2 W2 H2 F30000:1001 Ip A1:1 C420jpeg", {81, 81, 81, 81, 90, 240}, eZFCC_RGB32, eZI_Progressive},
+        {"YUV4MPEG2 W2 H2 F30000:1001 Ip A1:1 C420jpeg", {81, 81, 81, 81, 90, 240}, eZFCC_I420, eZI_Progressive},
         {"YUV4MPEG2 W2 H2 F25:1 It", {81, 81, 81, 81, 90, 240}, eZFCC_RGB32, eZI_Field1First},
         {"YUV4MPEG2 W2 H2 F25:1 C444 XCOLORRANGE=LIMITED",
          {81, 81, 81, 81, 90, 90, 90, 90, 240, 240, 240, 240},
@@ -121,7 +190,9 @@ TEST(Y4mReader, ReadsItsKinds) {
         ASSERT_EQ(frames.size(), 3U) << c.head;
         EXPECT_EQ(arrivals[2].fcc, c.handed) << c.head;
         EXPECT_EQ(arrivals[2].scan, c.scan) << c.head;
-        if (c.handed == eZFCC_UYVY) {
+        if (c.handed == eZFCC_I420) {
+            EXPECT_EQ(frames[2], (Bytes{81, 81, 0, 0, 81, 81, 0, 0, 90, 0, 240, 0}));
+        } else if (c.handed == eZFCC_UYVY) {
             EXPECT_EQ(frames[2], (Bytes{90, 81, 240, 81, 90, 81, 240, 81}));
         } else {
             EXPECT_LE(frames[2][0], 1) << c.head;

@@ -14,13 +14,20 @@ TEST(Padding, SizesAreMultiplesOfBlocksAndThreads) {
         int32_t width, height, threads;
         bool interlaced;
         int32_t toWidth, toHeight;
+        eZFCC fcc = eZFCC_RGB32;
     };
-    const Case cases[] = {{1920, 1080, 2, false, 1920, 1080}, {1080, 1920, 2, false, 1088, 1920},
-                          {680, 440, 7, false, 688, 441},     {1, 1, 16, true, 16, 32},
-                          {720, 486, 2, true, 720, 488},      {33, 101, 1, false, 48, 101},
-                          {33, 101, 1, true, 48, 102},        {16, 16, 40, false, 16, 16}};
+    const Case cases[] = {{1920, 1080, 2, false, 1920, 1080},
+                          {1080, 1920, 2, false, 1088, 1920},
+                          {680, 440, 7, false, 688, 441},
+                          {1, 1, 16, true, 16, 32},
+                          {720, 486, 2, true, 720, 488},
+                          {33, 101, 1, false, 48, 101},
+                          {33, 101, 1, true, 48, 102},
+                          {16, 16, 40, false, 16, 16},
+                          {680, 440, 7, false, 688, 448, eZFCC_I420},
+                          {680, 440, 7, true, 688, 448, eZFCC_NV12}};
     for (const Case &c : cases) {
-        const PictureSize s = PaddedSize(c.width, c.height, c.threads, c.interlaced);
+        const PictureSize s = PaddedSize(c.width, c.height, c.threads, c.interlaced, c.fcc);
         EXPECT_EQ(s.width, c.toWidth) << c.width << "x" << c.height;
         EXPECT_EQ(s.height, c.toHeight) << c.width << "x" << c.height;
     }
@@ -94,6 +101,33 @@ TEST(Padding, InterlacedPicturesRepeatRowsOfTheSameField) {
     EXPECT_EQ(bytes[3 * 4 + 1], 2);
     EXPECT_EQ(bytes[4 * 4 + 1], 3);
     EXPECT_EQ(bytes[5 * 4 + 1], 2);
+}
+
+TEST(Padding, PlanesRepeatEachOnItsOwn) {
+    // 2 by 2 pixels in a frame of 4 by 4: luma 1 to 4, one sample of each chroma.
+    const struct {
+        eZFCC fcc;
+        std::vector<uint8_t> chroma;
+    } cases[] = {{eZFCC_I420, {90, 90, 90, 90, 91, 91, 91, 91}},
+                 {eZFCC_YV12, {91, 91, 91, 91, 90, 90, 90, 90}},
+                 {eZFCC_NV12, {90, 91, 90, 91, 90, 91, 90, 91}}};
+    for (const auto &c : cases) {
+        const Z_VID_PROPS p = DescribeFrame(c.fcc, 4, 4, eZI_Progressive, 25);
+        ASSERT_EQ(FrameBytes(p), 24);
+        std::vector<uint8_t> bytes(24, 0xEE);
+        const PlanarFrame f = PlanesOfFrame(bytes.data(), p);
+        f.y[0] = 1;
+        f.y[1] = 2;
+        f.y[4] = 3;
+        f.y[5] = 4;
+        *f.cb = 90;
+        *f.cr = 91;
+        RepeatEdges(bytes.data(), p, 2, 2);
+        const std::vector<uint8_t> luma(bytes.begin(), bytes.begin() + 16);
+        const std::vector<uint8_t> chroma(bytes.begin() + 16, bytes.end());
+        EXPECT_EQ(luma, (std::vector<uint8_t>{1, 2, 2, 2, 3, 4, 4, 4, 3, 4, 4, 4, 3, 4, 4, 4}));
+        EXPECT_EQ(chroma, c.chroma);
+    }
 }
 
 TEST(Padding, WholeSizesAreLeftAlone) {

@@ -112,14 +112,16 @@ TEST(YuvPlanes, PackedPairsKeepEverySample) {
     YuvPlanes p{y, cb, cr, 5, 3};
     p.shiftY = 0;
     uint8_t out[12];
-    PlanesToUyvy(p, 5, 1, out, 12);
+    PlanesToPacked(p, PairOrder::ChromaFirst, 5, 1, out, 12);
     EXPECT_EQ(std::vector<uint8_t>(out, out + 12), (std::vector<uint8_t>{10, 1, 20, 2, 11, 3, 21, 4, 12, 5, 22, 5}));
     // From packed memory: the same samples with larger steps.
     const uint8_t yuyv[] = {1, 10, 2, 20, 3, 11, 4, 21};
     YuvPlanes q{yuyv, yuyv + 1, yuyv + 3, 8, 8, 2, 4};
     q.shiftY = 0;
-    PlanesToUyvy(q, 4, 1, out, 8);
+    PlanesToPacked(q, PairOrder::ChromaFirst, 4, 1, out, 8);
     EXPECT_EQ(std::vector<uint8_t>(out, out + 8), (std::vector<uint8_t>{10, 1, 20, 2, 11, 3, 21, 4}));
+    PlanesToPacked(p, PairOrder::LumaFirst, 5, 1, out, 12);
+    EXPECT_EQ(std::vector<uint8_t>(out, out + 12), (std::vector<uint8_t>{1, 10, 2, 20, 3, 11, 4, 21, 5, 12, 5, 22}));
 }
 
 }    // namespace
