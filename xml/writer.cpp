@@ -9,7 +9,7 @@ namespace zck::XMLParse {
 namespace {
 
 constexpr int32_t kNoLayout = -1;
-/// Deeper lines are not moved in any further.
+/// Deeper tags are not moved in any further.
 constexpr int32_t kTabsMax = 64;
 
 /// Writes without recursion: trees made by hand may be of any depth.
@@ -63,7 +63,8 @@ private:
         const bool laidOut = open.depth >= 0 && !open.onlyText && !child->CompactOutput();
         const int32_t depth = laidOut ? open.depth + 1 : kNoLayout;
         if (laidOut) LineBreak();
-        if (laidOut && child->IsTextNode()) Tabs(depth);
+        // Texts have all their tabs, tags only so many.
+        if (laidOut && child->IsTextNode()) m_out.append(static_cast<size_t>(depth), OLECHAR{'\t'});
         Begin(child, depth);    // may move `open`
     }
 
