@@ -1,4 +1,4 @@
-// The object model's vocabulary: statuses, identifiers, counted strings, the task allocator and `IUnknown`.
+// The object model's vocabulary: statuses, identifiers, counted strings, the task allocator, `IUnknown` and streams.
 //
 // On Windows these are the system's own. Elsewhere this header gives the same names with the same widths, values and
 // slots, so that one host text serves both systems. It needs no library: blocks of the task allocator and counted
@@ -16,6 +16,7 @@
 #define NOMINMAX
 #endif
 #include <objbase.h>
+#include <objidl.h>
 #include <oleauto.h>
 #include <unknwn.h>
 #include <windows.h>
@@ -93,8 +94,86 @@ struct IClassFactory : IUnknown {
     virtual HRESULT LockServer(BOOL bLock) = 0;
 };
 
+union LARGE_INTEGER {
+    struct {
+        uint32_t LowPart;
+        int32_t HighPart;
+    } u;
+    int64_t QuadPart;
+};
+union ULARGE_INTEGER {
+    struct {
+        uint32_t LowPart;
+        uint32_t HighPart;
+    } u;
+    uint64_t QuadPart;
+};
+
+struct FILETIME {
+    uint32_t dwLowDateTime;
+    uint32_t dwHighDateTime;
+};
+
+/// What a stream says about itself.
+struct STATSTG {
+    LPOLESTR pwcsName;    ///< of the task allocator, or null
+    DWORD type;
+    ULARGE_INTEGER cbSize;
+    FILETIME mtime;
+    FILETIME ctime;
+    FILETIME atime;
+    DWORD grfMode;
+    DWORD grfLocksSupported;
+    CLSID clsid;
+    DWORD grfStateBits;
+    DWORD reserved;
+};
+
+/// Origins of `IStream::Seek`.
+constexpr DWORD STREAM_SEEK_SET = 0;
+constexpr DWORD STREAM_SEEK_CUR = 1;
+constexpr DWORD STREAM_SEEK_END = 2;
+
+/// Bytes in a row. Fewer bytes than asked for are no failure: the counts tell.
+struct ISequentialStream : IUnknown {
+    virtual HRESULT Read(void *pv, ULONG cb, ULONG *pcbRead) = 0;
+    virtual HRESULT Write(const void *pv, ULONG cb, ULONG *pcbWritten) = 0;
+};
+
+/// Bytes with a position.
+struct IStream : ISequentialStream {
+    virtual HRESULT Seek(LARGE_INTEGER dlibMove, DWORD dwOrigin, ULARGE_INTEGER *plibNewPosition) = 0;
+    virtual HRESULT SetSize(ULARGE_INTEGER libNewSize) = 0;
+    virtual HRESULT CopyTo(IStream *pstm, ULARGE_INTEGER cb, ULARGE_INTEGER *pcbRead, ULARGE_INTEGER *pcbWritten) = 0;
+    virtual HRESULT Commit(DWORD grfCommitFlags) = 0;
+    virtual HRESULT Revert() = 0;
+    virtual HRESULT LockRegion(ULARGE_INTEGER libOffset, ULARGE_INTEGER cb, DWORD dwLockType) = 0;
+    virtual HRESULT UnlockRegion(ULARGE_INTEGER libOffset, ULARGE_INTEGER cb, DWORD dwLockType) = 0;
+    virtual HRESULT Stat(STATSTG *pstatstg, DWORD grfStatFlag) = 0;
+    virtual HRESULT Clone(IStream **ppstm) = 0;
+};
+
+/// An object that knows its class.
+struct IPersist : IUnknown {
+    virtual HRESULT GetClassID(CLSID *pClassID) = 0;
+};
+
+/// An object that a stream keeps.
+struct IPersistStream : IPersist {
+    /// `S_FALSE` when there is nothing to save.
+    virtual HRESULT IsDirty() = 0;
+    virtual HRESULT Load(IStream *pStm) = 0;
+    virtual HRESULT Save(IStream *pStm, BOOL fClearDirty) = 0;
+    /// Bytes that `Save` will need at most.
+    virtual HRESULT GetSizeMax(ULARGE_INTEGER *pcbSize) = 0;
+};
+
 inline constexpr IID IID_IUnknown = {0x00000000, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 inline constexpr IID IID_IClassFactory = {0x00000001, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+inline constexpr IID IID_ISequentialStream = {0x0C733A30, 0x2A1C, 0x11CE, {0xAD, 0xE5, 0x00, 0xAA, 0x00, 0x44, 0x77, 0x3D}};
+inline constexpr IID IID_IStream = {0x0000000C, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+inline constexpr IID IID_IPersist = {0x0000010C, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+inline constexpr IID IID_IPersistStream = {0x00000109, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 
 inline void *CoTaskMemAlloc(std::size_t cb) { return std::malloc(cb != 0 ? cb : 1); }
 inline void CoTaskMemFree(void *p) { std::free(p); }
@@ -154,6 +233,16 @@ struct ZIidHolder<IUnknown> {
 template <>
 struct ZIidHolder<IClassFactory> {
     static const IID &Get() { return IID_IClassFactory; }
+};
+
+template <>
+struct ZIidHolder<IStream> {
+    static const IID &Get() { return IID_IStream; }
+};
+
+template <>
+struct ZIidHolder<IPersistStream> {
+    static const IID &Get() { return IID_IPersistStream; }
 };
 
 template <class Interface>

@@ -47,4 +47,26 @@ TEST(PublicValues, CountedStringsKnowTheirLength) {
     EXPECT_EQ(SysStringLen(nullptr), 0u);
 }
 
+TEST(PublicValues, RecordsOfStreamsHaveTheSystemsWidths) {
+    EXPECT_EQ(sizeof(LARGE_INTEGER), 8u);
+    EXPECT_EQ(sizeof(ULARGE_INTEGER), 8u);
+    EXPECT_EQ(sizeof(STATSTG), 80u);
+    EXPECT_EQ(offsetof(STATSTG, cbSize), 16u);
+    EXPECT_EQ(offsetof(STATSTG, clsid), 56u);
+    LARGE_INTEGER number = {};
+    number.QuadPart = -2;
+    EXPECT_EQ(number.u.HighPart, -1);
+    EXPECT_EQ(number.u.LowPart, 0xFFFFFFFEu);
+}
+
+TEST(PublicValues, StreamsAreKnownByTheSystemsNumbers) {
+    const IID stream = {0x0000000C, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+    const IID persist = {0x0000010C, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+    const IID persistStream = {0x00000109, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+    EXPECT_TRUE(ZIidOf<IStream>() == stream);
+    EXPECT_TRUE(IID_IPersist == persist);
+    EXPECT_TRUE(ZIidOf<IPersistStream>() == persistStream);
+    EXPECT_EQ(STREAM_SEEK_CUR, 1u);
+}
+
 }    // namespace
