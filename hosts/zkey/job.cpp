@@ -7,11 +7,13 @@
 #include <thread>
 
 #include "hosts/zkey/channel.h"
+#include "hosts/zkey/failure.h"
 #include "hosts/zkey/media.h"
 #include "hosts/zkey/padding.h"
 #include "hosts/zkey/plugin_door.h"
 #include "hosts/zkey/progress.h"
 #include "hosts/zkey/screen_guess.h"
+#include "hosts/zkey/screen_samples.h"
 #include "hosts/zkey/system.h"
 #include "hosts/zkey/text.h"
 
@@ -45,7 +47,7 @@ public:
             if (Interrupted()) return kExitInterrupted;
             Fail(m_command.input + " holds no picture");
         }
-        SetUpKey(first->frame.get());
+        SetUpKey(*first);
         SetUpOutput();
         if (!m_assumed.empty() && !m_command.quiet) Note(m_assumed);
         Work(std::move(*first));
@@ -77,33 +79,77 @@ private:
     }
 
     std::optional<Passage> NextFrame() {
-        Arrival arrival;
-        if (Interrupted() || (m_limit > 0 && m_read == m_limit) || !m_reader->Next(arrival)) return std::nullopt;
+        if (!m_ahead.empty()) {
+            Passage next = std::move(m_ahead.front());
+            m_ahead.pop_front();
+            return next;
+        }
+        if (m_limit > 0 && m_read == m_limit) return std::nullopt;
         ++m_read;
+        return Fetch(*m_reader);
+    }
+
+    std::optional<Passage> Fetch(MediaReader &reader) {
+        Arrival arrival;
+        if (Interrupted() || !reader.Next(arrival)) return std::nullopt;
         PictureSize size{m_info.width, m_info.height};
         if (!m_command.exact)
             size = PaddedSize(m_info.width, m_info.height, m_threads, IsInterlaced(arrival.scan), arrival.fcc);
         const Z_VID_PROPS props = DescribeFrame(arrival.fcc, size.width, size.height, arrival.scan, m_info.rate.Value());
         uint8_t *pixels = nullptr;
         Passage passage{m_keyer.NewFrame(props, pixels), arrival.time};
-        m_reader->Store(pixels, props);
+        reader.Store(pixels, props);
         RepeatEdges(pixels, props, m_info.width, m_info.height);
         return passage;
     }
 
-    void SetUpKey(IZFrame *first) {
+    void SetUpKey(const Passage &first) {
         std::vector<ScreenKey> screen;
         if (m_command.key.NeedsScreen()) screen = FindScreen(first);
         m_keyer.SetKey(BuildKey(m_command.key, screen));
     }
 
-    std::vector<ScreenKey> FindScreen(IZFrame *first) {
-        const Ref<IZFrame> plain = m_keyer.Convert(first);
+    /// The first picture and others, brought to 4 bytes a pixel.
+    std::vector<Ref<IZFrame>> ScreenPictures(const Passage &first) {
+        std::vector<Ref<IZFrame>> out{m_keyer.Convert(first.frame.get())};
+        const int64_t count = m_limit > 0 && (m_info.frames == 0 || m_limit < m_info.frames) ? m_limit : m_info.frames;
+        if (count > 0 && CanBeReopened(m_command)) {
+            const std::unique_ptr<MediaReader> aside = OpenReader(m_command);
+            for (const int64_t at : SpreadPictures(count)) {
+                const auto picture = FetchAside(*aside, at);
+                if (!picture) break;
+                out.push_back(m_keyer.Convert(picture->frame.get()));
+            }
+            return out;
+        }
+        while (static_cast<int64_t>(out.size()) < kFirstPictures) {
+            auto next = m_limit == 0 || m_read < m_limit ? Fetch(*m_reader) : std::nullopt;
+            if (!next) break;
+            ++m_read;
+            out.push_back(m_keyer.Convert(next->frame.get()));
+            m_ahead.push_back(std::move(*next));
+        }
+        return out;
+    }
+
+    /// What cannot be read here is told when its turn comes.
+    std::optional<Passage> FetchAside(MediaReader &reader, int64_t picture) {
+        try {
+            return reader.JumpTo(picture) ? Fetch(reader) : std::nullopt;
+        } catch (const Failure &) {
+            return std::nullopt;
+        }
+    }
+
+    std::vector<ScreenKey> FindScreen(const Passage &first) {
+        const std::vector<Ref<IZFrame>> pictures = ScreenPictures(first);
+        std::vector<ImageView> views;
+        for (const Ref<IZFrame> &p : pictures) views.push_back(Keyer::View(p.get(), m_info.width, m_info.height));
         const eCK_Type type = m_command.key.type.value_or(kDefaultKeyType);
-        const auto guess = GuessScreen(Keyer::View(plain.get(), m_info.width, m_info.height), type);
+        const auto guess = GuessScreen(views, type);
         if (!guess) {
             Fail(
-                "no key given, and no green or blue screen found at the border of the first picture; name its colour with "
+                "no key given, and no green or blue screen found at the border of the pictures; name its colour with "
                 "--color");
         }
         m_assumed = "no key given, assumed a " + guess->name + " screen: " + ScreenOptions(*guess);
@@ -212,7 +258,8 @@ private:
     int32_t m_threads = 2;
     int64_t m_limit = 0;
     int64_t m_read = 0;
-    std::string m_assumed;    ///< what the user is told about a key that was not given
+    std::deque<Passage> m_ahead;    ///< read to look for the screen, still to be keyed
+    std::string m_assumed;          ///< what the user is told about a key that was not given
     Finish m_finish = Finish::Straight;
     std::unique_ptr<Background> m_background;
     std::unique_ptr<MediaWriter> m_writer;

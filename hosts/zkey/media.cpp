@@ -2,6 +2,7 @@
 
 #include "hosts/zkey/colours.h"
 #include "hosts/zkey/failure.h"
+#include "hosts/zkey/system.h"
 #include "hosts/zkey/text.h"
 
 namespace zkey {
@@ -25,6 +26,10 @@ std::unique_ptr<MediaReader> OpenReader(const KeyCommand &command) {
     // A clip on standard input without a word about it is YUV4MPEG2; its first line tells whether that is true.
     if (command.input == "-" || IsY4m(command.input, "")) return OpenY4mReader(command.input);
     return OpenLibavReader(command.input, command.audio);
+}
+
+bool CanBeReopened(const KeyCommand &command) {
+    return command.input != "-" && (IsFile(command.input) || command.input.find('%') != std::string::npos);
 }
 
 std::unique_ptr<MediaWriter> OpenWriter(const Delivery &delivery) {

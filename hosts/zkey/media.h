@@ -42,6 +42,8 @@ public:
     virtual const SourceInfo &Info() const = 0;
     /// Fetches the next picture. False at the end.
     virtual bool Next(Arrival &arrival) = 0;
+    /// Goes on with this picture of the clip, counted from 0, or with one near it. False where there is no way to get there.
+    virtual bool JumpTo(int64_t /*picture*/) { return false; }
     /// Writes the fetched picture into a frame of the announced format and at least the announced size.
     virtual void Store(uint8_t *pixels, const Z_VID_PROPS &props) = 0;
 };
@@ -74,6 +76,8 @@ struct Delivery {
 };
 
 std::unique_ptr<MediaReader> OpenReader(const KeyCommand &command);
+/// True when the input is files, so that a second reader may look into it.
+bool CanBeReopened(const KeyCommand &command);
 std::unique_ptr<MediaWriter> OpenWriter(const Delivery &delivery);
 std::unique_ptr<Background> OpenBackground(const std::string &what, int width, int height);
 /// How alpha is kept in such an output when the user does not say it.

@@ -57,6 +57,13 @@ bool PipeReader::Line(std::string &line, std::size_t most) {
     return false;
 }
 
+bool PipeReader::Seek(int64_t offset) {
+    if (m_size == 0 || !SeekReading(m_descriptor, offset)) return false;
+    m_buffer.clear();
+    m_at = 0;
+    return true;
+}
+
 PipeWriter::PipeWriter(const std::string &path)
     : m_file(path == "-" ? stdout : OpenFile(path, "wb")), m_name(path == "-" ? "standard output" : path) {
     if (m_file == nullptr) Fail("cannot write " + m_name + ": " + std::strerror(errno));

@@ -20,6 +20,8 @@ public:
     std::size_t Read(uint8_t *to, std::size_t bytes);
     /// One line without its end. False at the end, or when a line is longer than `most`.
     bool Line(std::string &line, std::size_t most);
+    /// Goes on at this byte of a file. False for a stream.
+    bool Seek(int64_t offset);
     /// Bytes of a file; 0 for a stream.
     int64_t Size() const { return m_size; }
     const std::string &Name() const { return m_name; }

@@ -87,6 +87,11 @@ public:
         return true;
     }
 
+    bool JumpTo(int64_t picture) override {
+        m_next = picture;
+        return m_pipe.Seek(picture * static_cast<int64_t>(m_frame.size()));
+    }
+
     void Store(uint8_t *pixels, const Z_VID_PROPS &props) override {
         const std::ptrdiff_t row = PipeRowBytes(m_spec.fcc, m_spec.width);
         if (m_asIs || m_handed == m_spec.fcc) {

@@ -13,6 +13,8 @@ namespace zkey {
 namespace {
 
 constexpr std::size_t kLongestLine = 4096;
+// What stands before each picture; words that may follow in this line are not written by anyone.
+constexpr std::string_view kMark = "FRAME\n";
 
 struct Layout {
     std::string_view name;
@@ -33,6 +35,7 @@ public:
         if (!m_pipe.Line(line, kLongestLine) || !line.starts_with("YUV4MPEG2")) {
             Fail(m_pipe.Name() + " is no YUV4MPEG2 clip" + (path == "-" ? "; raw frames need --raw FORMAT:WxH" : ""));
         }
+        m_start = static_cast<int64_t>(line.size()) + 1;
         for (std::size_t at = line.find(' '); at != std::string::npos;) {
             const std::size_t next = line.find(' ', at + 1);
             Take(std::string_view(line).substr(at + 1, next == std::string::npos ? next : next - at - 1));
@@ -51,7 +54,7 @@ public:
         const std::size_t chroma = static_cast<std::size_t>(m_chromaWidth) * static_cast<std::size_t>(m_chromaHeight);
         m_fileBytes = luma + (m_layout.chroma ? 2 * chroma : 0);
         m_frame.assign(luma + 2 * chroma, 128);
-        m_info.frames = m_pipe.Size() / static_cast<int64_t>(m_fileBytes + 6);
+        m_info.frames = m_pipe.Size() / static_cast<int64_t>(m_fileBytes + kMark.size());
     }
 
     const SourceInfo &Info() const override { return m_info; }
@@ -70,6 +73,11 @@ public:
         }
         arrival = {HandOverFormat(Samples(), m_meaning, m_info.width, m_info.height), m_scan, m_next++};
         return true;
+    }
+
+    bool JumpTo(int64_t picture) override {
+        m_next = picture;
+        return m_pipe.Seek(m_start + picture * static_cast<int64_t>(kMark.size() + m_fileBytes));
     }
 
     void Store(uint8_t *pixels, const Z_VID_PROPS &props) override {
@@ -151,6 +159,7 @@ private:
     YuvMeaning m_meaning;
     int m_chromaWidth = 0;
     int m_chromaHeight = 0;
+    int64_t m_start = 0;    ///< where the first picture begins
     std::size_t m_fileBytes = 0;
     std::vector<uint8_t> m_frame;
     int64_t m_next = 0;

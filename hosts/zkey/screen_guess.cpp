@@ -29,6 +29,11 @@ constexpr int32_t kLeastTolerance = 12;
 constexpr int32_t kMostTolerance = 40;
 constexpr int32_t kLeastSoftness = 8;
 constexpr int32_t kMostSoftness = 60;
+constexpr int32_t kLeastFigureSoftness = 24;
+// The part of the figure that may stay translucent.
+constexpr double kFigureShare = 0.05;
+// As many points of the grid lie between the screen and what is surely figure.
+constexpr int kEdge = 3;
 constexpr double kGreyShare = 0.85;
 // The mask of the despill fades out over some steps beyond its surface.
 constexpr double kBeyondMask = 1.5;
@@ -71,9 +76,38 @@ bool IsNext(const Pixel &a, const Pixel &b) {
     return std::abs(a.red - b.red) <= kStep && std::abs(a.green - b.green) <= kStep && std::abs(a.blue - b.blue) <= kStep;
 }
 
+/// What stands at the border of all pictures: how many pixels, and by how much those lead that are green or blue.
+struct Border {
+    std::size_t pixels = 0;
+    std::vector<int32_t> green;
+    std::vector<int32_t> blue;
+};
+
+Border BorderOf(const std::vector<Grid> &grids) {
+    Border border;
+    for (const Grid &grid : grids) {
+        for (int y = 0; y < grid.height; ++y) {
+            for (int x = 0; x < grid.width; ++x) {
+                if (!grid.OnBorder(x, y)) continue;
+                ++border.pixels;
+                const Pixel &p = grid.pixels[grid.At(x, y)];
+                if (GreenLead(p) >= kLead) border.green.push_back(GreenLead(p));
+                if (BlueLead(p) >= kLead) border.blue.push_back(BlueLead(p));
+            }
+        }
+    }
+    return border;
+}
+
+/// The colours of the screen, and those of what stands before it, without its edge.
+struct Finding {
+    std::vector<Pixel> screen;
+    std::vector<Pixel> figure;
+};
+
 /// From the border inwards, as long as the colour changes gently and stays clearly coloured: so the light in the middle
 /// of a screen is found, and the figure is not.
-std::vector<Pixel> GrowFromBorder(const Grid &grid, Lead lead, int32_t least) {
+void GrowFromBorder(const Grid &grid, Lead lead, int32_t least, Finding &found) {
     std::vector<bool> taken(grid.pixels.size());
     std::vector<std::pair<int, int>> open;
     const auto take = [&](int x, int y) {
@@ -86,12 +120,11 @@ std::vector<Pixel> GrowFromBorder(const Grid &grid, Lead lead, int32_t least) {
             if (grid.OnBorder(x, y)) take(x, y);
         }
     }
-    std::vector<Pixel> screen;
     while (!open.empty()) {
         const auto [x, y] = open.back();
         open.pop_back();
         const Pixel &here = grid.pixels[grid.At(x, y)];
-        screen.push_back(here);
+        found.screen.push_back(here);
         for (const auto &[dx, dy] : {std::pair{1, 0}, {-1, 0}, {0, 1}, {0, -1}}) {
             const int nx = x + dx;
             const int ny = y + dy;
@@ -99,7 +132,15 @@ std::vector<Pixel> GrowFromBorder(const Grid &grid, Lead lead, int32_t least) {
             if (IsNext(here, grid.pixels[grid.At(nx, ny)])) take(nx, ny);
         }
     }
-    return screen;
+    for (int y = kEdge; y + kEdge < grid.height; ++y) {
+        for (int x = kEdge; x + kEdge < grid.width; ++x) {
+            const Pixel &p = grid.pixels[grid.At(x, y)];
+            if (lead(p) < least && !taken[grid.At(x, y)] && !taken[grid.At(x - kEdge, y)] && !taken[grid.At(x + kEdge, y)] &&
+                !taken[grid.At(x, y - kEdge)] && !taken[grid.At(x, y + kEdge)]) {
+                found.figure.push_back(p);
+            }
+        }
+    }
 }
 
 int32_t Quantile(std::vector<int32_t> &values, double at) {
@@ -166,20 +207,42 @@ double Reach(const Distance &distance, const std::array<int32_t, 3> &tolerance, 
 }
 
 /// The engine's ramp ends where the squares, each by its tolerance, reach the mean of the widened ones.
-bool IsSolid(const Distance &distance, const std::array<int32_t, 3> &tolerance, int32_t softness) {
+double NeededReach(const std::array<int32_t, 3> &tolerance, int32_t softness) {
     double needed = 0;
     for (std::size_t c = 0; c < 3; ++c) needed += std::pow(static_cast<double>(tolerance[c] + softness) / tolerance[c], 2) / 3;
-    return Reach(distance, tolerance, 0) >= needed;
+    return needed;
 }
 
-/// A key for one part of the screen: the widest passage at whose end grey is solid, and a despill that does not reach it.
-ScreenKey KeyFor(eCK_Type type, const std::vector<Pixel> &part) {
+/// The widest passage at whose end nearly all of the figure is solid. A figure may have colours of the screen, so it does
+/// not make the edge a hard one.
+int32_t SoftnessForFigure(eCK_Type type, const ScreenKey &key, const std::vector<Pixel> &figure, int32_t most) {
+    if (figure.empty()) return most;
+    const int32_t centre = KeyValue(type, key.colour);
+    std::vector<int32_t> reach;
+    reach.reserve(figure.size());
+    for (const Pixel &p : figure) {
+        const int32_t value = KeyValue(type, ColourOf(p));
+        Distance distance{};
+        for (int c = 0; c < 3; ++c) distance[static_cast<std::size_t>(c)] = std::abs(ByteOf(value, c) - ByteOf(centre, c));
+        reach.push_back(static_cast<int32_t>(std::min(Reach(distance, key.tolerance, 0) * 64, 1e6)));
+    }
+    const double near = Quantile(reach, kFigureShare) / 64.0;
+    int32_t softness = most;
+    while (softness > kLeastFigureSoftness && NeededReach(key.tolerance, softness) > near) --softness;
+    return softness;
+}
+
+/// A key for one part of the screen: a passage at whose end grey and the figure are solid, and a despill that does not reach
+/// grey.
+ScreenKey KeyFor(eCK_Type type, const std::vector<Pixel> &part, const std::vector<Pixel> &figure) {
     ScreenKey key;
     key.colour = Median(part);
     key.tolerance = SpreadOf(part, type, key.colour);
     const Distance grey = GreyFrom(type, key.colour);
     key.softness = kMostSoftness;
-    while (key.softness > kLeastSoftness && !IsSolid(grey, key.tolerance, key.softness)) --key.softness;
+    while (key.softness > kLeastSoftness && NeededReach(key.tolerance, key.softness) > Reach(grey, key.tolerance, 0))
+        --key.softness;
+    key.softness = std::min(key.softness, SoftnessForFigure(type, key, figure, kMostSoftness));
     key.mostCancelRange = CancelRange(kScreenDespill);
     while (key.mostCancelRange > 0 && Reach(grey, key.tolerance, key.mostCancelRange) < kBeyondMask) --key.mostCancelRange;
     return key;
@@ -205,29 +268,19 @@ std::vector<std::vector<Pixel>> PartsOf(const std::vector<Pixel> &screen) {
 
 }    // namespace
 
-std::optional<ScreenGuess> GuessScreen(const ImageView &picture, eCK_Type type) {
-    const Grid grid(picture);
-    std::vector<int32_t> green;
-    std::vector<int32_t> blue;
-    std::size_t border = 0;
-    for (int y = 0; y < grid.height; ++y) {
-        for (int x = 0; x < grid.width; ++x) {
-            if (!grid.OnBorder(x, y)) continue;
-            ++border;
-            const Pixel &p = grid.pixels[grid.At(x, y)];
-            if (GreenLead(p) >= kLead) green.push_back(GreenLead(p));
-            if (BlueLead(p) >= kLead) blue.push_back(BlueLead(p));
-        }
-    }
-    const bool isGreen = green.size() >= blue.size();
-    std::vector<int32_t> &leads = isGreen ? green : blue;
-    if (leads.empty() || static_cast<double>(leads.size()) < kLeastShare * static_cast<double>(border)) return {};
+std::optional<ScreenGuess> GuessScreen(const std::vector<ImageView> &pictures, eCK_Type type) {
+    const std::vector<Grid> grids(pictures.begin(), pictures.end());
+    const Border border = BorderOf(grids);
+    const bool isGreen = border.green.size() >= border.blue.size();
+    std::vector<int32_t> leads = isGreen ? border.green : border.blue;
+    if (leads.empty() || static_cast<double>(leads.size()) < kLeastShare * static_cast<double>(border.pixels)) return {};
     const int32_t least = std::max(kLead, Quantile(leads, 0.5) / 2);
-    const std::vector<Pixel> screen = GrowFromBorder(grid, isGreen ? GreenLead : BlueLead, least);
-    if (screen.empty()) return {};
+    Finding found;
+    for (const Grid &grid : grids) GrowFromBorder(grid, isGreen ? GreenLead : BlueLead, least, found);
+    if (found.screen.empty()) return {};
     ScreenGuess guess;
     guess.name = isGreen ? "green" : "blue";
-    for (const std::vector<Pixel> &part : PartsOf(screen)) guess.parts.push_back(KeyFor(type, part));
+    for (const std::vector<Pixel> &part : PartsOf(found.screen)) guess.parts.push_back(KeyFor(type, part, found.figure));
     return guess;
 }
 

@@ -15,11 +15,11 @@ struct ScreenGuess {
     std::string name;                ///< "green" or "blue"
 };
 
-/// Looks at the left, right and upper border of the picture, where a screen stands free most often; the dominant one of
-/// green and blue wins. From there the screen is followed inwards. Where its light is uneven, its colours are taken in up
-/// to three parts of brightness, each with its own middle and its own tolerance. Empty when hardly any border pixel is
-/// clearly green or blue.
-std::optional<ScreenGuess> GuessScreen(const ImageView &picture, eCK_Type type);
+/// Looks at the left, right and upper border of the pictures of a clip, where a screen stands free most often; the dominant
+/// one of green and blue wins. From there the screen is followed inwards. Where its light is uneven, or changes from picture
+/// to picture, its colours are taken in up to three parts of brightness, each with its own middle and its own tolerance.
+/// Empty when hardly any border pixel is clearly green or blue.
+std::optional<ScreenGuess> GuessScreen(const std::vector<ImageView> &pictures, eCK_Type type);
 
 /// The options that give the same key.
 std::string ScreenOptions(const ScreenGuess &guess);

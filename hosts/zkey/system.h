@@ -21,6 +21,10 @@ int64_t ReadSome(int descriptor, void *to, std::size_t bytes);
 void CloseReading(int descriptor);
 /// Bytes of a file; 0 for a pipe.
 int64_t FileSize(int descriptor);
+/// Reading goes on at this byte of a file. False for a pipe.
+bool SeekReading(int descriptor, int64_t offset);
+/// True for a file proper: it can be opened again and read from any place.
+bool IsFile(const std::string &path);
 /// True when both paths name one existing file.
 bool SameFile(const std::string &a, const std::string &b);
 /// True when standard error is a terminal that a person watches.

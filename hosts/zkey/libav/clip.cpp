@@ -1,12 +1,17 @@
 #include "hosts/zkey/libav/clip.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 #include "hosts/zkey/failure.h"
 
 namespace zkey {
 namespace {
+
+// As many pictures are decoded at most on the way to the one that is wanted.
+constexpr int kMostPassed = 100;
 
 AVRational SteadyRate(AVFormatContext *format, AVStream *stream) {
     const AVRational guess = av_guess_frame_rate(format, stream, nullptr);
@@ -86,6 +91,7 @@ void Clip::Describe(bool audio) {
 }
 
 AVFrame *Clip::Next() {
+    if (std::exchange(m_found, false)) return m_frame.get();
     for (;;) {
         av_frame_unref(m_frame.get());
         const int got = avcodec_receive_frame(m_decoder.get(), m_frame.get());
@@ -102,6 +108,27 @@ AVFrame *Clip::Next() {
         if (got != AVERROR(EAGAIN)) Fail("cannot decode " + m_path + ": " + LibavError(got));
         if (!FeedDecoder()) return nullptr;
     }
+}
+
+bool Clip::JumpTo(int64_t picture) {
+    const AVRational length{m_info.rate.den, m_info.rate.num};
+    const int64_t start = m_stream->start_time != AV_NOPTS_VALUE ? m_stream->start_time : 0;
+    // Half a picture early, so that rounded stamps do not miss it.
+    const int64_t halves = std::max<int64_t>(0, 2 * picture - 1);
+    const int64_t target = start + av_rescale_q(halves, AVRational{length.num, 2 * length.den}, m_stream->time_base);
+    const int64_t furthest = av_rescale_q(kMostPassed, length, m_stream->time_base);
+    if (m_stamp == AV_NOPTS_VALUE || target <= m_stamp || target > m_stamp + furthest) {
+        if (av_seek_frame(m_format, m_stream->index, target, AVSEEK_FLAG_BACKWARD) < 0) return false;
+        avcodec_flush_buffers(m_decoder.get());
+        m_draining = false;
+    }
+    m_found = false;
+    for (int i = 0; i < kMostPassed; ++i) {
+        if (Next() == nullptr) return false;
+        if (m_stamp == AV_NOPTS_VALUE || m_stamp >= target) break;
+    }
+    m_found = true;
+    return true;
 }
 
 bool Clip::FeedDecoder() {
@@ -139,7 +166,7 @@ void Clip::KeepSound() {
 }
 
 void Clip::StampTime() {
-    const int64_t stamp = m_frame->best_effort_timestamp;
+    const int64_t stamp = m_stamp = m_frame->best_effort_timestamp;
     if (stamp == AV_NOPTS_VALUE) {
         ++m_time;
         return;

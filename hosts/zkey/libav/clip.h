@@ -18,6 +18,10 @@ public:
     const SourceInfo &Info() const { return m_info; }
     /// The next picture, or null at the end. Good until the next call; the caller may crop it.
     AVFrame *Next();
+    /// The picture of this number, counted from 0, comes next; where that costs too much, one between it and the place from
+    /// which pictures can be decoded. The times of pictures after a jump back are not
+    /// to be used. False when the clip ends before.
+    bool JumpTo(int64_t picture);
     /// When the picture that `Next` gave is shown, in units of the time base; always later than the one before.
     int64_t Time() const { return m_time; }
 
@@ -38,6 +42,8 @@ private:
     bool m_steady = true;    ///< every picture lasts equally long
     bool m_draining = false;
     int64_t m_start = AV_NOPTS_VALUE;    ///< time stamp of the first picture
+    int64_t m_stamp = AV_NOPTS_VALUE;    ///< time stamp of the last picture
+    bool m_found = false;                ///< the picture of the last jump waits in m_frame
     int64_t m_time = -1;
 };
 

@@ -22,6 +22,8 @@ public:
         return true;
     }
 
+    bool JumpTo(int64_t picture) override { return m_clip.JumpTo(picture); }
+
     void Store(uint8_t *pixels, const Z_VID_PROPS &props) override { m_packer.Store(pixels, props); }
 
 private:

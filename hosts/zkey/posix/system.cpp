@@ -58,6 +58,13 @@ int64_t FileSize(int descriptor) {
     return fstat(descriptor, &info) == 0 && S_ISREG(info.st_mode) ? info.st_size : 0;
 }
 
+bool SeekReading(int descriptor, int64_t offset) { return lseek(descriptor, offset, SEEK_SET) == offset; }
+
+bool IsFile(const std::string &path) {
+    struct stat info {};
+    return stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode);
+}
+
 bool SameFile(const std::string &a, const std::string &b) {
     struct stat sa {};
     struct stat sb {};

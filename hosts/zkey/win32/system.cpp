@@ -76,6 +76,13 @@ int64_t FileSize(int descriptor) {
     return size > 0 ? size : 0;
 }
 
+bool SeekReading(int descriptor, int64_t offset) { return _lseeki64(descriptor, offset, SEEK_SET) == offset; }
+
+bool IsFile(const std::string &path) {
+    const DWORD attributes = GetFileAttributesW(Wide(path).c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE)) == 0;
+}
+
 bool SameFile(const std::string &a, const std::string &b) {
     return GetFileAttributesW(Wide(a).c_str()) != INVALID_FILE_ATTRIBUTES &&
            CompareStringOrdinal(FullPath(a).c_str(), -1, FullPath(b).c_str(), -1, TRUE) == CSTR_EQUAL;

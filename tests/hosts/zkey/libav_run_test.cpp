@@ -85,6 +85,32 @@ TEST(LibavRun, AClipIsKeyedWithNothingButAnOutput) {
     }
 }
 
+TEST(LibavRun, AnyPictureOfAClipCanBeReached) {
+    const Scratch scratch;
+    Bytes clip;
+    for (int i = 0; i < 300; ++i) clip.insert(clip.end(), 32 * 32 * 4, static_cast<uint8_t>(i * 4 / 5));
+    scratch.Write("in.raw", clip);
+    for (const char *name : {"in.mp4", "in.mkv", "in_%03d.png"}) {
+        SCOPED_TRACE(name);
+        const Outcome run = RunProgram(scratch, "key " + scratch.Path("in.raw") + " --raw RGB32:32x32@30 -o " +
+                                                    scratch.Path(name) + " --type Alpha --over black");
+        ASSERT_EQ(run.status, 0) << run.error;
+        Clip read(scratch.Path(name), false);
+        Libav<SwsContext> scaler;
+        for (const int at : {0, 90, 60, 299, 299, 60}) {
+            if (!read.JumpTo(at)) {
+                ADD_FAILURE() << at;
+                continue;
+            }
+            Bytes picture(32 * 32 * 4);
+            ConvertPicture(*read.Next(), AV_PIX_FMT_BGRA, 32, 32, picture.data(), 32 * 4, scaler);
+            EXPECT_NEAR(picture[2000], at * 4 / 5, 2) << at;
+        }
+        EXPECT_EQ(read.Next() != nullptr, true);
+        EXPECT_FALSE(read.JumpTo(400));
+    }
+}
+
 TEST(LibavRun, AStillOfAClipIsItsFirstFrame) {
     const Scratch scratch;
     const Outcome run = RunProgram(scratch, "key " + SceneClip(scratch, "in.mp4") + " -c green -o " + scratch.Path("out.png"));

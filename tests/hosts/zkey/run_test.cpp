@@ -204,6 +204,40 @@ TEST(Run, TheAssumedKeyCanBeGivenByHand) {
     EXPECT_EQ(scratch.Read("a.raw"), scratch.Read("b.raw"));
 }
 
+/// Pictures of one colour, which gets darker from each to the next.
+Bytes Darkening(int count, int width, int height) {
+    Bytes clip;
+    for (int i = 0; i < count; ++i) {
+        for (int p = 0; p < width * height; ++p) {
+            const int part = 4 * count - 2 * i;
+            const auto share = [&](int value) { return static_cast<uint8_t>(value * part / (4 * count)); };
+            clip.insert(clip.end(), {share(60), share(210), share(40), 0});
+        }
+    }
+    return clip;
+}
+
+TEST(Run, AScreenWhoseLightDriftsIsGoneInAllPictures) {
+    const Scratch scratch;
+    scratch.Write("in.raw", Darkening(40, 16, 16));
+    const std::string command =
+        "key " + scratch.Path("in.raw") + " --raw RGB32:16x16 -q -o " + scratch.Path("out.raw") + " --set nMinTransparent=0 ";
+    ASSERT_EQ(RunProgram(scratch, command).status, 0);
+    EXPECT_EQ(scratch.Read("out.raw"), Bytes(40 * 16 * 16 * 4, 0));
+    // The same with the key of the first picture shows that there is something to be found.
+    ASSERT_EQ(RunProgram(scratch, command + "-c 28D23C -t 24,12,12 -s 60").status, 0);
+    EXPECT_NE(scratch.Read("out.raw"), Bytes(40 * 16 * 16 * 4, 0));
+
+    // A pipe: the first four pictures tell, and none of them is lost or comes twice.
+    scratch.Write("in.raw", Darkening(4, 16, 16));
+    const std::string pipe = "key - --raw RGB32:16x16 -q -o - --set nMinTransparent=0 ";
+    EXPECT_EQ(RunProgram(scratch, pipe + "<" + scratch.Path("in.raw")).out, std::string(4 * 16 * 16 * 4, 0));
+    for (const char *limit : {"1", "3"}) {
+        EXPECT_EQ(RunProgram(scratch, pipe + "--frames " + limit + " <" + scratch.Path("in.raw")).out.size(),
+                  static_cast<std::size_t>(*limit - '0') * 16 * 16 * 4);
+    }
+}
+
 TEST(Run, PipesCarryClipsThrough) {
     const Scratch scratch;
     Bytes clip;
