@@ -23,13 +23,13 @@ HRESULT HandOut(ComPtr<CCoZFrame2> &frame, Interface **out) {
 }
 
 // Reads the sound that a new frame is to have from its options.
-HRESULT AudioFromOptions(TextView options, Z_AUD_PROPS &props, uint32_t &bytes) {
+HRESULT AudioFromOptions(XMLParse::CoXMLNode &options, Z_AUD_PROPS &props, uint32_t &bytes) {
     props = {};
     bytes = 0;
-    props.nChannels = OptionInt(options, ZCK_TEXT("channels"), 0);
-    props.nSamplesPerSec = OptionInt(options, ZCK_TEXT("rate"), 0);
-    props.nBitsPerSample = OptionInt(options, ZCK_TEXT("bits"), 0);
-    const int32_t samples = OptionInt(options, ZCK_TEXT("audio_samples"), 0);
+    props.nChannels = options.IntGet(ZCK_TEXT("channels"));
+    props.nSamplesPerSec = options.IntGet(ZCK_TEXT("rate"));
+    props.nBitsPerSample = options.IntGet(ZCK_TEXT("bits"));
+    const int32_t samples = options.IntGet(ZCK_TEXT("audio_samples"));
     // Only a record that is not complete makes room for samples, in a format of its own choice.
     if (AudioPropsValid(&props, true) || samples <= 0) return S_OK;
     props = {2, 48000, 16, 0};
@@ -80,7 +80,7 @@ HRESULT CCoZFFactory_I::FrameCreate(int32_t _cbVideo, IUnknown *_pKeeper, IZFram
     return hr;
 }
 
-HRESULT CCoZFFactory_I::CreateFromProps(const Z_VID_PROPS *props, int64_t pixels, TextView options, FramePtr &out) {
+HRESULT CCoZFFactory_I::CreateFromProps(const Z_VID_PROPS *props, int64_t pixels, TextView text, FramePtr &out) {
     Z_AV_PROPS made = {};
     if (props != nullptr) {
         made.vidProps = *props;
@@ -88,8 +88,10 @@ HRESULT CCoZFFactory_I::CreateFromProps(const Z_VID_PROPS *props, int64_t pixels
     }
     const int32_t size = VideoPropsValid(&made.vidProps) ? FrameBufferSize(&made.vidProps) : 0;
     if (size < 1) return kVfwEInvalidMediaType;
+    XMLParse::XMLNodePtr options;
+    HRESULT hr = OptionsFromText(text, options);
     uint32_t audioBytes = 0;
-    HRESULT hr = AudioFromOptions(options, made.audProps, audioBytes);
+    if (SUCCEEDED(hr)) hr = AudioFromOptions(*options, made.audProps, audioBytes);
     FramePtr frame;
     if (SUCCEEDED(hr)) hr = CCoZFrame2::Create(this, frame);
     if (SUCCEEDED(hr)) hr = frame->VideoAlloc(static_cast<uint32_t>(size));
@@ -100,7 +102,7 @@ HRESULT CCoZFFactory_I::CreateFromProps(const Z_VID_PROPS *props, int64_t pixels
     if (pixels != 0) {
         if (!CopyBytesGuarded(video.data, PointerFrom<const void>(pixels), video.size)) return kErrorAccessDenied;
     } else {
-        const uint32_t color = OptionColor(options, ZCK_TEXT("solid_color"), 0);
+        const uint32_t color = OptionColor(*options, ZCK_TEXT("solid_color"));
         PixelsFill(made.vidProps, video.data, video.size, color, video.section->IsFresh());
     }
     frame->FrameAVPropsSet(&made);

@@ -5,10 +5,15 @@
 namespace zck {
 namespace {
 
-std::string Find(const char *options, const char *name) {
-    const Text text = TextFromUtf8(options);
-    TextView value;
-    return OptionFind(text, TextFromUtf8(name), value) ? Utf8FromText(value) : "-";
+XMLParse::XMLNodePtr Options(const char *text) {
+    XMLParse::XMLNodePtr options;
+    EXPECT_EQ(OptionsFromText(TextFromUtf8(text), options), S_OK) << text;
+    return options;
+}
+
+std::string Find(const char *text, const char *name) {
+    Text value;
+    return Options(text)->AttributeText(TextFromUtf8(name), value) ? Utf8FromText(value) : "-";
 }
 
 TEST(OptionText, PairsAndQuotes) {
@@ -29,37 +34,31 @@ TEST(OptionText, PairsAndQuotes) {
     EXPECT_EQ("-", Find("a=", "a"));
     EXPECT_EQ("-", Find("a =  ", "a"));
     EXPECT_EQ("1", Find("=0 a=1", "a"));
+    EXPECT_EQ("1", Find("a::b=1", "a::b"));
 }
+
+TEST(OptionText, TheNodeIsNamedProps) { EXPECT_EQ("props", Utf8FromText(Options("a=1")->NameGet())); }
 
 TEST(OptionText, Numbers) {
-    const Text text = TextFromUtf8("a=12 b=-3 c=x d=99999999999 e=7up");
-    EXPECT_EQ(12, OptionInt(text, ZCK_TEXT("a"), 5));
-    EXPECT_EQ(-3, OptionInt(text, ZCK_TEXT("b"), 5));
-    EXPECT_EQ(5, OptionInt(text, ZCK_TEXT("c"), 5));
-    EXPECT_EQ(INT32_MAX, OptionInt(text, ZCK_TEXT("d"), 5));
-    EXPECT_EQ(7, OptionInt(text, ZCK_TEXT("e"), 5));
-    EXPECT_EQ(5, OptionInt(text, ZCK_TEXT("f"), 5));
+    const XMLParse::XMLNodePtr options = Options("a=12 b=-3 c=x d=99999999999 e=7up");
+    EXPECT_EQ(12, options->IntGet(ZCK_TEXT("a")));
+    EXPECT_EQ(-3, options->IntGet(ZCK_TEXT("b")));
+    EXPECT_EQ(0, options->IntGet(ZCK_TEXT("c")));
+    EXPECT_EQ(INT32_MAX, options->IntGet(ZCK_TEXT("d")));
+    EXPECT_EQ(7, options->IntGet(ZCK_TEXT("e")));
+    EXPECT_EQ(0, options->IntGet(ZCK_TEXT("f")));
 }
 
-struct ColorCase {
-    const char *text;
-    uint32_t color;    // 0xAABBGGRR
-};
-
 TEST(OptionText, Colors) {
-    constexpr uint32_t kDefault = 0x40302010;
-    const ColorCase cases[] = {
-        {"Red", 0xFF0000FF},      {"orange", 0xFF00A5FF},   {"BLUE", 0xFFFF0000},
-        {"Transparent", 0},       {"Red(128)", 0x800000FF}, {"Red(0.5)", 0x000000FF},
-        {"Red(999)", 0xFF0000FF}, {"default", kDefault},    {"default(255)", 0xFF302010},
-        {"(16)", 0x10302010},     {"FF8000", 0xFF0080FF},   {"0xFF8000", 0xFF0080FF},
-        {"80FF8040", 0x804080FF}, {"ABC", 0xFFCCBBAA},      {"abc", kDefault},
-        {"#FF0000", kDefault},    {"", kDefault},           {"nothing", kDefault},
-    };
-    for (const ColorCase &c : cases) EXPECT_EQ(c.color, ColorFromText(TextFromUtf8(c.text), kDefault)) << c.text;
-    const Text options = TextFromUtf8("solid_color='Red(128)'");
-    EXPECT_EQ(0x800000FFU, OptionColor(options, ZCK_TEXT("solid_color"), 1));
-    EXPECT_EQ(1U, OptionColor(options, ZCK_TEXT("color"), 1));
+    const auto color = [](const char *text) { return OptionColor(*Options(text), ZCK_TEXT("solid_color")); };
+    EXPECT_EQ(color("Solid_Color='Red(128)'"), 0x800000FFU);
+    EXPECT_EQ(color("solid_color=Red(0.5)"), 0x000000FFU);
+    EXPECT_EQ(color("solid_color=FF8000"), 0xFF0080FFU);
+    EXPECT_EQ(color("solid_color=010"), 0xFF001100U);
+    EXPECT_EQ(color("solid_color=7"), 0xFF770000U);
+    EXPECT_EQ(color("solid_color=#FF0000"), 0U);
+    EXPECT_EQ(color("solid_color=nothing"), 0U);
+    EXPECT_EQ(color("color=Red"), 0U);
 }
 
 }    // namespace
