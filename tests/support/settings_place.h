@@ -1,12 +1,15 @@
 // A place for stored settings that no user's own settings reach.
 #pragma once
 
+#include <memory>
+
 #include "platform/text.h"
 
 namespace zck::test {
 
-/// While it lives, keys start empty: the configuration folder is a temporary one, or, where keys lie in the registry,
-/// this key's values are put aside. One at a time in a process.
+/// While it lives, no settings are stored but those that the process itself stores: the configuration folder is a temporary
+/// one, or, where keys lie in the registry, the user's root is a key of the process's own. Places nest. Programs that the
+/// process starts find the folder too, but not the key. One thread at a time.
 class SettingsPlace {
 public:
     explicit SettingsPlace(TextView key);
@@ -19,10 +22,11 @@ public:
     const std::string &Folder() const { return m_folder; }
 
 private:
+    struct State;
+
     Text m_key;
-    Text m_aside;
     std::string m_folder;
-    std::string m_before;
+    std::unique_ptr<State> m_state;
 };
 
 }    // namespace zck::test

@@ -1,31 +1,40 @@
 #include "tests/support/settings_place.h"
 
+#include <stdexcept>
+#include <utility>
+
 #include "zchromakey/com.h"
 
 namespace zck::test {
 namespace {
 
-void Move(const Text &from, const Text &to) {
-    HKEY target = nullptr;
-    RegDeleteTreeW(HKEY_CURRENT_USER, to.c_str());
-    HKEY source = nullptr;
-    if (RegOpenKeyExW(HKEY_CURRENT_USER, from.c_str(), 0, KEY_ALL_ACCESS, &source) != ERROR_SUCCESS) return;
-    if (RegCreateKeyExW(HKEY_CURRENT_USER, to.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &target, nullptr) ==
-        ERROR_SUCCESS) {
-        RegCopyTreeW(source, nullptr, target);
-        RegCloseKey(target);
-    }
-    RegCloseKey(source);
-    RegDeleteTreeW(HKEY_CURRENT_USER, from.c_str());
-}
+/// What stands for the user's root now; null for the real one.
+HKEY s_root = nullptr;
 
 }    // namespace
 
-SettingsPlace::SettingsPlace(TextView key) : m_key(key), m_aside(m_key + Text(ZCK_TEXT(" aside"))) { Move(m_key, m_aside); }
+struct SettingsPlace::State {
+    Text path;
+    HKEY own = nullptr;
+    HKEY before = nullptr;
+};
+
+SettingsPlace::SettingsPlace(TextView key) : m_key(key), m_state(std::make_unique<State>()) {
+    // A process that was killed leaves its key behind; the number of a new one may be the same.
+    m_state->path = Text(ZCK_TEXT("Software\\zck tests\\")).append(TextFromInt(GetCurrentProcessId()));
+    RegDeleteTreeW(HKEY_CURRENT_USER, m_state->path.c_str());
+    if (RegCreateKeyExW(HKEY_CURRENT_USER, m_state->path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &m_state->own,
+                        nullptr) != ERROR_SUCCESS ||
+        RegOverridePredefKey(HKEY_CURRENT_USER, m_state->own) != ERROR_SUCCESS)
+        throw std::runtime_error("no registry key");
+    m_state->before = std::exchange(s_root, m_state->own);
+}
 
 SettingsPlace::~SettingsPlace() {
-    RegDeleteTreeW(HKEY_CURRENT_USER, m_key.c_str());
-    Move(m_aside, m_key);
+    s_root = m_state->before;
+    RegOverridePredefKey(HKEY_CURRENT_USER, s_root);
+    RegCloseKey(m_state->own);
+    RegDeleteTreeW(HKEY_CURRENT_USER, m_state->path.c_str());
 }
 
 }    // namespace zck::test
