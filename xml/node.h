@@ -99,6 +99,17 @@ public:
     // The node's own attributes; names are no paths.
 
     size_t AttributeCount() const;
+    /// By the key of its name, as `AttributeRead`.
+    bool AttributeReadOwn(uint64_t key, ValueType type, ValueData &out);
+    /// Shows the text to `visit`, which must not come back to the node: its lock is held. False when there is none.
+    template <class Visit>
+    bool AttributeVisitOwn(uint64_t key, Visit visit) const {
+        std::shared_lock lock(m_attributesLock);
+        const size_t at = m_attributes.Find(key);
+        if (at == Attributes::kNone) return false;
+        m_attributes[at].value.VisitText(visit);
+        return true;
+    }
     /// False past the end.
     bool AttributeAt(size_t index, Text &name, Text &value) const;
     void AttributesClear();
@@ -152,9 +163,6 @@ private:
     XMLNodePtr ChildFindOrCreate(const TextView element, int32_t position);
     XMLNodePtr AttributeOwner(TextView path, TextView &name);
     void AttributesCopyTo(CoXMLNode &to) const;
-    template <class Visit>
-    bool ReadAttribute(TextView path, Visit visit);
-    bool ReadOwn(uint64_t key, ValueType type, ValueData &out);
     XMLNodePtr InfoNode();
     XMLNodePtr AncestorInfo();
 

@@ -30,7 +30,7 @@ bool XMLNodeImpl::AttributeText(TextView path, Text &out) {
     return true;
 }
 
-bool XMLNodeImpl::ReadOwn(uint64_t key, ValueType type, ValueData &out) {
+bool XMLNodeImpl::AttributeReadOwn(uint64_t key, ValueType type, ValueData &out) {
     {
         std::shared_lock lock(m_attributesLock);
         const size_t at = m_attributes.Find(key);
@@ -50,10 +50,10 @@ bool XMLNodeImpl::ReadOwn(uint64_t key, ValueType type, ValueData &out) {
 }
 
 bool XMLNodeImpl::AttributeRead(TextView path, ValueType type, ValueData &out) {
-    if (FindSeparator(path) == TextView::npos) return !path.empty() && ReadOwn(NameKey(path), type, out);
+    if (FindSeparator(path) == TextView::npos) return !path.empty() && AttributeReadOwn(NameKey(path), type, out);
     TextView name;
     const XMLNodePtr owner = AttributeOwner(path, name);
-    return owner && !name.empty() && owner->ReadOwn(NameKey(name), type, out);
+    return owner && !name.empty() && owner->AttributeReadOwn(NameKey(name), type, out);
 }
 
 bool XMLNodeImpl::BoolGet(TextView path, bool otherwise) {

@@ -15,7 +15,7 @@ struct SplitPath {
 constexpr size_t kPathSeparatorUnits = 2;
 
 /// The first "::" at or behind `from`, or `npos`.
-inline size_t FindSeparator(TextView path, size_t from = 0) noexcept {
+constexpr size_t FindSeparator(TextView path, size_t from = 0) noexcept {
     for (size_t i = from; i + 1 < path.size(); ++i) {
         if (path[i] == ':' && path[i + 1] == ':') return i;
     }

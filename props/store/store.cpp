@@ -145,6 +145,21 @@ Text CPropsStore::GetText(TextView name, TextView fallback) const {
     return text;
 }
 
+bool CPropsStore::Read(PropName name, ValueType type, ValueData &data) const {
+    const std::shared_lock guard(m_lock);
+    return m_root && m_root->AttributeReadOwn(name.Key(), type, data);
+}
+
+bool CPropsStore::GetBool(PropName name, bool fallback) const {
+    ValueData data;
+    return Read(name, ValueType::Boolean, data) ? data.boolean : fallback;
+}
+
+int32_t CPropsStore::GetInt(PropName name, int32_t fallback) const {
+    ValueData data;
+    return Read(name, ValueType::Integer, data) ? data.integer : fallback;
+}
+
 HRESULT CPropsStore::LoadStored(TextView key) {
     std::vector<StoredSetting> settings;
     const HRESULT hr = SettingsLoad(key, settings);

@@ -3,6 +3,7 @@
 
 #include "platform/sync.h"
 #include "platform/text.h"
+#include "props/store/prop_name.h"
 #include "xml/node.h"
 #include "zchromakey/props.h"
 
@@ -38,6 +39,15 @@ public:
     int32_t GetInt(TextView name, int32_t fallback) const;
     double GetFloat(TextView name, double fallback) const;
     Text GetText(TextView name, TextView fallback) const;
+    /// The same for names that are read again and again.
+    bool GetBool(PropName name, bool fallback) const;
+    int32_t GetInt(PropName name, int32_t fallback) const;
+    /// Shows an attribute's text to `visit`, which must not come back to the store: it is locked. False when there is none.
+    template <class Visit>
+    bool VisitText(PropName name, Visit visit) const {
+        const std::shared_lock guard(m_lock);
+        return m_root && m_root->AttributeVisitOwn(name.Key(), visit);
+    }
 
     /// Sets what the user has stored under a key of `platform/settings.h`; every setting is one `Set`, and one that is refused
     /// is passed over. Nothing is ever stored there. `S_FALSE` when nothing is stored.
@@ -51,6 +61,7 @@ private:
     enum class InfoEnum : int32_t { Automatic = -1, Off = 0, On = 1 };
 
     Text HelpOf(TextView name, TextView option) const;
+    bool Read(PropName name, ValueType type, ValueData &data) const;
 
     mutable FrameRWLock m_lock{1024, SharedRecursion::No};
     InfoEnum m_infoEnumMode = InfoEnum::Automatic;

@@ -91,6 +91,11 @@ public:
     const ValueData &Convert(ValueType type);
     ValueData Read(ValueType type) const;
     Text TextForm() const;
+    /// Shows the text form to `visit`; it is written for that only where there is none yet.
+    template <class Visit>
+    void VisitText(Visit visit) const {
+        m_textValid ? visit(TextView(m_text)) : visit(TextView(ValueToText(m_type, m_data)));
+    }
 
 private:
     void Store(ValueType type) noexcept {
