@@ -11,6 +11,9 @@ namespace {
 
 constexpr uint32_t kStopTimeoutMs = 10000;
 
+/// Where the user's properties are stored.
+constexpr TextView kSettingsKey = ZCK_TEXT("Software\\Orvane\\Quorvex\\ZChromaKey");
+
 struct DefaultProperty {
     TextView name;
     TextView value;
@@ -27,7 +30,12 @@ constexpr DefaultProperty kDefaults[] = {
 }    // namespace
 
 CCoZChromaKey::CCoZChromaKey() : m_outputDone(true, true), m_key{}, m_adjust(AdjustDefaults()), m_outputThread(&OutputThread) {
-    for (const DefaultProperty &property : kDefaults) m_props.Set(property.name, property.value);
+    for (const DefaultProperty &property : kDefaults) {
+        bool changed = false;
+        m_props.Set(property.name, Bstr(property.value).get(), changed);
+    }
+    // What cannot be read leaves the defaults.
+    m_props.LoadStored(kSettingsKey);
 }
 
 CCoZChromaKey::~CCoZChromaKey() { m_outputThread.Stop(kStopTimeoutMs, true, false); }

@@ -5,10 +5,10 @@
 #include "frames/views/f_frame.h"
 #include "keying/plugin/borders.h"
 #include "keying/plugin/frame_process.h"
-#include "keying/plugin/memory_props.h"
 #include "keying/slices/slices.h"
 #include "platform/object.h"
 #include "platform/worker_thread.h"
+#include "props/store/props_impl.h"
 #include "zchromakey/persist.h"
 #include "zchromakey/plugin.h"
 
@@ -20,8 +20,10 @@ namespace zck {
 /// The output thread lives as long as the object; the slice threads start with the first frame. The last-frame lock and the
 /// key lock are never held together, and neither is held while keying or while calling out. The pending and the finished
 /// frame belong to the output thread while the output-done event is reset, and to the caller while it is set.
-class CCoZChromaKey : public CoObject<IZChromaKey, IZPlugin, IZFProcessRedir<CCoZChromaKey>, IZProps, IZPersist> {
+class CCoZChromaKey
+    : public CoObject<IZChromaKey, IZPlugin, IZFProcessRedir<CCoZChromaKey>, IZPropsImpl<CCoZChromaKey>, IZPersist> {
 public:
+    /// Has its default properties, and over them those that the user has stored.
     CCoZChromaKey();
     ~CCoZChromaKey() override;
 
@@ -40,20 +42,6 @@ public:
     HRESULT Z_STDCALL OnMediaEnd(int64_t _llCallbackUserData, IUnknown *_pSender, uint32_t _dwFlags) override;
     HRESULT Z_STDCALL OnMediaFlush(int64_t _llCallbackUserData, IUnknown *_pSender, uint32_t _dwFlags) override;
 
-    // IZProps
-    HRESULT Z_STDCALL PropsSet(BSTR _bsPropName, BSTR _bsPropValue) override;
-    HRESULT Z_STDCALL PropsGet(BSTR _bsPropName, BSTR *_pbsPropValue) override;
-    HRESULT Z_STDCALL PropsGetCount(BSTR _bsNodeName, int32_t *_pnCount) override;
-    HRESULT Z_STDCALL PropsGetByIndex(BSTR _bsNodeName, int32_t _nIndex, BSTR *_pbsPropName, BSTR *_pbsPropValue,
-                                      int32_t *_pbNode) override;
-    HRESULT Z_STDCALL PropsRemove(BSTR _bsPropName) override;
-    HRESULT Z_STDCALL PropsInfoGet(BSTR _bsPropName, eZInfoType _eType, BSTR *_pbsInfo) override;
-    HRESULT Z_STDCALL PropsOptionGetCount(BSTR _bsPropName, int32_t *_pnOptionCount) override;
-    HRESULT Z_STDCALL PropsOptionGetByIndex(BSTR _bsPropName, int32_t _nOptionIdx, BSTR *_pbsOptionValue,
-                                            BSTR *_pbsHelp) override;
-    HRESULT Z_STDCALL PropsOptionSetByIndex(BSTR _bsPropName, int32_t _nOptionInx) override;
-    HRESULT Z_STDCALL PropsOptionGet(BSTR _bsPropName, int32_t *_pnOptionIdx, BSTR *_pbsOptionValue, BSTR *_pbsHelp) override;
-
     // IZPersist
     HRESULT Z_STDCALL PersistSaveToFile(BSTR _bsObject, BSTR _bsFileName, BSTR _bsSaveParam) override;
     HRESULT Z_STDCALL PersistSaveToString(BSTR _bsObject, BSTR *_pbsXMLDesc, BSTR _bsSaveParam) override;
@@ -71,7 +59,6 @@ private:
     static void CutToBorders(const Borders &borders, ComPtr<IZFrame> *working);
     CHROMA_KEY_RAW KeySnapshot() const;
 
-    CMemoryProps m_props;
     CriticalSection m_lastFrameLock;
     ComPtr<IZFrame> m_lastFrame;
     CSliceThreads m_slices;

@@ -17,9 +17,9 @@ constexpr uint32_t kOutputWaitMs = 1000;
 constexpr int32_t kFallbackThreads = 6;
 constexpr int32_t kMostThreads = 16;
 
-constexpr TextView kOutputThreadName = ZCK_TEXT("output.thread");
-constexpr TextView kThreadsName = ZCK_TEXT("process.threads");
-constexpr TextView kBordersName = ZCK_TEXT("keying.borders");
+constexpr PropName kOutputThreadName(ZCK_TEXT("output.thread"));
+constexpr PropName kThreadsName(ZCK_TEXT("process.threads"));
+constexpr PropName kBordersName(ZCK_TEXT("keying.borders"));
 
 HRESULT HandOn(ComPtr<IZFrame> &&frame, IZFrame **result) {
     if (!frame) return E_INVALIDARG;
@@ -111,9 +111,8 @@ HRESULT CCoZChromaKey::KeyingStep(IZFrame *frame, ComPtr<IZFrame> *result) {
 }
 
 std::optional<Borders> CCoZChromaKey::BordersNow() const {
-    Text text;
-    m_props.Get(kBordersName, &text);
-    const auto borders = BordersFromText(text);
+    std::optional<Borders> borders;
+    m_props.VisitText(kBordersName, [&](TextView text) { borders = BordersFromText(text); });
     return borders && borders->Any() ? borders : std::nullopt;
 }
 

@@ -74,6 +74,36 @@ TEST_F(Settings, WhatIsMissingIsToldApartFromAFailure) {
     EXPECT_EQ(m_props->PropsGetByIndex(nullptr, 8, nullptr, nullptr, nullptr), kErrorInvalidIndex);
 }
 
+TEST_F(Settings, TheTreeIsOneText) {
+    EXPECT_EQ(Get(""),
+              "<z-props background='checker' detect.blocks='48' detect.threshold='16' detect.key_diff='1.0' "
+              "detect.max_keys='1' output.thread='true' process.threads='2' keying.borders=''/>");
+    EXPECT_EQ(m_props->PropsSet(nullptr, Bstr(TextFromUtf8("detect.blocks=8 mine=1")).get()), S_OK);
+    EXPECT_EQ(Get("detect.blocks"), "8");
+    EXPECT_EQ(Get("mine"), "1");
+}
+
+TEST_F(Settings, ThePropertiesOfTheModuleAreThere) {
+    EXPECT_NE(Get("dll-path"), "status 1");
+    EXPECT_NE(Get("DLL-version"), "status 1");
+    EXPECT_NE(Get("dll-file-version"), "status 1");
+    EXPECT_NE(Get("dll-date"), "status 1");
+}
+
+TEST_F(Settings, NothingIsDescribed) {
+    const Bstr name(TextFromUtf8("process.threads"));
+    Bstr text;
+    EXPECT_EQ(m_props->PropsInfoGet(name.get(), eZIT_Help, text.Put()), S_FALSE);
+    int32_t count = -1;
+    EXPECT_EQ(m_props->PropsOptionGetCount(name.get(), &count), S_OK);
+    EXPECT_EQ(count, 0);
+    EXPECT_EQ(m_props->PropsOptionGetByIndex(name.get(), 0, text.Put(), nullptr), kErrorInvalidIndex);
+    EXPECT_EQ(m_props->PropsOptionSetByIndex(name.get(), 0), kErrorInvalidIndex);
+    EXPECT_EQ(m_props->PropsOptionGet(name.get(), &count, text.Put(), nullptr), S_OK);
+    EXPECT_EQ(count, -1);
+    EXPECT_EQ(Utf8FromText(text.view()), "2");
+}
+
 TEST_F(Settings, EveryViewLeadsToEveryOther) {
     const IID *views[] = {&IID_IUnknown, &IID_IZChromaKey, &IID_IZPlugin, &IID_IZFProcess, &IID_IZProps, &IID_IZPersist};
     ComPtr<IUnknown> identity = QueryFor<IUnknown>(m_props.get());
