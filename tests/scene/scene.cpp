@@ -4,10 +4,16 @@
 #include <cmath>
 #include <cstddef>
 
+#include "tests/scene/exact_math.h"
+
 namespace zck {
 namespace {
 
 constexpr float kPi = 3.14159265F;
+
+float Sin(float x) { return static_cast<float>(ExactSine(x)); }
+float Cos(float x) { return static_cast<float>(ExactCosine(x)); }
+float Length(float x, float y) { return std::sqrt(x * x + y * y); }
 
 struct Rgb {
     float r, g, b;
@@ -70,14 +76,14 @@ void Shape(Layer &layer, float x0, float y0, float x1, float y1, float feather, 
 float EllipseDistance(float x, float y, float cx, float cy, float rx, float ry) {
     const float dx = (x - cx) / rx;
     const float dy = (y - cy) / ry;
-    return (std::sqrt(dx * dx + dy * dy) - 1) * std::min(rx, ry);
+    return (Length(dx, dy) - 1) * std::min(rx, ry);
 }
 
 float CapsuleDistance(float x, float y, float ax, float ay, float bx, float by, float radius) {
     const float vx = bx - ax;
     const float vy = by - ay;
     const float t = std::clamp(((x - ax) * vx + (y - ay) * vy) / (vx * vx + vy * vy), 0.0F, 1.0F);
-    return std::hypot(x - ax - t * vx, y - ay - t * vy) - radius;
+    return Length(x - ax - t * vx, y - ay - t * vy) - radius;
 }
 
 /// One hair: dabs along a bent line that grows thinner and more transparent towards its tip.
@@ -99,8 +105,8 @@ void Strand(Layer &layer, float x, float y, float angle, float length, float ben
         layer.Over(ix, iy + 1, c, a * (1 - fx) * fy);
         layer.Over(ix + 1, iy + 1, c, a * fx * fy);
         angle += bend / static_cast<float>(steps);
-        x += std::cos(angle) * length / static_cast<float>(steps);
-        y += std::sin(angle) * length / static_cast<float>(steps);
+        x += Cos(angle) * length / static_cast<float>(steps);
+        y += Sin(angle) * length / static_cast<float>(steps);
     }
 }
 
@@ -109,8 +115,8 @@ void Hair(Layer &layer, float cx, float cy, float sway, uint32_t seed) {
     for (uint32_t i = 0; i < kStrands; ++i) {
         const uint32_t key = seed * 7919U + i * 16U;
         const float around = kPi * (1.0F + Unit(key));    // the upper half of the head
-        const float x = cx + 0.105F * std::cos(around);
-        const float y = cy + 0.135F * std::sin(around);
+        const float x = cx + 0.105F * Cos(around);
+        const float y = cy + 0.135F * Sin(around);
         const float length = 0.05F + 0.10F * Unit(key + 1);
         const float bend = 2.4F * (Unit(key + 2) - 0.5F) + 0.6F * sway;
         Strand(layer, x, y, around + 0.5F * (Unit(key + 3) - 0.5F), length, bend, 0.5F + Unit(key + 4));
@@ -125,8 +131,7 @@ void BlurredArm(Layer &layer, float sx, float sy, float angle, float swing) {
         float sum = 0;
         for (int i = 0; i < kPositions; ++i) {
             const float a = angle + swing * (static_cast<float>(i) / (kPositions - 1) - 0.5F);
-            const float d =
-                CapsuleDistance(x, y, sx, sy, sx + reach * std::cos(a), sy + reach * std::sin(a), 0.028F) * layer.unit;
+            const float d = CapsuleDistance(x, y, sx, sy, sx + reach * Cos(a), sy + reach * Sin(a), 0.028F) * layer.unit;
             sum += Ramp(0.5F - d / 1.2F);
         }
         return sum / kPositions;
@@ -146,11 +151,11 @@ void BlurredArm(Layer &layer, float sx, float sy, float angle, float swing) {
 
 void Figure(Layer &layer, const SceneParams &params, float turn) {
     const float middle = 0.5F * static_cast<float>(params.width) / static_cast<float>(params.height);
-    const float sway = std::sin(2 * kPi * turn);
+    const float sway = Sin(2 * kPi * turn);
     const float cx = middle + 0.12F * sway;
-    const float cy = 0.36F + 0.015F * std::sin(4 * kPi * turn);
+    const float cy = 0.36F + 0.015F * Sin(4 * kPi * turn);
     const auto shirt = [&](float x, float y) {
-        const float stripe = 0.85F + 0.15F * std::sin(90 * (y + 0.15F * x));
+        const float stripe = 0.85F + 0.15F * Sin(90 * (y + 0.15F * x));
         return Rgb{0.72F * stripe, 0.16F * stripe, 0.20F * stripe};
     };
     // The right side of the shirt has a soft edge, as cloth out of focus.
@@ -176,7 +181,7 @@ void Figure(Layer &layer, const SceneParams &params, float turn) {
             return y < cy - 0.07F ? Rgb{0.26F * light, 0.17F * light, 0.11F * light}
                                   : Rgb{skin.r * light, skin.g * light, skin.b * light};
         });
-    BlurredArm(layer, cx + 0.17F, 0.68F, -0.5F + 0.9F * std::sin(6 * kPi * turn), 0.35F * std::cos(6 * kPi * turn));
+    BlurredArm(layer, cx + 0.17F, 0.68F, -0.5F + 0.9F * Sin(6 * kPi * turn), 0.35F * Cos(6 * kPi * turn));
 }
 
 Rgb Screen(const SceneParams &params, float x, float y) {
@@ -184,8 +189,8 @@ Rgb Screen(const SceneParams &params, float x, float y) {
     const float aspect = static_cast<float>(params.width) / static_cast<float>(params.height);
     const float dx = x / aspect - 0.4F;
     const float dy = y - 0.35F;
-    const float spot = std::exp(-3 * (dx * dx + dy * dy)) - 0.6F;
-    const float fold = 0.12F * std::sin(9 * x + 2 * y);
+    const float spot = static_cast<float>(ExactExp(-3 * (dx * dx + dy * dy))) - 0.6F;
+    const float fold = 0.12F * Sin(9 * x + 2 * y);
     const float light = 1 + static_cast<float>(params.unevenness) * (spot + fold);
     return {static_cast<float>((c >> 16) & 255) / 255 * light, static_cast<float>((c >> 8) & 255) / 255 * light,
             static_cast<float>(c & 255) / 255 * light};
