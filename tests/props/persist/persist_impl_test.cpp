@@ -58,6 +58,8 @@ TEST_F(PersistTest, AFileIsWrittenInTheCodePageOrInUnits) {
     EXPECT_EQ(Bytes("true.xml"), units);
     EXPECT_EQ(SaveTo(Path("bare.xml"), "unicode"), S_OK);    // a bare name says nothing
     EXPECT_EQ(Bytes("bare.xml"), kSampleText);
+    EXPECT_EQ(SaveTo(Path("false.xml"), "unicode=false"), S_OK);
+    EXPECT_EQ(Bytes("false.xml"), kSampleText);
     EXPECT_EQ(SaveText(), kSampleText);
     for (const char *name : {"bytes.xml", "units.xml"}) {
         m_object->m_raw = {};
