@@ -50,8 +50,10 @@ The key. Without --color the screen is looked for at the border of the first pic
   -s, --softness N    how wide the passage from transparent to solid is, 0 to 255 (40). 0 gives a hard edge;
                       raise it for hair, smoke and motion blur
       --reverse       this colour is protected: it stays, whatever the other colours say
-      --despill N     takes the screen's light off the figure's edge, 0 to 100 (30 for a screen that was found, 0 for
-                      colours that were given). Where it acts, colour keeps half its resolution from left to right
+      --spill POWER[:CHROMA[:LUMA]]
+                      takes the screen's light off the figure's edge, in percent (25 for a screen that was found, 0 for
+                      colours that were given). POWER: how much of the screen's colour goes, and how far from the
+                      screen; CHROMA: how much paler the edge gets (twice POWER); LUMA: how much darker (0)
       --type TYPE     how colours are compared: YUV (brightness and two colour differences; forgiving to
                       uneven light), HLS (hue, lightness, saturation), RGB, or Alpha (no keying)
       --set FIELD=N   a field of the key by its name. For the whole key:
@@ -59,10 +61,10 @@ The key. Without --color the screen is looked for at the border of the first pic
                         nMaxTransparent  alpha above it becomes 255: fills a figure with faint holes (235)
                         nEdgesSmooth     rounds of smoothing of the edge (0)
                         nInverseKey      1 swaps figure and screen
-                        bColorCancel     1 or 2: how --despill works; 0 switches it off
+                        bColorCancel     0 switches --spill off
                       for the last colour:
                         nAlpha           keeps that much of the screen, 0 to 255
-                        nCancelRange nCancelPower nCancelChroma nCancelLuma nCancelAlpha   what --despill sets
+                        nCancelRange nCancelPower nCancelChroma nCancelLuma nCancelAlpha   spill of this colour, as raw numbers
                         nValue nDelta nSmoothRange nReverseKey   what the options above set, as raw numbers
 
 The engine

@@ -97,15 +97,7 @@ int32_t YuvValue(int32_t red, int32_t green, int32_t blue) {
     return Pack(t >> 16, u, v);
 }
 
-/// The weights in which the key object's own defaults stand to each other, over a part of their range.
-void AddDespill(SINGLE_KEY &key, int32_t despill, int32_t mostRange) {
-    key.nCancelRange = std::min(CancelRange(despill), mostRange);
-    key.nCancelPower = despill * 47 / 100;
-    key.nCancelChroma = -despill * 37 / 100;
-    key.nCancelLuma = -despill * 7 / 100;
-}
-
-SINGLE_KEY BuildEntry(const KeyEntry &entry, eCK_Type type, const ScreenKey *screen, int32_t despill) {
+SINGLE_KEY BuildEntry(const KeyEntry &entry, eCK_Type type, const ScreenKey *screen) {
     const std::array<int32_t, 3> fallback = screen != nullptr ? screen->tolerance : SpreadTolerance(type, kDefaultTolerance);
     const std::array<int32_t, 3> tolerance = entry.tolerance.value_or(fallback);
     SINGLE_KEY key{};
@@ -115,7 +107,6 @@ SINGLE_KEY BuildEntry(const KeyEntry &entry, eCK_Type type, const ScreenKey *scr
     if (key.nDelta == 0) key.nDelta = Pack(1, 1, 1);
     key.nSmoothRange = entry.softness.value_or(screen != nullptr ? screen->softness : kDefaultSoftness);
     key.nReverseKey = entry.reverse ? 1 : 0;
-    if (despill > 0 && !entry.reverse) AddDespill(key, despill, screen != nullptr ? screen->mostCancelRange : 255);
     for (const FieldSetting &f : entry.fields) key.*(FindField(kEntryFields, f.first)->member) = f.second;
     return key;
 }
@@ -177,13 +168,7 @@ void KeyOptions::SetType(std::string_view text) {
     }
 }
 
-void KeyOptions::SetDespill(std::string_view text) {
-    int32_t value = 0;
-    if (!ParseWhole(text, value) || value < 0 || value > 100) {
-        FailUsage("--despill: \"" + std::string(text) + "\" is no number from 0 to 100");
-    }
-    despill = value;
-}
+void KeyOptions::SetSpill(std::string_view text) { spill = ParseSpill(text); }
 
 void KeyOptions::SetField(std::string_view text) {
     const std::size_t equals = text.find('=');
@@ -237,30 +222,31 @@ std::array<int32_t, 3> SpreadTolerance(eCK_Type type, int32_t tolerance) {
     }
 }
 
-int32_t CancelRange(int32_t despill) { return despill * 3 / 2; }
-
 CHROMA_KEY_RAW BuildKey(const KeyOptions &options, const std::vector<ScreenKey> &screen) {
     CHROMA_KEY_RAW raw{};
     raw.eType = options.type.value_or(kDefaultKeyType);
     raw.nMinTransparent = 16;
     raw.nMaxTransparent = 235;
-    const int32_t despill = options.despill.value_or(screen.empty() ? 0 : kScreenDespill);
-    raw.bColorCancel = despill > 0 ? 1 : 0;
     std::vector<SINGLE_KEY> keys;
     const auto add = [&](KeyEntry entry) {
         if (entry.tolerance && (*entry.tolerance)[1] < 0) entry.tolerance = SpreadTolerance(raw.eType, (*entry.tolerance)[0]);
         if (entry.colour || screen.empty()) {
-            keys.push_back(BuildEntry(entry, raw.eType, nullptr, despill));
+            keys.push_back(BuildEntry(entry, raw.eType, nullptr));
         } else {
-            for (const ScreenKey &part : screen) keys.push_back(BuildEntry(entry, raw.eType, &part, despill));
+            for (const ScreenKey &part : screen) keys.push_back(BuildEntry(entry, raw.eType, &part));
         }
     };
     const auto &entries = options.entries;
     if (std::all_of(entries.begin(), entries.end(), [](const KeyEntry &e) { return e.colour && Protects(e); })) {
-        for (const ScreenKey &part : screen) keys.push_back(BuildEntry({}, raw.eType, &part, despill));
+        for (const ScreenKey &part : screen) keys.push_back(BuildEntry({}, raw.eType, &part));
     }
     for (const KeyEntry &entry : entries) add(entry);
-    if (keys.size() > kMostKeys) FailUsage("--color: a key has 16 colours at most");
+    const Spill off{0, 0, 0};
+    if (const auto light = SpillEntry(raw.eType, keys, options.spill.value_or(screen.empty() ? off : Spill{}))) {
+        keys.insert(keys.begin(), *light);
+        raw.bColorCancel = 1;
+    }
+    if (keys.size() > kMostKeys) FailUsage("--color: a key has 16 colours at most, and --spill takes the place of one");
     std::copy(keys.begin(), keys.end(), raw.arrKeys);
     raw.nKeysUsed = static_cast<int32_t>(keys.size());
     for (const FieldSetting &f : options.fields) raw.*(FindField(kRecordFields, f.first)->member) = f.second;

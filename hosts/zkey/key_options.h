@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "hosts/zkey/spill.h"
 #include "zchromakey/key_types.h"
 
 namespace zkey {
@@ -26,7 +27,7 @@ struct KeyEntry {
 
 struct KeyOptions {
     std::optional<eCK_Type> type;
-    std::optional<int32_t> despill;    ///< 0 to 100; not given: only for a screen that was found
+    std::optional<Spill> spill;    ///< not given: only for a screen that was found
     std::vector<KeyEntry> entries;
     std::vector<FieldSetting> fields;    ///< fields of `CHROMA_KEY_RAW` by name, applied last
 
@@ -36,8 +37,8 @@ struct KeyOptions {
     void SetSoftness(std::string_view text);
     void SetReverse();
     void SetType(std::string_view text);
-    /// `--despill`: for the whole key.
-    void SetDespill(std::string_view text);
+    /// `--spill`: for the whole key.
+    void SetSpill(std::string_view text);
     /// `--set NAME=VALUE`.
     void SetField(std::string_view text);
 
@@ -53,24 +54,19 @@ struct ScreenKey {
     uint32_t colour = 0;    ///< 0x00RRGGBB
     std::array<int32_t, 3> tolerance{};
     int32_t softness = 0;
-    int32_t mostCancelRange = 255;    ///< a wider reach of the despill would tint what is near grey
 };
 
 inline constexpr eCK_Type kDefaultKeyType = eCKT_YUV;
 inline constexpr int32_t kDefaultTolerance = 24;
 inline constexpr int32_t kDefaultSoftness = 40;
-inline constexpr int32_t kScreenDespill = 30;
 
 /// The colour as the centre of a key of this type, in the byte order of the record.
 int32_t KeyValue(eCK_Type type, uint32_t colour);
 /// One number for all channels: hue, or the two colour channels, take it as it is; brightness and saturation twice.
 std::array<int32_t, 3> SpreadTolerance(eCK_Type type, int32_t tolerance);
 
-/// How far around a colour the despill reaches, `nCancelRange`.
-int32_t CancelRange(int32_t despill);
-
 /// The record. An entry that lacks a colour stands for all parts of the screen; if no entry says what is to be keyed out,
-/// they go before the others.
+/// they go before the others. The entry that takes off the screen's light goes before all.
 CHROMA_KEY_RAW BuildKey(const KeyOptions &options, const std::vector<ScreenKey> &screen);
 
 }    // namespace zkey

@@ -50,7 +50,7 @@ constexpr std::array<Option, 21> kOptions = {{
     {"--tolerance", "-t", true, [](KeyCommand &c, Value v) { c.key.SetTolerance(v); }},
     {"--softness", "-s", true, [](KeyCommand &c, Value v) { c.key.SetSoftness(v); }},
     {"--reverse", "", false, [](KeyCommand &c, Value) { c.key.SetReverse(); }},
-    {"--despill", "", true, [](KeyCommand &c, Value v) { c.key.SetDespill(v); }},
+    {"--spill", "", true, [](KeyCommand &c, Value v) { c.key.SetSpill(v); }},
     {"--type", "", true, [](KeyCommand &c, Value v) { c.key.SetType(v); }},
     {"--set", "", true, [](KeyCommand &c, Value v) { c.key.SetField(v); }},
     {"--over", "", true, [](KeyCommand &c, Value v) { c.over = v; }},

@@ -35,8 +35,6 @@ constexpr double kFigureShare = 0.05;
 // As many points of the grid lie between the screen and what is surely figure.
 constexpr int kEdge = 3;
 constexpr double kGreyShare = 0.85;
-// The mask of the despill fades out over some steps beyond its surface.
-constexpr double kBeyondMask = 1.5;
 
 /// The picture seen through a coarse grid of single pixels: enough to find the screen, and quick.
 struct Grid {
@@ -199,10 +197,10 @@ Distance GreyFrom(eCK_Type type, uint32_t colour) {
     return distance;
 }
 
-/// The squared distance in an ellipsoid whose half-axes are the tolerances, widened by `more`; 1 is its surface.
-double Reach(const Distance &distance, const std::array<int32_t, 3> &tolerance, int32_t more) {
+/// The squared distance in an ellipsoid whose half-axes are the tolerances; 1 is its surface.
+double Reach(const Distance &distance, const std::array<int32_t, 3> &tolerance) {
     double sum = 0;
-    for (std::size_t c = 0; c < 3; ++c) sum += std::pow(distance[c] / (tolerance[c] + more), 2);
+    for (std::size_t c = 0; c < 3; ++c) sum += std::pow(distance[c] / tolerance[c], 2);
     return sum;
 }
 
@@ -224,7 +222,7 @@ int32_t SoftnessForFigure(eCK_Type type, const ScreenKey &key, const std::vector
         const int32_t value = KeyValue(type, ColourOf(p));
         Distance distance{};
         for (int c = 0; c < 3; ++c) distance[static_cast<std::size_t>(c)] = std::abs(ByteOf(value, c) - ByteOf(centre, c));
-        reach.push_back(static_cast<int32_t>(std::min(Reach(distance, key.tolerance, 0) * 64, 1e6)));
+        reach.push_back(static_cast<int32_t>(std::min(Reach(distance, key.tolerance) * 64, 1e6)));
     }
     const double near = Quantile(reach, kFigureShare) / 64.0;
     int32_t softness = most;
@@ -232,19 +230,16 @@ int32_t SoftnessForFigure(eCK_Type type, const ScreenKey &key, const std::vector
     return softness;
 }
 
-/// A key for one part of the screen: a passage at whose end grey and the figure are solid, and a despill that does not reach
-/// grey.
+/// A key for one part of the screen: a passage at whose end grey and the figure are solid.
 ScreenKey KeyFor(eCK_Type type, const std::vector<Pixel> &part, const std::vector<Pixel> &figure) {
     ScreenKey key;
     key.colour = Median(part);
     key.tolerance = SpreadOf(part, type, key.colour);
     const Distance grey = GreyFrom(type, key.colour);
     key.softness = kMostSoftness;
-    while (key.softness > kLeastSoftness && NeededReach(key.tolerance, key.softness) > Reach(grey, key.tolerance, 0))
+    while (key.softness > kLeastSoftness && NeededReach(key.tolerance, key.softness) > Reach(grey, key.tolerance))
         --key.softness;
     key.softness = std::min(key.softness, SoftnessForFigure(type, key, figure, kMostSoftness));
-    key.mostCancelRange = CancelRange(kScreenDespill);
-    while (key.mostCancelRange > 0 && Reach(grey, key.tolerance, key.mostCancelRange) < kBeyondMask) --key.mostCancelRange;
     return key;
 }
 
@@ -289,9 +284,8 @@ std::string ScreenOptions(const ScreenGuess &guess) {
     for (const ScreenKey &k : guess.parts) {
         out += (out.empty() ? "-c " : " -c ") + ColourText(k.colour) + " -t " + std::to_string(k.tolerance[0]) + "," +
                std::to_string(k.tolerance[1]) + "," + std::to_string(k.tolerance[2]) + " -s " + std::to_string(k.softness);
-        if (k.mostCancelRange < CancelRange(kScreenDespill)) out += " --set nCancelRange=" + std::to_string(k.mostCancelRange);
     }
-    return out + " --despill " + std::to_string(kScreenDespill);
+    return out + " --spill " + SpillText({});
 }
 
 }    // namespace zkey

@@ -107,6 +107,7 @@ TEST(KeyOptions, EveryFieldOfTheRecordCanBeSet) {
 TEST(KeyOptions, TheScreenFillsInWhereNoColourWasGiven) {
     const std::vector<ScreenKey> screen{{0x20C040, {50, 20, 21}, 33}};
     KeyOptions none;
+    none.SetSpill("0");
     EXPECT_TRUE(none.NeedsScreen());
     CHROMA_KEY_RAW k = BuildKey(none, screen);
     ASSERT_EQ(k.nKeysUsed, 1);
@@ -115,6 +116,7 @@ TEST(KeyOptions, TheScreenFillsInWhereNoColourWasGiven) {
     EXPECT_EQ(k.arrKeys[0].nSmoothRange, 33);
 
     KeyOptions softer;
+    softer.SetSpill("0");
     softer.SetSoftness("80");
     EXPECT_TRUE(softer.NeedsScreen());
     k = BuildKey(softer, screen);
@@ -123,6 +125,7 @@ TEST(KeyOptions, TheScreenFillsInWhereNoColourWasGiven) {
     EXPECT_EQ(k.arrKeys[0].nDelta, 50 | (20 << 8) | (21 << 16));
 
     KeyOptions onlyProtected;
+    onlyProtected.SetSpill("0");
     onlyProtected.AddColour("red");
     onlyProtected.SetReverse();
     EXPECT_TRUE(onlyProtected.NeedsScreen());
@@ -148,31 +151,34 @@ TEST(KeyOptions, TheScreenFillsInWhereNoColourWasGiven) {
     EXPECT_FALSE(byNumber.NeedsScreen());
 }
 
-TEST(KeyOptions, DespillIsForFoundScreensUnlessSaid) {
+TEST(KeyOptions, SpillIsForFoundScreensUnlessSaid) {
     const std::vector<ScreenKey> screen{{0x20C040, {50, 20, 21}, 33}};
     KeyOptions o;
     CHROMA_KEY_RAW k = BuildKey(o, screen);
     EXPECT_EQ(k.bColorCancel, 1);
-    EXPECT_EQ(k.arrKeys[0].nCancelRange, 45);
-    EXPECT_EQ(k.arrKeys[0].nCancelPower, 14);
-    EXPECT_EQ(k.arrKeys[0].nCancelChroma, -11);
-    EXPECT_EQ(k.arrKeys[0].nCancelLuma, -2);
-    o.SetDespill("0");
+    ASSERT_EQ(k.nKeysUsed, 2);
+    EXPECT_EQ(k.arrKeys[0].nAlpha, 255);
+    EXPECT_EQ(k.arrKeys[0].nCancelPower, 16);
+    EXPECT_EQ(k.arrKeys[1].nCancelPower, 0);
+    EXPECT_EQ(k.arrKeys[1].nValue, KeyValue(eCKT_YUV, 0x20C040));
+    o.SetSpill("0");
     k = BuildKey(o, screen);
     EXPECT_EQ(k.bColorCancel, 0);
-    EXPECT_EQ(k.arrKeys[0].nCancelPower, 0);
+    EXPECT_EQ(k.nKeysUsed, 1);
 
     KeyOptions given = Green();
     EXPECT_EQ(BuildKey(given, {}).bColorCancel, 0);
-    given.SetDespill("100");
+    given.SetSpill("100:0:50");
     given.AddColour("red");
     given.SetReverse();
-    given.SetField("bColorCancel=2");
     k = BuildKey(given, {});
-    EXPECT_EQ(k.bColorCancel, 2);
-    EXPECT_EQ(k.arrKeys[0].nCancelRange, 150);
-    EXPECT_EQ(k.arrKeys[1].nCancelRange, 0);
-    EXPECT_THROW(given.SetDespill("101"), Failure);
+    EXPECT_EQ(k.bColorCancel, 1);
+    ASSERT_EQ(k.nKeysUsed, 3);
+    EXPECT_EQ(k.arrKeys[0].nCancelPower, 64);
+    EXPECT_EQ(k.arrKeys[2].nReverseKey, 1);
+    given.SetField("bColorCancel=2");
+    EXPECT_EQ(BuildKey(given, {}).bColorCancel, 2);
+    EXPECT_THROW(given.SetSpill("101"), Failure);
 }
 
 TEST(KeyOptions, SixteenColoursAndNoMore) {
@@ -180,6 +186,8 @@ TEST(KeyOptions, SixteenColoursAndNoMore) {
     for (int i = 0; i < 16; ++i) o.AddColour("10203" + std::to_string(i % 10));
     EXPECT_EQ(BuildKey(o, {}).nKeysUsed, 16);
     EXPECT_THROW(o.AddColour("green"), Failure);
+    o.SetSpill("10");
+    EXPECT_THROW(BuildKey(o, {}), Failure);
 }
 
 TEST(KeyOptions, NonsenseIsAUsageError) {

@@ -169,24 +169,45 @@ TEST(Run, FinishesAreDerivedFromTheSameKey) {
     }
 }
 
-TEST(Run, DespillTakesGreenOffTheFigure) {
+TEST(Run, SpillTakesGreenOffTheEdgeAndLeavesTheFigure) {
     const Scratch scratch;
     const zck::ScenePicture scene = Scene(160, 90);
     scratch.Write("in.raw", scene.pixels);
-    const std::string command =
-        "key " + scratch.Path("in.raw") + " --raw RGB32:160x90 -q -o " + scratch.Path("out.raw") + " --despill ";
-    const auto greenness = [&](const char *despill) {
-        const Outcome run = RunProgram(scratch, command + despill);
+    const std::string command = "key " + scratch.Path("in.raw") + " --raw RGB32:160x90 -q -o " + scratch.Path("out.raw") + " ";
+    const auto keyed = [&](const char *spill) {
+        const Outcome run = RunProgram(scratch, command + spill);
         EXPECT_EQ(run.status, 0) << run.error;
-        const Bytes keyed = scratch.Read("out.raw");
+        return scratch.Read("out.raw");
+    };
+    const auto greenness = [&](const Bytes &picture) {
         int sum = 0;
-        for (std::size_t i = 0; i < keyed.size(); i += 4) {
-            sum += std::max(0, keyed[i + 1] - std::max<int>(keyed[i], keyed[i + 2]));
+        for (std::size_t i = 0; i < picture.size(); i += 4) {
+            sum += std::max(0, picture[i + 1] - std::max<int>(picture[i], picture[i + 2]));
         }
         return sum;
     };
-    const int without = greenness("0");
-    EXPECT_LT(greenness("30"), without * 7 / 10);
+    const Bytes without = keyed("--spill 0");
+    const Bytes with = keyed("");
+    EXPECT_LT(greenness(with), greenness(without) / 2);
+    // Where the figure and all around is solid, 1 part of 128 of the contrast goes, and chroma is that of pairs of pixels.
+    double sum = 0;
+    double count = 0;
+    for (std::size_t y = 4; y < 86; ++y) {
+        for (std::size_t x = 8; x < 152; ++x) {
+            bool deep = true;
+            for (std::size_t v = y - 4; v <= y + 4; ++v) {
+                for (std::size_t u = x - 8; u <= x + 8; ++u) deep = deep && scene.alpha[v * 160 + u] == 255;
+            }
+            if (!deep) continue;
+            const std::size_t at = (y * 160 + x) * 4;
+            const auto luma = [&](const Bytes &p) { return 0.114 * p[at] + 0.587 * p[at + 1] + 0.299 * p[at + 2]; };
+            EXPECT_NEAR(luma(with), luma(without), 4) << x << " " << y;
+            sum += luma(with) - luma(without);
+            ++count;
+        }
+    }
+    ASSERT_GT(count, 100);
+    EXPECT_NEAR(sum / count, 0, 2);
 }
 
 TEST(Run, TheAssumedKeyCanBeGivenByHand) {
@@ -352,7 +373,7 @@ TEST(Run, HelpsOnRequest) {
     const Outcome help = RunProgram(scratch, "key --help");
     EXPECT_EQ(help.status, 0);
     for (const char *word :
-         {"--color", "--tolerance", "--softness", "--reverse", "--despill", "--type", "--set", "--over", "--matte", "--alpha",
+         {"--color", "--tolerance", "--softness", "--reverse", "--spill", "--type", "--set", "--over", "--matte", "--alpha",
           "--exact", "--prop", "--raw", "--quiet", "--no-audio", "--frames", "--codec", "--format", "v210"}) {
         EXPECT_NE(help.out.find(word), std::string::npos) << word;
     }

@@ -129,7 +129,7 @@ TEST(ScreenGuess, OnePixelIsAPicture) {
     ASSERT_TRUE(guess);
     ASSERT_EQ(guess->parts.size(), 1U);
     EXPECT_EQ(guess->parts[0].colour, 0x32B43CU);
-    EXPECT_EQ(ScreenOptions(*guess), "-c 32B43C -t 12,12,12 -s 60 --despill 30");
+    EXPECT_EQ(ScreenOptions(*guess), "-c 32B43C -t 12,12,12 -s 60 --spill 25");
 }
 
 }    // namespace
