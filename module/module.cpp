@@ -3,6 +3,7 @@
 
 #include "frames/factory/factory.h"
 #include "keying/plugin/chroma_key.h"
+#include "keyobject/key_value.h"
 #include "platform/object.h"
 #include "platform/status.h"
 
@@ -21,6 +22,7 @@ struct ClassEntry {
 
 constexpr ClassEntry kClasses[] = {
     {&CLSID_ZChromaKey, &FactoryCreate<zck::CCoZChromaKey>},
+    {&CLSID_ZKey, &FactoryCreate<zck::CCoZKeyValue>},
 };
 
 }    // namespace

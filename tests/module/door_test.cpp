@@ -32,6 +32,21 @@ TEST(Door, ThePluginIsMadeByItsClassFactory) {
     EXPECT_EQ(DllCanUnloadNow(), S_OK);
 }
 
+TEST(Door, TheKeyObjectIsMadeByItsClassFactory) {
+    {
+        Held<IClassFactory> factory;
+        ASSERT_EQ(DllGetClassObject(CLSID_ZKey, IID_IClassFactory, factory.Out()), S_OK);
+        Held<IZKey> key;
+        ASSERT_EQ(factory->CreateInstance(nullptr, IID_IZKey, key.Out()), S_OK);
+        Held<IZProps> props;
+        EXPECT_EQ(key->QueryInterface(IID_IZProps, props.Out()), S_OK);
+        Held<IZPersist> persist;
+        EXPECT_EQ(key->QueryInterface(IID_IZPersist, persist.Out()), S_OK);
+        EXPECT_EQ(DllCanUnloadNow(), S_FALSE);
+    }
+    EXPECT_EQ(DllCanUnloadNow(), S_OK);
+}
+
 TEST(Door, ALockKeepsTheModule) {
     Held<IClassFactory> factory;
     ASSERT_EQ(DllGetClassObject(CLSID_ZChromaKey, IID_IClassFactory, factory.Out()), S_OK);

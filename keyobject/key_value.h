@@ -1,0 +1,41 @@
+// `CCoZKeyValue`: the key object.
+#pragma once
+
+#include "platform/object.h"
+#include "props/persist/persist_impl.h"
+#include "props/store/props_impl.h"
+#include "zchromakey/key.h"
+
+namespace zck {
+
+/// The operator's side of a key. Free-threaded and aggregatable. Its properties start empty: the keyer that makes it copies its
+/// own. Its configuration is an empty element, and loading one changes nothing: a key is kept by the keyer.
+class CCoZKeyValue : public CoObject<IZKey, IZPropsImpl<CCoZKeyValue>, IZPersistImpl<CCoZKeyValue, XMLParse::XMLNodePtr>> {
+public:
+    // IZKey
+    HRESULT Z_STDCALL KeyFrameSet(IUnknown *_pZFrameKeyingOrNull, IUnknown *_pZFrameBGOrNull) override;
+    HRESULT Z_STDCALL KeyFrameGet(IUnknown **_ppZFrameRes, IUnknown **_ppZFrameBG) override;
+    HRESULT Z_STDCALL KeyDetect(BSTR _bsProps, IUnknown **_ppZFrameRes) override;
+    HRESULT Z_STDCALL KeyAddPoint(int32_t _nXPosPixels, int32_t _nYPosPixels, BSTR _bsProps, IUnknown **_ppZFrameRes) override;
+    HRESULT Z_STDCALL KeyExcludePoint(int32_t _nXPosPixels, int32_t _nYPosPixels, BSTR _bsProps,
+                                      IUnknown **_ppZFrameRes) override;
+    HRESULT Z_STDCALL KeyAddRect(int32_t _nX1PosPixels, int32_t _nY1PosPixels, int32_t _nX2PosPixels, int32_t _nY2PosPixels,
+                                 BSTR _bsProps, IUnknown **_ppZFrameRes) override;
+    HRESULT Z_STDCALL KeyAdjustSet(eCK_Adjust _eAdjust, double _dblValue, IUnknown **_ppZFrameRes) override;
+    HRESULT Z_STDCALL KeyAdjustGet(eCK_Adjust _eAdjust, double *_pdblValue) override;
+    HRESULT Z_STDCALL KeyStepBack(int32_t _nSteps, IUnknown **_ppZFrameRes) override;
+    HRESULT Z_STDCALL KeyStepFwd(int32_t _nSteps, IUnknown **_ppZFrameRes) override;
+    HRESULT Z_STDCALL KeyReset(IUnknown **_ppZFrameRes) override;
+    HRESULT Z_STDCALL KeyRawSet(CHROMA_KEY_RAW *_pvmKey, CK_ADJUST *_pKeyAdjust) override;
+    HRESULT Z_STDCALL KeyRawGet(CHROMA_KEY_RAW *_pvmKey, CK_ADJUST *_pKeyAdjust) override;
+
+    // Of IZPersistImpl
+    HRESULT PersistTransfer(Transfer direction, TextView object, const XMLParse::XMLNodePtr &root, TextView path,
+                            const XMLParse::XMLNodePtr &param);
+    static const CLSID &PersistClassId();
+
+protected:
+    void *InterfaceFind(REFIID riid) noexcept override { return PersistViewFind(riid); }
+};
+
+}    // namespace zck
