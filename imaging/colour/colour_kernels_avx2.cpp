@@ -4,8 +4,16 @@
 
 #include "imaging/colour/colour_kernels.h"
 
+// For the pieces of a row: a call would pass vectors through memory and load every constant again.
+#define ZCK_INLINE inline __attribute__((always_inline))
+
 namespace zck {
 namespace {
+
+// Asks for what lies some rows' part ahead: rows of frames come from and go to the memory, they follow one another there, and
+// what the processor fetches by itself ends with each page and with each row. No address is wrong for this.
+ZCK_INLINE void FetchAhead(const uint8_t *p) { __builtin_prefetch(p + 2048, 0); }
+ZCK_INLINE void OwnAhead(uint8_t *p) { __builtin_prefetch(p + 4096, 1); }
 
 void CopyBytes(uint8_t *dst, const uint8_t *src, int64_t n) {
     for (int64_t i = 0; i < n; ++i) dst[i] = src[i];
@@ -13,7 +21,7 @@ void CopyBytes(uint8_t *dst, const uint8_t *src, int64_t n) {
 
 // 16 pixels. The sums are in 16 bits: of each coefficient the nearest multiple of 256 is taken out of the sum, which then
 // stays inside 16 bits and is shifted down; the multiples are added afterwards. That is exact.
-void Decode709Pixels16(uint8_t *dst, const uint8_t *src) {
+ZCK_INLINE void Decode709Pixels16(uint8_t *dst, const uint8_t *src) {
     const __m256i dupU = _mm256_setr_epi8(0, 1, 0, 1, 4, 5, 4, 5, 8, 9, 8, 9, 12, 13, 12, 13, 0, 1, 0, 1, 4, 5, 4, 5, 8, 9, 8,
                                           9, 12, 13, 12, 13);
     const __m256i dupV = _mm256_setr_epi8(2, 3, 2, 3, 6, 7, 6, 7, 10, 11, 10, 11, 14, 15, 14, 15, 2, 3, 2, 3, 6, 7, 6, 7, 10,
@@ -45,7 +53,11 @@ void Decode709Pixels16(uint8_t *dst, const uint8_t *src) {
 }
 
 void Decode709(uint8_t *dst, const uint8_t *src, int64_t pairs) {
-    for (; pairs >= 8; pairs -= 8, src += 32, dst += 64) Decode709Pixels16(dst, src);
+    for (; pairs >= 8; pairs -= 8, src += 32, dst += 64) {
+        FetchAhead(src);
+        OwnAhead(dst);
+        Decode709Pixels16(dst, src);
+    }
     if (pairs <= 0) return;
     uint8_t in[32] = {};
     uint8_t out[64];
@@ -55,7 +67,7 @@ void Decode709(uint8_t *dst, const uint8_t *src, int64_t pairs) {
 }
 
 // 8 pixels to words, chroma in the low byte and luma in the high one, each in 32 bits.
-__m256i Encode709Pixels8(const uint8_t *src) {
+ZCK_INLINE __m256i Encode709Pixels8(const uint8_t *src) {
     const __m256i x = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(src));
     const __m256i br = _mm256_and_si256(x, _mm256_set1_epi32(0x00FF00FF));
     const __m256i ga = _mm256_srli_epi16(x, 8);
@@ -74,7 +86,7 @@ __m256i Encode709Pixels8(const uint8_t *src) {
     return _mm256_or_si256(chroma, _mm256_slli_epi32(luma, 8));
 }
 
-void Encode709Pixels16(uint8_t *dst, const uint8_t *src) {
+ZCK_INLINE void Encode709Pixels16(uint8_t *dst, const uint8_t *src) {
     const __m256i words = _mm256_packus_epi32(Encode709Pixels8(src), Encode709Pixels8(src + 32));
     _mm256_storeu_si256(reinterpret_cast<__m256i *>(dst), _mm256_permute4x64_epi64(words, 0xD8));
 }
@@ -126,7 +138,7 @@ void PackYuy2(uint8_t *dst, const uint8_t *src, int64_t blocks) {
 }
 
 // 2 blocks; writes 4 bytes more than they have.
-void UnpackBlocks2(uint8_t *dst, const uint8_t *src) {
+ZCK_INLINE void UnpackBlocks2(uint8_t *dst, const uint8_t *src) {
     const __m256i x = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(src));
     const __m256i c0 = _mm256_and_si256(_mm256_srli_epi32(x, 2), _mm256_set1_epi32(0x000000FF));
     const __m256i c1 = _mm256_and_si256(_mm256_srli_epi32(x, 4), _mm256_set1_epi32(0x0000FF00));
@@ -140,7 +152,10 @@ void UnpackBlocks2(uint8_t *dst, const uint8_t *src) {
 }
 
 void UnpackUyvy(uint8_t *dst, const uint8_t *src, int64_t blocks) {
-    for (; blocks > 2; blocks -= 2, src += 32, dst += 24) UnpackBlocks2(dst, src);
+    for (; blocks > 2; blocks -= 2, src += 32, dst += 24) {
+        FetchAhead(src);
+        UnpackBlocks2(dst, src);
+    }
     if (blocks <= 0) return;
     uint8_t in[32] = {};
     uint8_t out[28];

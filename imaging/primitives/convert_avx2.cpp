@@ -14,7 +14,7 @@ struct Sums {
     __m256i chroma;
 };
 
-Sums SumsOf8(const uint8_t *src) {
+ZCK_INLINE Sums SumsOf8(const uint8_t *src) {
     const __m256i x = Load(src);
     const __m256i br = _mm256_and_si256(x, _mm256_set1_epi32(0x00FF00FF));
     const __m256i ga = _mm256_srli_epi16(x, 8);
@@ -24,7 +24,7 @@ Sums SumsOf8(const uint8_t *src) {
 
 // 16 pixels. Results are 16 to 235 and 16 to 240: nothing is left to clamp.
 template <bool kLumaFirst>
-void Encode16(uint8_t *dst, const uint8_t *src) {
+ZCK_INLINE void Encode16(uint8_t *dst, const uint8_t *src) {
     const Sums a = SumsOf8(src);
     const Sums b = SumsOf8(src + 32);
     const __m256i luma = By125(_mm256_packus_epi32(a.luma, b.luma));
@@ -57,7 +57,7 @@ void BgraTo422(uint8_t *dst, const uint8_t *src, int32_t width) {
 
 // 16 pixels.
 template <bool kLumaFirst>
-void Decode422(uint8_t *dst, const uint8_t *src, __m256i alpha) {
+ZCK_INLINE void Decode422(uint8_t *dst, const uint8_t *src, __m256i alpha) {
     // Each luma byte with the Cb byte of its group in front of it.
     const __m256i uyvy = _mm256_setr_epi8(0, 1, 0, 3, 4, 5, 4, 7, 8, 9, 8, 11, 12, 13, 12, 15, 0, 1, 0, 3, 4, 5, 4, 7, 8, 9, 8,
                                           11, 12, 13, 12, 15);
@@ -72,7 +72,11 @@ void Decode422(uint8_t *dst, const uint8_t *src, __m256i alpha) {
 template <bool kLumaFirst>
 void BgraFrom422(uint8_t *dst, const uint8_t *src, int32_t width, uint8_t alpha) {
     const __m256i alphas = _mm256_set1_epi16(alpha);
-    for (; width >= 16; width -= 16, src += 32, dst += 64) Decode422<kLumaFirst>(dst, src, alphas);
+    for (; width >= 16; width -= 16, src += 32, dst += 64) {
+        FetchAhead(src);
+        OwnAhead(dst);
+        Decode422<kLumaFirst>(dst, src, alphas);
+    }
     if (width <= 0) return;
     uint8_t in[32] = {};
     uint8_t out[64];

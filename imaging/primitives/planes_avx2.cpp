@@ -117,14 +117,20 @@ __m128i Twice(const uint8_t *p) {
     return _mm_unpacklo_epi8(x, x);
 }
 
-void Planes16(uint8_t *dst, const uint8_t *y, const uint8_t *cb, const uint8_t *cr, __m256i alpha) {
+ZCK_INLINE void Planes16(uint8_t *dst, const uint8_t *y, const uint8_t *cb, const uint8_t *cr, __m256i alpha) {
     const __m128i luma = LoadHalf(y);
     Decode16(dst, WithLuma(Twice(cb), luma), WithLuma(Twice(cr), luma), alpha);
 }
 
 void PlanesToBgra(uint8_t *dst, const uint8_t *y, const uint8_t *cb, const uint8_t *cr, int32_t width, uint8_t alpha) {
     const __m256i alphas = Words(alpha);
-    for (; width >= 16; width -= 16, dst += 64, y += 16, cb += 8, cr += 8) Planes16(dst, y, cb, cr, alphas);
+    for (; width >= 16; width -= 16, dst += 64, y += 16, cb += 8, cr += 8) {
+        FetchAhead(y);
+        FetchAhead(cb);
+        FetchAhead(cr);
+        OwnAhead(dst);
+        Planes16(dst, y, cb, cr, alphas);
+    }
     if (width <= 0) return;
     uint8_t in[32] = {};
     uint8_t out[64];
@@ -135,7 +141,7 @@ void PlanesToBgra(uint8_t *dst, const uint8_t *y, const uint8_t *cb, const uint8
     CopyBytes(dst, out, 4 * width);
 }
 
-void Nv12Pixels16(uint8_t *dst, const uint8_t *y, const uint8_t *cbcr, __m256i alpha) {
+ZCK_INLINE void Nv12Pixels16(uint8_t *dst, const uint8_t *y, const uint8_t *cbcr, __m256i alpha) {
     const __m128i atCb = _mm_setr_epi8(0, 0, 2, 2, 4, 4, 6, 6, 8, 8, 10, 10, 12, 12, 14, 14);
     const __m128i atCr = _mm_setr_epi8(1, 1, 3, 3, 5, 5, 7, 7, 9, 9, 11, 11, 13, 13, 15, 15);
     const __m128i luma = LoadHalf(y);
@@ -145,7 +151,12 @@ void Nv12Pixels16(uint8_t *dst, const uint8_t *y, const uint8_t *cbcr, __m256i a
 
 void Nv12ToBgra(uint8_t *dst, const uint8_t *y, const uint8_t *cbcr, int32_t width, uint8_t alpha) {
     const __m256i alphas = Words(alpha);
-    for (; width >= 16; width -= 16, dst += 64, y += 16, cbcr += 16) Nv12Pixels16(dst, y, cbcr, alphas);
+    for (; width >= 16; width -= 16, dst += 64, y += 16, cbcr += 16) {
+        FetchAhead(y);
+        FetchAhead(cbcr);
+        OwnAhead(dst);
+        Nv12Pixels16(dst, y, cbcr, alphas);
+    }
     if (width <= 0) return;
     uint8_t in[32] = {};
     uint8_t out[64];
@@ -163,7 +174,7 @@ struct Sums {
     __m256i chroma;
 };
 
-Sums SumsOf8(const uint8_t *src0, const uint8_t *src1) {
+ZCK_INLINE Sums SumsOf8(const uint8_t *src0, const uint8_t *src1) {
     const __m256i mask = _mm256_set1_epi32(0x00FF00FF);
     const __m256i x0 = Load(src0);
     const __m256i x1 = Load(src1);
@@ -182,7 +193,7 @@ __m128i Bytes16(__m256i a, __m256i b) {
 }
 
 // 16 pixels of two rows.
-void Encode16(uint8_t *y0, uint8_t *y1, uint8_t *cb, uint8_t *cr, const uint8_t *src0, const uint8_t *src1) {
+ZCK_INLINE void Encode16(uint8_t *y0, uint8_t *y1, uint8_t *cb, uint8_t *cr, const uint8_t *src0, const uint8_t *src1) {
     const Sums a = SumsOf8(src0, src1);
     const Sums b = SumsOf8(src0 + 32, src1 + 32);
     StoreHalf(y0, Bytes16(a.luma0, b.luma0));

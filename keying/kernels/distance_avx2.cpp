@@ -86,6 +86,8 @@ ZCK_INLINE void Block(uint8_t *dst, const uint8_t *src, const Lanes &l) {
 void Distance(uint8_t *dst, const uint8_t *src, int32_t blocks, const DistanceKey *key) {
     const Lanes l = LanesOf(*key);
     for (; blocks >= 4; blocks -= 4, dst += 32, src += 128) {
+        FetchAhead(src);
+        FetchAhead(src + 64);
         _mm256_storeu_si256(reinterpret_cast<__m256i *>(dst), Alpha32(src, l));
     }
     for (; blocks > 0; --blocks, dst += 8, src += 32) Block(dst, src, l);

@@ -8,6 +8,12 @@
 
 namespace zck::avx2 {
 
+// Asks for what lies about a row's half ahead: rows of frames come from and go to the memory, they follow one another there,
+// and what the processor fetches by itself ends with each page and with each kernel. No address is wrong for this.
+constexpr int kAhead = 4096;
+ZCK_INLINE void FetchAhead(const uint8_t *p) { __builtin_prefetch(p + kAhead, 0); }
+ZCK_INLINE void OwnAhead(uint8_t *p) { __builtin_prefetch(p + kAhead, 1); }
+
 // distance_avx2.cpp
 void Distance(uint8_t *dst, const uint8_t *src, int32_t blocks, const DistanceKey *key);
 

@@ -78,6 +78,7 @@ void Premultiply(uint8_t *row, int32_t width) {
 
 void MergePremultiply(uint8_t *dst, const uint8_t *src, const uint8_t *alpha, int32_t width) {
     for (; width >= 16; width -= 16, dst += 64, src += 64, alpha += 16) {
+        OwnAhead(dst);
         Store8(dst, Multiplied(Merged(Load8(src), Alpha8(alpha))));
         Store8(dst + 32, Multiplied(Merged(Load8(src + 32), Alpha8(alpha + 8))));
     }
