@@ -1,35 +1,48 @@
 // The media path of the keyer, from `OnMediaReceive` to the result frame, against a plain copy of a 32-bit frame of that
-// size. Copy and path take turns in one loop, over a ring of frames that is larger than the caches, so that their ratio
-// holds when the machine's speed drifts.
+// size. Copy and path take turns.
 //
-// Counters: fps (frames per second), copy_ms and path_ms (medians), ratio (path over copy), cpu_ratio (the same in processor
-// time of all threads, which stands when other programs run), faults (minor page faults per frame of the path).
-#include <benchmark/benchmark.h>
-#include <sys/resource.h>
-#include <time.h>
+// Names: format, size, space and number of keys, kind of key, threads. Kinds: `plain` measures and no more; `smooth` is the
+// default adjustment with 3 rounds of smoothing and thresholds; `spill` moves spill by blocks, `spillpx` by pixels.
+//
+// Counters: copy_ms and path_ms (medians), ratio (path over copy), best (the same of the fastest rounds), cpu (the same in
+// processor time of all threads, which stands when other programs run), goal (for `ratio`), faults (minor page faults per
+// frame of the path). The lines "sizes" compare a pixel of 2160 lines with one of 1080 lines, frames of both in turns.
+#include <memory>
 
-#include <algorithm>
-#include <chrono>
-#include <cstring>
-#include <string>
-#include <vector>
-
+#include "bench/measure.h"
 #include "tests/scene/scene.h"
 #include "zchromakey/zchromakey.h"
 
+namespace zck::bench {
 namespace {
 
-constexpr int kRing = 6;
-constexpr int kWarmUp = 12;
+constexpr std::size_t kWarmUp = 2 * kRing;
+constexpr std::size_t kPictures = 2;    // that the frames of a ring show: rendering takes far longer than keying
+
+enum class Kind { Plain, Smooth, Spill, SpillPx, SmoothSpill };
+constexpr const char *kKindNames[] = {"plain", "smooth", "spill", "spillpx", "smooth+spill"};
+
+struct Format {
+    eZFCC fcc;
+    const char *name;
+};
+constexpr Format kFormats[] = {{eZFCC_ARGB32, "BGRA"}, {eZFCC_UYVY, "UYVY"}, {eZFCC_HDYC, "HDYC"}, {eZFCC_YUY2, "YUY2"},
+                               {eZFCC_v210, "v210"},   {eZFCC_I420, "I420"}, {eZFCC_NV12, "NV12"}};
 
 struct Setup {
-    int width;
     int height;
-    eZFCC fcc;
+    Format format;
     eCK_Type type;
     int keys;
-    int smooth;
+    Kind kind;
     int threads;
+    double goal = 0;
+    bool fields = false;
+
+    int Width() const { return height * 16 / 9; }
+    std::size_t Pixels() const { return static_cast<std::size_t>(Width()) * static_cast<std::size_t>(height); }
+    bool Smooths() const { return kind == Kind::Smooth || kind == Kind::SmoothSpill; }
+    bool HasSpill() const { return kind >= Kind::Spill; }
 };
 
 /// A counted reference of a host.
@@ -70,12 +83,14 @@ void Set(IZProps *props, const char *name, const std::string &value) {
     SysFreeString(bsValue);
 }
 
-/// Keys around the screen's colour: the first takes the screen out, the others its lights and shadows.
+/// Keys around the screen's colour: the first takes the screen out, the others its lights and shadows. Spill as by default:
+/// colours 0.3 of the range, their strengths as shares of that.
 CHROMA_KEY_RAW KeyOf(const Setup &setup) {
     CHROMA_KEY_RAW key{};
     key.eType = setup.type;
     key.nKeysUsed = setup.keys;
-    const uint32_t screen = zck::SceneScreenColour(zck::SceneScreen::Green);
+    key.bColorCancel = setup.kind == Kind::SpillPx ? 2 : setup.HasSpill() ? 1 : 0;
+    const uint32_t screen = SceneScreenColour(SceneScreen::Green);
     for (int i = 0; i < setup.keys; ++i) {
         SINGLE_KEY &k = key.arrKeys[i];
         if (setup.type == eCKT_HLS) {
@@ -86,29 +101,29 @@ CHROMA_KEY_RAW KeyOf(const Setup &setup) {
             k.nDelta = 0x00303430;
         }
         k.nSmoothRange = 26;
+        if (!setup.HasSpill()) continue;
+        k.nCancelRange = 76;
+        k.nCancelPower = 23;
+        k.nCancelChroma = -19;
+        k.nCancelLuma = k.nCancelAlpha = -4;
     }
-    key.nMinTransparent = setup.smooth > 0 ? 102 : 0;
-    key.nMaxTransparent = setup.smooth > 0 ? 230 : 255;
-    key.nEdgesSmooth = setup.smooth;
+    key.nMinTransparent = setup.Smooths() ? 102 : 0;
+    key.nMaxTransparent = setup.Smooths() ? 230 : 255;
+    key.nEdgesSmooth = setup.Smooths() ? 3 : 0;
     return key;
 }
 
-double Median(std::vector<double> values) {
-    std::nth_element(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2), values.end());
-    return values[values.size() / 2];
-}
-
-/// Processor time of all threads of this process, in seconds.
-double ProcessorTime() {
-    timespec time{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
-}
-
-int64_t MinorFaults() {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    return usage.ru_minflt;
+/// The scene at one size, rendered once for all benchmarks.
+const std::vector<ScenePicture> &Scene(int width, int height) {
+    static std::vector<ScenePicture> pictures;
+    static int rendered = 0;
+    if (rendered == height) return pictures;
+    SceneParams scene;
+    scene.width = width;
+    scene.height = rendered = height;
+    pictures.clear();
+    for (std::size_t i = 0; i < kPictures; ++i) pictures.push_back(RenderScene(scene, static_cast<int>(i)));
+    return pictures;
 }
 
 /// One kind of media path, ready to run.
@@ -129,28 +144,31 @@ public:
         MakeRing(setup);
     }
 
-    bool Run(int index) {
+    bool Run(std::size_t round) {
         m_result.Reset();
-        return m_plugin->OnMediaReceive(0, nullptr, m_ring[index % kRing].get(), m_result.Put()) == S_OK;
+        return m_plugin->OnMediaReceive(0, nullptr, m_ring[round % kRing].get(), m_result.Put()) == S_OK;
+    }
+
+    bool WarmUp() {
+        bool ok = true;
+        for (std::size_t i = 0; i < kWarmUp; ++i) ok = Run(i) && ok;
+        return ok;
     }
 
 private:
     void MakeRing(const Setup &setup) {
         ZFramesCreate(IID_IZFrames, m_frames.PutVoid());
-        zck::SceneParams scene;
-        scene.width = setup.width;
-        scene.height = setup.height;
         Z_VID_PROPS props{};
         props.fccType = eZFCC_RGB32;
-        props.nWidth = setup.width;
+        props.nWidth = setup.Width();
         props.nHeight = -setup.height;
-        props.nRowBytes = 4 * setup.width;
-        props.eInterlace = eZI_Progressive;
-        for (int i = 0; i < kRing; ++i) {
-            const zck::ScenePicture picture = zck::RenderScene(scene, i);
+        props.nRowBytes = 4 * props.nWidth;
+        props.eInterlace = setup.fields ? eZI_Field1First : eZI_Progressive;
+        for (std::size_t i = 0; i < kRing; ++i) {
+            const ScenePicture &picture = Scene(props.nWidth, setup.height)[i % kPictures];
             Held<IZFrame> frame;
             m_frames->FrameCreateFromProps(&props, reinterpret_cast<int64_t>(picture.pixels.data()), frame.Put(), nullptr);
-            frame->FrameClone(m_ring[i].Put(), eZFC_Video, setup.fcc);
+            frame->FrameClone(m_ring[i].Put(), eZFC_Video, setup.format.fcc);
         }
     }
 
@@ -160,84 +178,116 @@ private:
     Held<IZFrame> m_result;
 };
 
+std::size_t RoundsOf(const Setup &setup) {
+    const std::size_t rounds = setup.height > 1080 ? 40 : 120;
+    return Quick() ? rounds / 10 : rounds;
+}
+
+CopiedFrames &CopiesOf(const Setup &setup) {
+    static std::unique_ptr<CopiedFrames> frames;
+    static int height = 0;
+    if (height != setup.height) {
+        frames.reset();
+        frames = std::make_unique<CopiedFrames>(4 * setup.Pixels());
+        height = setup.height;
+    }
+    return *frames;
+}
+
 void MediaPath(benchmark::State &state, const Setup &setup) {
-    using Clock = std::chrono::steady_clock;
-    const auto seconds = [](Clock::duration d) { return std::chrono::duration<double>(d).count(); };
     Path path(setup);
-    const std::size_t bytes = 4 * static_cast<std::size_t>(setup.width) * static_cast<std::size_t>(setup.height);
-    std::vector<std::vector<uint8_t>> from(kRing, std::vector<uint8_t>(bytes, 1));
-    std::vector<std::vector<uint8_t>> to(kRing, std::vector<uint8_t>(bytes, 2));
-    std::vector<double> copies;
-    std::vector<double> paths;
-    std::vector<double> copyWork;
-    std::vector<double> pathWork;
-    int64_t faults = 0;
-    int index = 0;
-    for (; index < kWarmUp; ++index)
-        if (!path.Run(index)) state.SkipWithError("the keyer refused the frame");
-    for (auto _ : state) {
-        const auto slot = static_cast<std::size_t>(index % kRing);
-        const double startWork = ProcessorTime();
-        const auto start = Clock::now();
-        std::memcpy(to[slot].data(), from[slot].data(), bytes);
-        benchmark::ClobberMemory();
-        const auto copied = Clock::now();
-        const double copiedWork = ProcessorTime();
-        const int64_t before = MinorFaults();
-        const auto begin = Clock::now();
-        path.Run(index++);
-        const auto end = Clock::now();
-        faults += MinorFaults() - before;
-        pathWork.push_back(ProcessorTime() - copiedWork);
-        copyWork.push_back(copiedWork - startWork);
-        copies.push_back(seconds(copied - start));
-        paths.push_back(seconds(end - begin));
-        state.SetIterationTime(paths.back());
+    CopiedFrames &frames = CopiesOf(setup);
+    if (!path.WarmUp()) state.SkipWithError("the keyer refused the frame");
+    Samples copies, paths;
+    for ([[maybe_unused]] auto _ : state) {
+        for (std::size_t round = 0; round < RoundsOf(setup); ++round) {
+            copies.Time([&] { frames.Copy(round); });
+            paths.Time([&] { path.Run(round); });
+        }
     }
-    const double copy = Median(copies);
-    const double keyed = Median(paths);
-    state.counters["fps"] = 1.0 / keyed;
-    state.counters["copy_ms"] = 1e3 * copy;
-    state.counters["path_ms"] = 1e3 * keyed;
-    state.counters["ratio"] = keyed / copy;
-    state.counters["cpu_ratio"] = Median(pathWork) / Median(copyWork);
-    state.counters["faults"] = static_cast<double>(faults) / static_cast<double>(paths.size());
+    state.counters["copy_ms"] = 1e3 * copies.Wall();
+    state.counters["path_ms"] = 1e3 * paths.Wall();
+    state.counters["ratio"] = paths.Wall() / copies.Wall();
+    state.counters["best"] = paths.BestWall() / copies.BestWall();
+    state.counters["cpu"] = paths.Processor() / copies.Processor();
+    state.counters["goal"] = setup.goal;
+    state.counters["faults"] = paths.Faults();
 }
 
-const char *NameOf(eZFCC fcc) {
-    switch (fcc) {
-        case eZFCC_HDYC:
-            return "HDYC";
-        case eZFCC_UYVY:
-            return "UYVY";
-        default:
-            return "BGRA";
+// Both sizes in turns, four small frames to a large one.
+void Sizes(benchmark::State &state, const Setup &setup) {
+    Setup large = setup;
+    large.height = 2 * setup.height;
+    Path few(large);
+    Path many(setup);
+    if (!few.WarmUp() || !many.WarmUp()) state.SkipWithError("the keyer refused the frame");
+    Samples smalls, larges;
+    for ([[maybe_unused]] auto _ : state) {
+        for (std::size_t round = 0; round < RoundsOf(large); ++round) {
+            larges.Time([&] { few.Run(round); });
+            for (std::size_t i = 0; i < 4; ++i) smalls.Time([&] { many.Run(4 * round + i); });
+        }
     }
+    state.counters["ratio"] = larges.Wall() / (4 * smalls.Wall());
+    state.counters["best"] = larges.BestWall() / (4 * smalls.BestWall());
+    state.counters["cpu"] = larges.Processor() / (4 * smalls.Processor());
+    state.counters["goal"] = 1.1;
 }
 
-void Register(const Setup &setup) {
-    const std::string name = std::string(NameOf(setup.fcc)) + "/" + std::to_string(setup.height) + "p/" +
-                             (setup.type == eCKT_HLS ? "HLS" : "RGB") + "/keys:" + std::to_string(setup.keys) +
-                             "/smooth:" + std::to_string(setup.smooth) + "/threads:" + std::to_string(setup.threads);
-    benchmark::RegisterBenchmark(name.c_str(), [setup](benchmark::State &state) { MediaPath(state, setup); })
-        ->UseManualTime()
-        ->Unit(benchmark::kMillisecond)
-        ->Iterations(setup.height > 1080 ? 60 : 200);
+std::string NameOf(const Setup &setup, const std::string &size) {
+    return std::string(setup.format.name) + "/" + size + "/" +
+           (setup.type == eCKT_HLS   ? "HLS"
+            : setup.type == eCKT_YUV ? "YUV"
+                                     : "RGB") +
+           std::to_string(setup.keys) + "/" + kKindNames[static_cast<int>(setup.kind)] + "/" + std::to_string(setup.threads) +
+           "t";
+}
+
+void Add(const Setup &setup) {
+    const std::string size = std::to_string(setup.height) + (setup.fields ? "i" : "p");
+    benchmark::RegisterBenchmark(NameOf(setup, size).c_str(), [setup](benchmark::State &state) {
+        MediaPath(state, setup);
+    })->Iterations(1);
+}
+
+void AddSizes(const Setup &setup) {
+    benchmark::RegisterBenchmark(NameOf(setup, "sizes").c_str(), [setup](benchmark::State &state) {
+        Sizes(state, setup);
+    })->Iterations(1);
+}
+
+void AddFormats(int height, int threads) {
+    const auto goal = [threads](double one, double two) { return threads == 1 ? one : two; };
+    for (const Format &format : kFormats) {
+        const bool named = format.fcc == eZFCC_ARGB32 || format.fcc == eZFCC_UYVY || format.fcc == eZFCC_HDYC;
+        Add({height, format, eCKT_RGB, 1, Kind::Plain, threads, named ? goal(2, 1.5) : 0});
+        Add({height, format, eCKT_RGB, 1, Kind::Spill, threads});
+        Add({height, format, eCKT_HLS, 1, Kind::SmoothSpill, threads, goal(9, 5.5)});
+    }
+    const Format &bgra = kFormats[0];
+    Add({height, bgra, eCKT_RGB, 4, Kind::Plain, threads, goal(4.5, 2.7)});
+    Add({height, bgra, eCKT_RGB, 1, Kind::Smooth, threads, goal(4, 2.7)});
+    Add({height, bgra, eCKT_HLS, 1, Kind::Smooth, threads, goal(6.5, 4)});
+    Add({height, bgra, eCKT_YUV, 1, Kind::Smooth, threads});
+    Add({height, bgra, eCKT_RGB, 1, Kind::SpillPx, threads});
+    Add({height, bgra, eCKT_RGB, 1, Kind::Smooth, threads, 0, true});
+}
+
+void Register() {
+    for (const int height : {1080, 2160}) {
+        for (const int threads : {1, 2}) AddFormats(height, threads);
+    }
+    for (const int threads : {1, 2}) {
+        for (const Format &format : kFormats) AddSizes({1080, format, eCKT_RGB, 1, Kind::Plain, threads});
+        AddSizes({1080, kFormats[0], eCKT_RGB, 1, Kind::Smooth, threads});
+        AddSizes({1080, kFormats[0], eCKT_HLS, 1, Kind::SmoothSpill, threads});
+    }
 }
 
 }    // namespace
+}    // namespace zck::bench
 
 int main(int argc, char **argv) {
-    for (const int height : {1080, 2160}) {
-        const int width = height * 16 / 9;
-        for (const int threads : {1, 2}) {
-            for (const int keys : {1, 2, 4})
-                for (const int smooth : {0, 3}) Register({width, height, eZFCC_ARGB32, eCKT_RGB, keys, smooth, threads});
-            Register({width, height, eZFCC_ARGB32, eCKT_HLS, 1, 3, threads});
-            Register({width, height, eZFCC_UYVY, eCKT_RGB, 1, 0, threads});
-            Register({width, height, eZFCC_HDYC, eCKT_RGB, 1, 0, threads});
-        }
-    }
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
+    zck::bench::Register();
+    return zck::bench::Main(argc, argv);
 }

@@ -1,45 +1,42 @@
-// Every route of a conversion at one size over a 1920 by 1080 frame, reference and vector version side by side. "px" is the
-// time of a pixel; "copies" is the time in plain copies of a 32-bit frame, which are run between the conversions of the same
-// benchmark, so that a drifting machine does not move it.
-#include <benchmark/benchmark.h>
-
-#include <chrono>
-#include <cstring>
-#include <random>
+// Every conversion at one size over a 1920 by 1080 frame, reference and vector version side by side. "same" are the routes that
+// frames take between packed formats, "part" those of `ColorConvertViews`, which serves planes.
 #include <string>
 #include <vector>
 
+#include "bench/measure.h"
 #include "frames/media/pixel_format.h"
+#include "imaging/colour/color_convert.h"
 #include "imaging/colour/convert.h"
 #include "platform/processor.h"
 
 namespace zck {
 namespace {
 
-constexpr int32_t kWidth = 1920;
-constexpr int32_t kHeight = 1080;
+using bench::kHeight;
+using bench::kWidth;
 constexpr size_t kFrameBytes = size_t{4} * kWidth * kHeight;
-constexpr size_t kRing = 4;
 
 struct Format {
     eZFCC fcc;
     const char *name;
 };
 
-const Format kFormats[] = {{eZFCC_RGB32, "RGB32"}, {eZFCC_RGB24, "RGB24"}, {eZFCC_UYVY, "UYVY"},
-                           {eZFCC_HDYC, "HDYC"},   {eZFCC_YUY2, "YUY2"},   {eZFCC_v210, "v210"}};
+constexpr Format kPacked[] = {{eZFCC_RGB32, "RGB32"}, {eZFCC_RGB24, "RGB24"}, {eZFCC_UYVY, "UYVY"},
+                              {eZFCC_HDYC, "HDYC"},   {eZFCC_YUY2, "YUY2"},   {eZFCC_v210, "v210"}};
+constexpr Format kPlanar[] = {{eZFCC_YVYU, "YVYU"}, {eZFCC_I420, "I420"}, {eZFCC_YV12, "YV12"}, {eZFCC_NV12, "NV12"}};
+constexpr Format kPartners[] = {{eZFCC_RGB32, "RGB32"}, {eZFCC_RGB24, "RGB24"}, {eZFCC_UYVY, "UYVY"}, {eZFCC_YUY2, "YUY2"}};
 
-// Frames that come in turn, as in a pipeline: nothing is in the caches.
-struct Ring {
-    Ring() {
-        std::mt19937 random(7);
-        for (auto &frame : frames) {
-            frame.resize(kFrameBytes);
-            for (uint8_t &b : frame) b = static_cast<uint8_t>(random() >> 8);
-        }
-    }
-    std::vector<uint8_t> frames[kRing];
-};
+using Ring = std::vector<std::vector<uint8_t>>;
+
+Ring &Sources() {
+    static Ring ring(bench::kRing, bench::Noise(kFrameBytes));
+    return ring;
+}
+
+Ring &Targets() {
+    static Ring ring(bench::kRing, std::vector<uint8_t>(kFrameBytes, 1));
+    return ring;
+}
 
 Z_VID_PROPS Record(eZFCC fcc) {
     Z_VID_PROPS p = {};
@@ -50,50 +47,48 @@ Z_VID_PROPS Record(eZFCC fcc) {
     return p;
 }
 
-double SecondsSince(std::chrono::steady_clock::time_point start) {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-void Run(benchmark::State &state, eZFCC from, eZFCC to, KernelLevel level) {
-    static Ring src, dst;
+void Same(size_t round, eZFCC from, eZFCC to) {
     const Z_VID_PROPS sp = Record(from);
     const Z_VID_PROPS tp = Record(to);
-    KernelLevelLimit(level);
-    double copy = 0, convert = 0;
-    size_t i = 0;
-    for ([[maybe_unused]] auto _ : state) {
-        auto start = std::chrono::steady_clock::now();
-        std::memcpy(dst.frames[i % kRing].data(), src.frames[i % kRing].data(), kFrameBytes);
-        copy += SecondsSince(start);
-        ++i;
-        start = std::chrono::steady_clock::now();
-        if (ConvertSameGeometry(src.frames[i % kRing].data(), dst.frames[i % kRing].data(), &sp, &tp) != S_OK)
-            state.SkipWithError("no conversion");
-        const double seconds = SecondsSince(start);
-        convert += seconds;
-        ++i;
-        state.SetIterationTime(seconds);
-    }
-    KernelLevelLimit(KernelLevel::Avx2);
-    using benchmark::Counter;
-    state.counters["px"] = Counter(double{kWidth} * kHeight, Counter::kIsIterationInvariantRate | Counter::kInvert);
-    state.counters["copies"] = copy > 0 ? convert / copy : 0;
+    ConvertSameGeometry(Sources()[round % bench::kRing].data(), Targets()[round % bench::kRing].data(), &sp, &tp);
+}
+
+void Part(size_t round, eZFCC from, eZFCC to) {
+    static ImgConvertState state;
+    const auto view = [](eZFCC fcc) {
+        const Z_VID_PROPS p = Record(fcc);
+        return ImageView{{fcc, p.nWidth, p.nHeight, 0}, p.nRowBytes, static_cast<int64_t>(kFrameBytes)};
+    };
+    ColorConvertViews(&state, Sources()[round % bench::kRing].data(), Targets()[round % bench::kRing].data(), view(from),
+                      view(to), nullptr, nullptr);
+}
+
+void Add(const char *kind, void (*convert)(size_t, eZFCC, eZFCC), const Format &from, const Format &to) {
+    const auto work = [convert, from, to](KernelLevel level) {
+        return [=](std::size_t round) {
+            KernelLevelLimit(level);
+            convert(round, from.fcc, to.fcc);
+            KernelLevelLimit(KernelLevel::Avx2);
+        };
+    };
+    bench::RegisterPair(std::string(kind) + "/" + from.name + "/" + to.name, work(KernelLevel::Reference),
+                        CpuHasAvx2() ? bench::FrameWork(work(KernelLevel::Avx2)) : nullptr);
 }
 
 void Register() {
-    for (const Format &from : kFormats)
-        for (const Format &to : kFormats) {
-            if (IsRgbFormat(from.fcc) && to.fcc == eZFCC_v210) continue;
-            const std::string name = std::string(from.name) + "/" + to.name;
-            for (const KernelLevel level : {KernelLevel::Reference, KernelLevel::Avx2}) {
-                if (level == KernelLevel::Avx2 && !CpuHasAvx2()) continue;
-                benchmark::RegisterBenchmark((name + (level == KernelLevel::Avx2 ? "/avx2" : "/ref")).c_str(), Run, from.fcc,
-                                             to.fcc, level)
-                    ->UseManualTime()
-                    ->MinTime(0.2)
-                    ->Unit(benchmark::kMillisecond);
-            }
+    for (const Format &from : kPacked) {
+        for (const Format &to : kPacked) {
+            // Not provided, and plain copies.
+            const bool plain = from.fcc == to.fcc && from.fcc != eZFCC_RGB32;
+            if (!plain && !(IsRgbFormat(from.fcc) && to.fcc == eZFCC_v210)) Add("same", Same, from, to);
         }
+    }
+    for (const Format &planar : kPlanar) {
+        for (const Format &partner : kPartners) Add("part", Part, planar, partner);
+        for (const Format &partner : kPartners) Add("part", Part, partner, planar);
+    }
+    Add("part", Part, kPlanar[1], kPlanar[3]);
+    Add("part", Part, kPlanar[3], kPlanar[1]);
 }
 
 }    // namespace
@@ -101,8 +96,5 @@ void Register() {
 
 int main(int argc, char **argv) {
     zck::Register();
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    return zck::bench::Main(argc, argv);
 }

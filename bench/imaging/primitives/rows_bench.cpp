@@ -1,41 +1,20 @@
-// Each row of the image primitives over a 1920 by 1080 frame, reference and vector version side by side; "px" is the time of
-// a pixel. The copy of a 32-bit frame is the yardstick of the machine.
-#include <benchmark/benchmark.h>
-
-#include <cstring>
+// Each row of the image primitives over a 1920 by 1080 frame, reference and vector version side by side.
 #include <functional>
-#include <random>
-#include <string>
 #include <utility>
 #include <vector>
 
+#include "bench/measure.h"
 #include "imaging/primitives/row_kernels.h"
 #include "platform/processor.h"
 
 namespace zck {
 namespace {
 
-constexpr int32_t kWidth = 1920;
-constexpr int32_t kHeight = 1080;
+using bench::kHeight;
+using bench::kWidth;
 
 using K = PrimitiveKernels;
 using RowCall = std::function<void(const K &, uint8_t *dst, const uint8_t *src)>;
-
-void Run(benchmark::State &state, const K &table, const RowCall &row) {
-    static const std::vector<uint8_t> src = [] {
-        std::mt19937 random(7);
-        std::vector<uint8_t> bytes(size_t{4} * kWidth * kHeight);
-        for (uint8_t &b : bytes) b = static_cast<uint8_t>(random() >> 8);
-        return bytes;
-    }();
-    static std::vector<uint8_t> dst(src);
-    for ([[maybe_unused]] auto _ : state) {
-        for (size_t y = 0; y < kHeight; ++y) row(table, &dst[y * 4 * kWidth], &src[y * 4 * kWidth]);
-        benchmark::ClobberMemory();
-    }
-    using benchmark::Counter;
-    state.counters["px"] = Counter(double{kWidth} * kHeight, Counter::kIsIterationInvariantRate | Counter::kInvert);
-}
 
 constexpr int32_t kHalf = kWidth / 2;
 
@@ -45,7 +24,6 @@ const uint8_t kOrder[4] = {2, 1, 0, 3};
 uint8_t g_row[4 * kWidth];
 
 const std::pair<const char *, RowCall> kRows[] = {
-    {"copy32", [](const K &, uint8_t *d, const uint8_t *s) { std::memcpy(d, s, 4 * kWidth); }},
     {"drop_alpha", [](const K &k, uint8_t *d, const uint8_t *s) { k.drop_alpha(d, s, kWidth); }},
     {"add_alpha", [](const K &k, uint8_t *d, const uint8_t *s) { k.add_alpha(d, s, kWidth); }},
     {"get_channel", [](const K &k, uint8_t *d, const uint8_t *s) { k.get_channel(d, s + 3, kWidth); }},
@@ -87,16 +65,23 @@ const std::pair<const char *, RowCall> kRows[] = {
     {"uyvy_to_bgra_cached", [](const K &k, uint8_t *, const uint8_t *s) { k.uyvy_to_bgra(g_row, s, kWidth, 255); }},
 };
 
+void Walk(const K &table, const RowCall &row) {
+    static const std::vector<uint8_t> src = bench::Noise(size_t{4} * kWidth * kHeight);
+    static std::vector<uint8_t> dst(src);
+    for (size_t y = 0; y < kHeight; ++y) row(table, &dst[y * 4 * kWidth], &src[y * 4 * kWidth]);
+}
+
 void Register() {
     static K ref = {};
     static K avx2 = {};
     PrimitiveKernelsInitRef(&ref);
     avx2 = ref;
     if (CpuHasAvx2()) PrimitiveKernelsInitAvx2(&avx2);
-    for (const auto &[name, row] : kRows) {
-        benchmark::RegisterBenchmark((std::string(name) + "/ref").c_str(), Run, ref, row)->Unit(benchmark::kMicrosecond);
-        if (CpuHasAvx2())
-            benchmark::RegisterBenchmark((std::string(name) + "/avx2").c_str(), Run, avx2, row)->Unit(benchmark::kMicrosecond);
+    for (const auto &entry : kRows) {
+        const RowCall &row = entry.second;
+        const bench::FrameWork vec = [&row](std::size_t) { Walk(avx2, row); };
+        bench::RegisterPair(
+            entry.first, [&row](std::size_t) { Walk(ref, row); }, CpuHasAvx2() ? vec : nullptr);
     }
 }
 
@@ -105,8 +90,5 @@ void Register() {
 
 int main(int argc, char **argv) {
     zck::Register();
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    return zck::bench::Main(argc, argv);
 }

@@ -1,31 +1,22 @@
-// Each row kernel over the rows of a 1920 by 1080 frame, reference and vector version side by side; "px" is the time of a
-// pixel. The copy of a 32-bit frame is the yardstick of the machine.
-#include <benchmark/benchmark.h>
-
-#include <cstring>
+// Each row kernel over the rows of a 1920 by 1080 frame, reference and vector version side by side.
 #include <functional>
-#include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "bench/measure.h"
 #include "keying/kernels/kernels.h"
 #include "platform/processor.h"
 
 namespace zck {
 namespace {
 
-constexpr int32_t kWidth = 1920;
-constexpr int32_t kHeight = 1080;
+using bench::kHeight;
+using bench::kWidth;
+using bench::Noise;
 constexpr size_t kPixels = size_t{kWidth} * kHeight;
 
 using Bytes = std::vector<uint8_t>;
-
-Bytes Noise(size_t size) {
-    std::mt19937 random(7);
-    Bytes bytes(size);
-    for (uint8_t &b : bytes) b = static_cast<uint8_t>(random() >> 8);
-    return bytes;
-}
 
 // A disc of noise on a screen of the key colour with a few units of grain.
 Bytes Screen() {
@@ -54,18 +45,7 @@ struct Frame {
 
 using RowCall = std::function<void(const KeyingKernels &, Frame &, size_t pixel)>;
 
-void Run(benchmark::State &state, const KeyingKernels &table, const RowCall &row) {
-    static Frame frame;
-    for ([[maybe_unused]] auto _ : state) {
-        for (int32_t y = 1; y < kHeight - 1; ++y) row(table, frame, static_cast<size_t>(y) * kWidth);
-        benchmark::ClobberMemory();
-    }
-    using benchmark::Counter;
-    state.counters["px"] = Counter(double{kPixels}, Counter::kIsIterationInvariantRate | Counter::kInvert);
-}
-
 const std::pair<const char *, RowCall> kRows[] = {
-    {"copy32", [](const KeyingKernels &, Frame &f, size_t i) { std::memcpy(&f.out[4 * i], &f.noise[4 * i], 4 * kWidth); }},
     {"distance/screen",
      [](const KeyingKernels &t, Frame &f, size_t i) { t.distance(&f.plane[i], &f.screen[4 * i], kWidth / 8, &f.key); }},
     {"distance/noise",
@@ -92,15 +72,24 @@ const std::pair<const char *, KeyingKernels::Filter3x3 KeyingKernels::*> kFilter
     {"gauss", &KeyingKernels::gauss},
 };
 
-void RegisterAt(const std::string &level, const KeyingKernels &table) {
-    const auto add = [&](const char *name, const RowCall &row) {
-        benchmark::RegisterBenchmark((name + level).c_str(), [=](benchmark::State &state) {
-            Run(state, table, row);
-        })->Unit(benchmark::kMillisecond);
+void Add(const char *name, const RowCall &row) {
+    const auto walk = [&row](void (*init)(KeyingKernels *)) {
+        KeyingKernels table = {};
+        KeyingKernelsInitRef(&table);
+        init(&table);
+        return [row, table](std::size_t) {
+            static Frame frame;
+            for (int32_t y = 1; y < kHeight - 1; ++y) row(table, frame, static_cast<size_t>(y) * kWidth);
+        };
     };
-    for (const auto &[name, row] : kRows) add(name, row);
+    bench::RegisterPair(name, walk(KeyingKernelsInitRef),
+                        CpuHasAvx2() ? bench::FrameWork(walk(KeyingKernelsInitAvx2)) : nullptr);
+}
+
+void Register() {
+    for (const auto &[name, row] : kRows) Add(name, row);
     for (const auto &[name, filter] : kFilters) {
-        add(name, [f = filter](const KeyingKernels &t, Frame &frame, size_t i) {
+        Add(name, [f = filter](const KeyingKernels &t, Frame &frame, size_t i) {
             const uint8_t *row = &frame.plane[i + 1];
             (t.*f)(&frame.target[i + 1], row - kWidth, row, row + kWidth, kWidth - 2);
         });
@@ -111,15 +100,6 @@ void RegisterAt(const std::string &level, const KeyingKernels &table) {
 }    // namespace zck
 
 int main(int argc, char **argv) {
-    zck::KeyingKernels table = {};
-    zck::KeyingKernelsInitRef(&table);
-    zck::RegisterAt("/ref", table);
-    if (zck::CpuHasAvx2()) {
-        zck::KeyingKernelsInitAvx2(&table);
-        zck::RegisterAt("/avx2", table);
-    }
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    zck::Register();
+    return zck::bench::Main(argc, argv);
 }

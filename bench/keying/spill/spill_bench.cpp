@@ -1,21 +1,21 @@
-// The anti-spill: its rows, reference and vector side by side, and a whole HD picture. The rows stay in the cache; the rate
-// counts pixels. The masks: `clean` lies in long runs of 0 and 255, `ramp` holds neither.
-#include <benchmark/benchmark.h>
-
-#include <cstdint>
-#include <random>
+// The anti-spill, reference and vector version side by side: its rows over a 1920 by 1080 frame, and whole pictures. The masks
+// of the rows: `clean` lies in long runs of 0 and 255, `ramp` holds neither.
 #include <string>
 #include <vector>
 
+#include "bench/measure.h"
 #include "frames/media/pixel_format.h"
 #include "keying/spill/spill.h"
+#include "keying/spill/spill_kernels.h"
+#include "keying/spill/spill_plan.h"
 #include "platform/processor.h"
 
 namespace zck {
 namespace {
 
-constexpr int32_t kWidth = 1920;
-constexpr int32_t kHeight = 1080;
+using bench::kHeight;
+using bench::kWidth;
+using Bytes = std::vector<uint8_t>;
 
 CHROMA_KEY_RAW GreenKey(int32_t cancel) {
     CHROMA_KEY_RAW key = {};
@@ -26,96 +26,94 @@ CHROMA_KEY_RAW GreenKey(int32_t cancel) {
     return key;
 }
 
-std::vector<uint8_t> Noise(size_t bytes) {
-    std::mt19937 random(1);
-    std::vector<uint8_t> noise(bytes);
-    for (uint8_t &b : noise) b = static_cast<uint8_t>(random());
-    return noise;
-}
-
-std::vector<uint8_t> Mask(bool clean) {
-    std::vector<uint8_t> mask = Noise(kWidth);
+Bytes Mask(bool clean) {
+    Bytes mask = bench::Noise(kWidth);
     for (size_t i = 0; i < mask.size(); ++i)
         mask[i] = clean ? (i / 200 % 2 != 0 ? 255 : 0) : static_cast<uint8_t>(mask[i] % 254 + 1);
     return mask;
 }
 
-void Rate(benchmark::State &state, int64_t pixels) { state.SetItemsProcessed(state.iterations() * pixels); }
+// What the walks work on: rows that stay in the cache, and pictures that do not.
+struct Stock {
+    Bytes row = bench::Noise(kWidth);
+    Bytes scaled = Bytes(kWidth);
+    Bytes pixels = bench::Noise(size_t{4} * kWidth * kHeight);
+    Bytes space = bench::Noise(size_t{4} * kWidth * kHeight);
+    Bytes clean = Mask(true);
+    Bytes ramp = Mask(false);
+    SpillPlan plan = SpillPlanMake(GreenKey(2));
+    SpillBlockKey block = SpillBlockKeyOf(plan, plan.entries[0], true);
+    SpillPixelKey pixel = SpillPixelKeyOf(plan, plan.entries[0], true);
 
-void Register(const std::string &level, void (*init)(SpillKernels *)) {
-    SpillKernels k = {};
-    init(&k);
-    for (const int32_t width : {kWidth, kWidth - 1}) {
-        benchmark::RegisterBenchmark(("scale/" + std::to_string(width) + "/" + level).c_str(),
-                                     [k, width](benchmark::State &state) {
-                                         const std::vector<uint8_t> row = Noise(kWidth);
-                                         std::vector<uint8_t> mask(kWidth);
-                                         for ([[maybe_unused]] auto _ : state) {
-                                             k.scale(mask.data(), row.data(), width);
-                                             benchmark::ClobberMemory();
-                                         }
-                                         Rate(state, width);
-                                     });
+    Stock() {
+        for (size_t i = 0; i < space.size(); ++i)
+            space[i] = i / 2000 % 2 != 0 ? uint8_t{0} : i % 4 == 1 ? uint8_t{0xC0} : uint8_t{0x28};
     }
-    for (const bool clean : {true, false}) {
-        const std::string name = std::string(clean ? "clean/" : "ramp/") + level;
-        const SpillPlan plan = SpillPlanMake(GreenKey(2));
-        benchmark::RegisterBenchmark(("block/" + name).c_str(), [=](benchmark::State &state) {
-            std::vector<uint8_t> pixels = Noise(2 * kWidth);
-            const std::vector<uint8_t> mask = Mask(clean);
-            const SpillBlockKey key = SpillBlockKeyOf(plan, plan.entries[0], true);
-            for ([[maybe_unused]] auto _ : state) {
-                k.block(pixels.data(), mask.data(), kWidth / 16, &key);
-                benchmark::ClobberMemory();
-            }
-            Rate(state, kWidth);
-        });
-        benchmark::RegisterBenchmark(("pixel/" + name).c_str(), [=](benchmark::State &state) {
-            std::vector<uint8_t> pixels = Noise(2 * kWidth);
-            const std::vector<uint8_t> mask = Mask(clean);
-            const SpillPixelKey key = SpillPixelKeyOf(plan, plan.entries[0], true);
-            for ([[maybe_unused]] auto _ : state) {
-                k.pixel(pixels.data(), mask.data(), kWidth / 2, &key);
-                benchmark::ClobberMemory();
-            }
-            Rate(state, kWidth);
-        });
-    }
+};
+
+Stock &TheStock() {
+    static Stock stock;
+    return stock;
 }
 
-void Picture(benchmark::State &state, eZFCC fcc, int32_t cancel) {
+using RowCall = void (*)(const SpillKernels &, Stock &);
+
+void AddRow(const char *name, RowCall row) {
+    const auto work = [row](void (*init)(SpillKernels *)) {
+        SpillKernels table = {};
+        init(&table);
+        return [row, table](std::size_t) {
+            for (int32_t y = 0; y < kHeight; ++y) row(table, TheStock());
+        };
+    };
+    bench::RegisterPair(name, work(SpillKernelsInitRef), CpuHasAvx2() ? bench::FrameWork(work(SpillKernelsInitAvx2)) : nullptr);
+}
+
+void Picture(eZFCC fcc, int32_t cancel) {
+    Stock &stock = TheStock();
     Z_VID_PROPS props = {};
     props.fccType = fcc;
     props.nWidth = kWidth;
     props.nHeight = kHeight;
     props.nRowBytes = RowBytes(fcc, kWidth);
-    std::vector<uint8_t> pixels = Noise(static_cast<size_t>(props.nRowBytes) * kHeight);
-    std::vector<uint8_t> space(4 * size_t{kWidth} * kHeight);
-    for (size_t i = 0; i < space.size(); ++i)
-        space[i] = i / 2000 % 2 != 0 ? uint8_t{0} : i % 4 == 1 ? uint8_t{0xC0} : uint8_t{0x28};
-    const SpillPlan plan = SpillPlanMake(GreenKey(cancel));
-    const auto bytes = static_cast<int64_t>(space.size());
-    for ([[maybe_unused]] auto _ : state) {
-        SpillCancel(
-            {pixels.data(), static_cast<int64_t>(pixels.size()), &props, kWidth, space.data(), 4 * kWidth, bytes, bytes}, plan);
-        benchmark::ClobberMemory();
-    }
-    Rate(state, int64_t{kWidth} * kHeight);
+    const auto bytes = static_cast<int64_t>(stock.space.size());
+    SpillCancel(
+        {stock.pixels.data(), int64_t{props.nRowBytes} * kHeight, &props, kWidth, stock.space.data(), 4 * kWidth, bytes, bytes},
+        SpillPlanMake(GreenKey(cancel)));
+}
+
+void AddPicture(const char *name, eZFCC fcc, int32_t cancel) {
+    const auto work = [=](KernelLevel level) {
+        return [=](std::size_t) {
+            KernelLevelLimit(level);
+            Picture(fcc, cancel);
+            KernelLevelLimit(KernelLevel::Avx2);
+        };
+    };
+    bench::RegisterPair(name, work(KernelLevel::Reference), CpuHasAvx2() ? bench::FrameWork(work(KernelLevel::Avx2)) : nullptr);
+}
+
+void Register() {
+    AddRow("scale/even", [](const SpillKernels &k, Stock &s) { k.scale(s.scaled.data(), s.row.data(), kWidth); });
+    AddRow("scale/odd", [](const SpillKernels &k, Stock &s) { k.scale(s.scaled.data(), s.row.data(), kWidth - 1); });
+    AddRow("block/clean",
+           [](const SpillKernels &k, Stock &s) { k.block(s.pixels.data(), s.clean.data(), kWidth / 16, &s.block); });
+    AddRow("block/ramp",
+           [](const SpillKernels &k, Stock &s) { k.block(s.pixels.data(), s.ramp.data(), kWidth / 16, &s.block); });
+    AddRow("pixel/clean",
+           [](const SpillKernels &k, Stock &s) { k.pixel(s.pixels.data(), s.clean.data(), kWidth / 2, &s.pixel); });
+    AddRow("pixel/ramp",
+           [](const SpillKernels &k, Stock &s) { k.pixel(s.pixels.data(), s.ramp.data(), kWidth / 2, &s.pixel); });
+    AddPicture("picture/BGRA/block", eZFCC_ARGB32, 1);
+    AddPicture("picture/BGRA/per_pixel", eZFCC_ARGB32, 2);
+    AddPicture("picture/UYVY/block", eZFCC_UYVY, 1);
+    AddPicture("picture/UYVY/per_pixel", eZFCC_UYVY, 2);
 }
 
 }    // namespace
 }    // namespace zck
 
 int main(int argc, char **argv) {
-    zck::Register("reference", zck::SpillKernelsInitRef);
-    if (zck::CpuHasAvx2()) zck::Register("avx2", zck::SpillKernelsInitAvx2);
-    for (const int32_t cancel : {1, 2}) {
-        const std::string path = cancel == 2 ? "/per_pixel" : "/block";
-        benchmark::RegisterBenchmark(("picture/BGRA" + path).c_str(), zck::Picture, eZFCC_ARGB32, cancel)
-            ->Unit(benchmark::kMillisecond);
-        benchmark::RegisterBenchmark(("picture/UYVY" + path).c_str(), zck::Picture, eZFCC_UYVY, cancel)
-            ->Unit(benchmark::kMillisecond);
-    }
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
+    zck::Register();
+    return zck::bench::Main(argc, argv);
 }
