@@ -8,8 +8,8 @@
 #include "keying/slices/slices.h"
 #include "platform/object.h"
 #include "platform/worker_thread.h"
+#include "props/persist/persist_impl.h"
 #include "props/store/props_impl.h"
-#include "zchromakey/persist.h"
 #include "zchromakey/plugin.h"
 
 namespace zck {
@@ -20,8 +20,8 @@ namespace zck {
 /// The output thread lives as long as the object; the slice threads start with the first frame. The last-frame lock and the
 /// key lock are never held together, and neither is held while keying or while calling out. The pending and the finished
 /// frame belong to the output thread while the output-done event is reset, and to the caller while it is set.
-class CCoZChromaKey
-    : public CoObject<IZChromaKey, IZPlugin, IZFProcessRedir<CCoZChromaKey>, IZPropsImpl<CCoZChromaKey>, IZPersist> {
+class CCoZChromaKey : public CoObject<IZChromaKey, IZPlugin, IZFProcessRedir<CCoZChromaKey>, IZPropsImpl<CCoZChromaKey>,
+                                      IZPersistImpl<CCoZChromaKey, XMLParse::XMLNodePtr>> {
 public:
     /// Has its default properties, and over them those that the user has stored.
     CCoZChromaKey();
@@ -42,10 +42,13 @@ public:
     HRESULT Z_STDCALL OnMediaEnd(int64_t _llCallbackUserData, IUnknown *_pSender, uint32_t _dwFlags) override;
     HRESULT Z_STDCALL OnMediaFlush(int64_t _llCallbackUserData, IUnknown *_pSender, uint32_t _dwFlags) override;
 
-    // IZPersist
-    HRESULT Z_STDCALL PersistSaveToFile(BSTR _bsObject, BSTR _bsFileName, BSTR _bsSaveParam) override;
-    HRESULT Z_STDCALL PersistSaveToString(BSTR _bsObject, BSTR *_pbsXMLDesc, BSTR _bsSaveParam) override;
-    HRESULT Z_STDCALL PersistLoad(BSTR _bsObject, BSTR _bsXMLDescOrFile, BSTR _bsLoadParam) override;
+    // Of IZPersistImpl
+    HRESULT PersistTransfer(Transfer direction, TextView object, const XMLParse::XMLNodePtr &root, TextView path,
+                            const XMLParse::XMLNodePtr &param);
+    static const CLSID &PersistClassId();
+
+protected:
+    void *InterfaceFind(REFIID riid) noexcept override { return PersistViewFind(riid); }
 
 private:
     static void OutputThread(void *owner, int32_t index, CWorkerThread &self);
