@@ -4,6 +4,7 @@
 
 #include "xml/chars.h"
 #include "xml/limits.h"
+#include "xml/path.h"
 
 namespace zck::XMLParse {
 namespace {
@@ -57,6 +58,14 @@ private:
     TextView m_text;
 };
 
+/// The attribute, and the nodes that its path may have to make.
+size_t ItemsOf(TextView name, ListNames names) noexcept {
+    size_t items = 1;
+    if (names == ListNames::Flat) return items;
+    for (size_t at = FindSeparator(name); at != TextView::npos; at = FindSeparator(name, at + kPathSeparatorUnits)) ++items;
+    return items;
+}
+
 }    // namespace
 
 bool ParseAttributesCounted(XMLNodeImpl &node, TextView text, int32_t mode, ListNames names, BareNames bare, size_t &itemsLeft,
@@ -67,8 +76,9 @@ bool ParseAttributesCounted(XMLNodeImpl &node, TextView text, int32_t mode, List
     ListReader reader(text);
     for (Pair pair; reader.Next(pair);) {
         if (pair.name.empty() || (!pair.hasValue && bare == BareNames::Drop)) continue;
-        if (itemsLeft == 0) return false;
-        --itemsLeft;
+        const size_t items = ItemsOf(pair.name, names);
+        if (itemsLeft < items) return false;
+        itemsLeft -= items;
         if (names == ListNames::Flat) {
             node.AttributeSetOwn(pair.name, TypedValue(pair.value), existing);
         } else if (!node.AttributeSet(pair.name, TypedValue(pair.value), existing)) {

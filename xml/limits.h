@@ -11,7 +11,8 @@ constexpr HRESULT kErrorTooLarge = static_cast<HRESULT>(0x800700DF);
 constexpr size_t kFileBytesMax = size_t{64} << 20;
 /// Units of a text.
 constexpr size_t kTextUnitsMax = size_t{64} << 20;
-/// Nodes, text children and attributes of one document or list: a node takes some 600 bytes of memory.
+/// Nodes, text children and attributes of one document or list, every element of a list's paths a node: a node takes some
+/// 600 bytes of memory.
 constexpr size_t kItemsMax = 1000000;
 /// Nested elements, the root counted. A deeper element is dropped, its content falls to the element around it.
 constexpr size_t kDepthMax = 1024;

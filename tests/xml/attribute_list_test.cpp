@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/xml/say.h"
+#include "xml/limits.h"
 
 namespace zck::XMLParse {
 namespace {
@@ -93,6 +94,31 @@ TEST(AttributeList, TextAndPrefix) {
     EXPECT_EQ(Say(WriteAttributes(*Tree("<n/>"), true)), "");
     // Read back it is an attribute like any other.
     EXPECT_EQ(ListOf("_node_value='some text'"), "_node_value='some text'");
+}
+
+HRESULT StatusOfList(CoXMLNode &node, std::string_view list, ListNames names) {
+    HRESULT status = E_FAIL;
+    ParseAttributes(node, In(list), kListOverwrite, names, BareNames::Drop, &status);
+    return status;
+}
+
+TEST(AttributeList, TooManyPairsAreRefused) {
+    std::string list;
+    while (list.size() < 4 * kItemsMax) list += "a=1 ";
+    const XMLNodePtr node = CoXMLNode::Create(In("n"));
+    EXPECT_EQ(StatusOfList(*node, list, ListNames::Flat), S_OK);
+    EXPECT_EQ(StatusOfList(*node, list + "b=1", ListNames::Flat), kErrorTooLarge);
+    EXPECT_EQ(Line(node), "<n a='1'/>");
+}
+
+TEST(AttributeList, TooManyElementsOfPathsAreRefused) {
+    // Each element is a node that would have to be made.
+    std::string path = "a=1 ";
+    for (size_t i = 0; i < kItemsMax; ++i) path += "a::";
+    const XMLNodePtr node = CoXMLNode::Create(In("n"));
+    EXPECT_EQ(StatusOfList(*node, path + "b=1", ListNames::Paths), kErrorTooLarge);
+    EXPECT_EQ(Line(node), "<n a='1'/>");
+    EXPECT_EQ(StatusOfList(*node, path + "b=1", ListNames::Flat), S_OK);
 }
 
 }    // namespace
