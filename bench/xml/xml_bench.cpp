@@ -1,0 +1,125 @@
+// Trees: reads of attributes, which hot roads do once a frame, and documents in both directions. Rates count the bytes of
+// the file, one a character. A typed read by name is the key of the name and the read by that key; `name_key` tells the
+// first part.
+#include <benchmark/benchmark.h>
+
+#include <string>
+
+#include "platform/text.h"
+#include "props/store/store.h"
+#include "xml/decode.h"
+#include "xml/parser.h"
+#include "xml/writer.h"
+
+namespace zck {
+namespace {
+
+using XMLParse::CoXMLNode;
+using XMLParse::XMLNodePtr;
+
+/// A saved key of one entry.
+std::string KeyFile() {
+    return "<z-key type='rgb' keys='1' min_trans='0.400000' max_trans='0.900000' edges_smooth='3' color_cancel='true'>\r\n"
+           "\t<key color='0x0020C030' delta='0x00282828' range='26' alpha='0' reverse='0'>\r\n"
+           "\t\t<cancel range='40' power='76' chroma='-64' luma='-13' alpha='-13'/>\r\n\t</key>\r\n"
+           "\t<adjust power='0.000000' transparent='0.000000' excl_power='0.100000'>\r\n"
+           "\t\t<colors range='0.0' power='0.3' chroma='-0.25' luma='-0.05'/>\r\n\t</adjust>\r\n</z-key>";
+}
+
+/// Some 20000 elements in three levels, attributes and texts.
+std::string LargeFile() {
+    std::string text = "<root>";
+    for (int i = 0; i < 100; ++i) {
+        const std::string n = std::to_string(i);
+        text += "\r\n\t<group" + n + " index='" + n + "' title='a title with several words'>";
+        for (int j = 0; j < 100; ++j) {
+            const std::string m = std::to_string(j);
+            text += "\r\n\t\t<entry name='entry" + m + "' value='0." + m + "'><help>1 &lt; 2 &amp; " + m +
+                    " is text</help></entry>";
+        }
+        text += "\r\n\t</group" + n + ">";
+    }
+    return text + "\r\n</root>";
+}
+
+XMLNodePtr TreeOf(const std::string &file) {
+    XMLNodePtr node = CoXMLNode::Create(ZCK_TEXT("node"));
+    ParseXML(*node, XMLParse::DecodeBytes(file));
+    return node;
+}
+
+void Parsed(benchmark::State &state, const std::string &file) {
+    const XMLNodePtr node = CoXMLNode::Create(ZCK_TEXT("node"));
+    for ([[maybe_unused]] auto _ : state) {
+        if (FAILED(ParseXML(*node, XMLParse::DecodeBytes(file)))) state.SkipWithError("not read");
+    }
+    state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(file.size()));
+}
+
+void Written(benchmark::State &state, const std::string &file) {
+    const XMLNodePtr node = TreeOf(file);
+    size_t units = 0;
+    for ([[maybe_unused]] auto _ : state) units = XMLText(*node).size();
+    state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(units));
+}
+
+void Copied(benchmark::State &state, const std::string &file) {
+    const XMLNodePtr node = TreeOf(file);
+    for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(node->CopyTree(ZCK_TEXT("copy")).get());
+    state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(file.size()));
+}
+
+/// A node with so many attributes, the last of which is read.
+void TypedRead(benchmark::State &state) {
+    const XMLNodePtr node = CoXMLNode::Create(ZCK_TEXT("node"));
+    for (int64_t i = 1; i < state.range(0); ++i) node->AttributeSet(Text(ZCK_TEXT("other")) + TextFromInt(i), ZCK_TEXT("1"));
+    const TextView name = ZCK_TEXT("process.threads");
+    node->AttributeSet(name, ZCK_TEXT("12"));
+    int32_t sum = 0;
+    for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(sum += node->IntGet(name));
+}
+
+void NameKey(benchmark::State &state) {
+    TextView name = ZCK_TEXT("process.threads");
+    for ([[maybe_unused]] auto _ : state) {
+        benchmark::DoNotOptimize(name);
+        benchmark::DoNotOptimize(XMLParse::NameKey(name));
+    }
+}
+
+void StoreRead(benchmark::State &state, TextView path) {
+    CPropsStore store;
+    bool changed = false;
+    store.Set(path, Bstr(ZCK_TEXT("12")).get(), changed);
+    int32_t sum = 0;
+    for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(sum += store.GetInt(path, 0));
+}
+
+/// The same through the interface's text.
+void StoreText(benchmark::State &state, TextView path) {
+    CPropsStore store;
+    bool changed = false;
+    store.Set(path, Bstr(ZCK_TEXT("12")).get(), changed);
+    for ([[maybe_unused]] auto _ : state) {
+        Bstr value;
+        store.Get(path, value.Put());
+        benchmark::DoNotOptimize(value.get());
+    }
+}
+
+BENCHMARK(NameKey)->Name("name_key");
+BENCHMARK(TypedRead)->Name("typed_read")->Arg(1)->Arg(8)->Arg(16)->Arg(64)->Arg(1000);
+BENCHMARK_CAPTURE(StoreRead, flat, ZCK_TEXT("process.threads"))->Name("store_typed/1");
+BENCHMARK_CAPTURE(StoreRead, path, ZCK_TEXT("process::slices::threads"))->Name("store_typed/3");
+BENCHMARK_CAPTURE(StoreText, flat, ZCK_TEXT("process.threads"))->Name("store_text/1");
+BENCHMARK_CAPTURE(StoreText, path, ZCK_TEXT("process::slices::threads"))->Name("store_text/3");
+BENCHMARK_CAPTURE(Parsed, key, KeyFile())->Name("parse/key");
+BENCHMARK_CAPTURE(Parsed, large, LargeFile())->Name("parse/large")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Written, key, KeyFile())->Name("write/key");
+BENCHMARK_CAPTURE(Written, large, LargeFile())->Name("write/large")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Copied, large, LargeFile())->Name("copy/large")->Unit(benchmark::kMillisecond);
+
+}    // namespace
+}    // namespace zck
+
+BENCHMARK_MAIN();
