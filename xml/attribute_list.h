@@ -26,8 +26,8 @@ enum class BareNames {
 /// quote, or without a quote to the next space; entities in them stay as they are. Pairs without a name, and a name with "="
 /// at the end of the text, are dropped. Modes outside the list overwrite.
 ///
-/// Throws `std::bad_alloc`. `kErrorTooLarge` in `status`, when given, after too many pairs and elements of their paths; what came
-/// before them is stored.
+/// Throws `std::bad_alloc`. `kErrorTooLarge` in `status`, when given, after too many pairs and elements of their paths; what
+/// came before them is stored.
 bool ParseAttributes(XMLNodeImpl &node, TextView text, int32_t mode, ListNames names, BareNames bare = BareNames::Drop,
                      HRESULT *status = nullptr);
 
