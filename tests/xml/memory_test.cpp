@@ -43,6 +43,8 @@ TEST(Memory, ATypedReadTakesNone) {
     int32_t sum = 0;
     for (const Text &name : names) sum += node->IntGet(name);
     node->AttributeExists(names[0]);
+    ValueData data;
+    EXPECT_TRUE(node->AttributeReadOwn(NameKey(names[1]), ValueType::Integer, data));
     EXPECT_EQ(t_taken, before);
     EXPECT_EQ(sum, 12 + 77 + 3 + 3);
 }
