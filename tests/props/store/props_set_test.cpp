@@ -271,6 +271,29 @@ TEST_F(PropsSetTest, TypedReadsOfTheOwner) {
     EXPECT_EQ(Say(store.GetText(In("missing::deep"), In("x"))), "x");
 }
 
+TEST_F(PropsSetTest, ReadsByHashedNames) {
+    constexpr PropName kNumber(ZCK_TEXT("Number.Of"));
+    constexpr PropName kMissing(ZCK_TEXT("missing"));
+    const CPropsStore &store = m_object->Store();
+    ASSERT_EQ(Set("", "number.of=0012 t=yes"), S_OK);
+    const auto shown = [&](PropName name) {
+        std::string text = "none";
+        store.VisitText(name, [&](TextView view) { text = Say(view); });
+        return text;
+    };
+    EXPECT_EQ(store.GetInt(kNumber, 5), 12);
+    EXPECT_TRUE(store.GetBool(PropName(ZCK_TEXT("t")), false));
+    EXPECT_EQ(shown(kNumber), "0012");
+    store.Root()->IntSet(In("number.of"), 7);
+    EXPECT_EQ(shown(kNumber), "7");
+    EXPECT_EQ(store.GetInt(kMissing, 5), 5);
+    EXPECT_TRUE(store.GetBool(kMissing, true));
+    EXPECT_EQ(shown(kMissing), "none");
+    m_object->Store().RootSet(nullptr);
+    EXPECT_EQ(store.GetInt(kNumber, 5), 5);
+    EXPECT_EQ(shown(kNumber), "none");
+}
+
 TEST_F(PropsSetTest, TypedReadKeepsTheText) {
     EXPECT_EQ(Set("n", "0012"), S_OK);
     EXPECT_EQ(m_object->Store().GetInt(In("n"), 0), 12);
