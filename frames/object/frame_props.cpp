@@ -14,13 +14,12 @@ namespace {
 int64_t Magnitude(int32_t value) { return std::abs(static_cast<int64_t>(value)); }
 
 // What the frame has no room for is cut off, and what is not given is filled from the frame's own record.
-Z_VID_PROPS RecordFitted(Z_VID_PROPS asked, const Z_VID_PROPS &own, uint32_t size) {
+Z_VID_PROPS RecordAs(eZFCC fcc, Z_VID_PROPS asked, const Z_VID_PROPS &own) {
     const bool sized = asked.nWidth != 0 && asked.nHeight != 0;
     asked.nWidth = sized ? asked.nWidth : own.nWidth;
     asked.nHeight = sized ? asked.nHeight : own.nHeight;
-    if (PixelBits(asked.fccType) != PixelBits(own.fccType)) asked.fccType = eZFCC_Default;
-    if (asked.fccType == eZFCC_Default) asked.fccType = own.fccType != eZFCC_Default ? own.fccType : eZFCC_UYVY;
-    asked.nRowBytes = own.nRowBytes != 0 ? own.nRowBytes : RowBytes(asked.fccType, asked.nWidth);
+    asked.fccType = fcc;
+    asked.nRowBytes = own.nRowBytes != 0 ? own.nRowBytes : RowBytes(fcc, asked.nWidth);
     if (asked.eScaleType == eZST_Default) asked.eScaleType = own.eScaleType;
     if (asked.eInterlace == eZI_Default) asked.eInterlace = own.eInterlace;
     if (asked.nAspectX == 0 || asked.nAspectY == 0) {
@@ -30,12 +29,18 @@ Z_VID_PROPS RecordFitted(Z_VID_PROPS asked, const Z_VID_PROPS &own, uint32_t siz
     if (asked.dblRate == 0) asked.dblRate = own.dblRate;
 
     const auto lines = static_cast<int32_t>(std::min({Magnitude(asked.nHeight), Magnitude(own.nHeight), int64_t{INT32_MAX}}));
-    asked.nHeight = IsRgbFormat(asked.fccType) && asked.nHeight < 0 ? -lines : lines;
-    const int32_t rowPixels = RowPixels(asked.fccType, asked.nRowBytes);
+    asked.nHeight = IsRgbFormat(fcc) && asked.nHeight < 0 ? -lines : lines;
+    const int32_t rowPixels = RowPixels(fcc, asked.nRowBytes);
     asked.nWidth = std::min(asked.nWidth, rowPixels > 0 ? rowPixels : own.nWidth);
-    // Another format of the same width may need other planes.
-    if (asked.fccType != own.fccType && !PixelsFit(asked, size)) asked.fccType = own.fccType;
     return asked;
+}
+
+// A format of the same width may be given another name, unless it needs more: other planes, longer rows.
+Z_VID_PROPS RecordFitted(const Z_VID_PROPS &asked, const Z_VID_PROPS &own, uint32_t size) {
+    const eZFCC kept = own.fccType != eZFCC_Default ? own.fccType : eZFCC_UYVY;
+    if (asked.fccType == eZFCC_Default || PixelBits(asked.fccType) != PixelBits(own.fccType)) return RecordAs(kept, asked, own);
+    const Z_VID_PROPS named = RecordAs(asked.fccType, asked, own);
+    return asked.fccType == own.fccType || PixelsFit(named, size) ? named : RecordAs(kept, asked, own);
 }
 
 // What the sound half can do without splitting channels; the rest belongs to a room to come.
