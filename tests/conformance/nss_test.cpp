@@ -1,7 +1,9 @@
 // The sample buffer over clones and cuts, its missing arguments; clones into and out of every kind of format; the checked
 // description at its edges.
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
+#include <random>
 
 #include "tests/conformance/frame_fixture.h"
 #include "tests/conformance/picture_model.h"
@@ -329,6 +331,82 @@ TEST_F(CheckedRecords, MirroringLeavesPaddingAndOtherPicturesAlone) {
             const bool shown = y >= 1 && y < 5 && x >= 8 && x < 28;
             ASSERT_EQ(now[y * 40 + x], all[(shown ? 5 - y : y) * 40 + x]) << y << " " << x;
         }
+}
+
+// The record that a checked description becomes, for a frame whose own record is valid and holds `size` bytes.
+Z_VID_PROPS CheckedModel(const Z_VID_PROPS &own, const Z_VID_PROPS &asked, int64_t size) {
+    Z_VID_PROPS n = asked;
+    Update(&n, false);
+    if (asked.fccType == eZFCC_Default) n.fccType = eZFCC_Default;
+    if (!Valid(&n)) return own;
+    const auto with = [&](eZFCC fcc) {
+        Z_VID_PROPS r = n;
+        r.fccType = fcc;
+        r.nRowBytes = own.nRowBytes;
+        const int64_t fit = Pixels(fcc, own.nRowBytes);
+        r.nWidth = static_cast<int32_t>(std::min<int64_t>(r.nWidth, fit > 0 ? fit : own.nWidth));
+        const int32_t most = std::abs(own.nHeight), tall = std::min(std::abs(r.nHeight), most);
+        r.nHeight = r.nHeight < 0 ? -tall : tall;
+        if (r.nWidth == 0 || r.nHeight == 0) r.nWidth = own.nWidth, r.nHeight = own.nHeight;
+        if (r.eScaleType == eZST_Default) r.eScaleType = own.eScaleType;
+        if (r.eInterlace == eZI_Default) r.eInterlace = own.eInterlace;
+        if (r.nAspectX == 0 || r.nAspectY == 0) r.nAspectX = own.nAspectX, r.nAspectY = own.nAspectY;
+        if (r.dblRate == 0) r.dblRate = own.dblRate;
+        if (!Rgb(fcc)) r.nHeight = std::abs(r.nHeight);
+        return r;
+    };
+    if (n.fccType == eZFCC_Default || Bits(n.fccType) != Bits(own.fccType)) return with(own.fccType);
+    const Z_VID_PROPS named = with(n.fccType);
+    // Whoever reads the record brings rows that are too short for their format up to its own.
+    Z_VID_PROPS read = named;
+    if (Packed(read.fccType)) read.nRowBytes = std::max(read.nRowBytes, static_cast<int32_t>(Row(read.fccType, read.nWidth)));
+    return Need(read) > size ? with(own.fccType) : named;
+}
+
+TEST_F(CheckedRecords, AgreeWithTheModel) {
+    const uint32_t seed = 95001;
+    std::mt19937 random(seed);
+    const auto any = [&](int32_t least, int32_t most) {
+        return least + static_cast<int32_t>(random() % static_cast<uint32_t>(most - least + 1));
+    };
+    const eZFCC codes[] = {eZFCC_UYVY, eZFCC_HDYC, eZFCC_YUY2, eZFCC_YVYU, eZFCC_RGB32, eZFCC_ARGB32, eZFCC_RGB24,
+                           eZFCC_v210, eZFCC_I420, eZFCC_YV12, eZFCC_NV12, eZFCC_RGB8,  eZFCC_r210,   eZFCC_Default};
+    const eZVideoFormat formats[] = {eZVF_Custom, eZVF_PAL, eZVF_NTSC, eZVF_HD720_50p};
+    int32_t relabelled = 0, turned = 0, smaller = 0;
+    for (int round = 0; round < 6000; ++round) {
+        Z_VID_PROPS own = Picture(codes[any(0, 12)], any(2, 30), any(2, 9));
+        if (Rgb(own.fccType) && any(0, 1) != 0) own.nHeight = -own.nHeight;
+        own.eInterlace = static_cast<eZInterlace>(any(1, 3));
+        own.eScaleType = static_cast<eZScaleType>(any(0, 3));
+        if (any(0, 1) != 0) own.nAspectX = 5, own.nAspectY = 4;
+        Z_VID_PROPS asked = {};
+        asked.eVideoFormat = formats[std::max(any(-3, 3), 0)];
+        asked.fccType = any(0, 2) == 0 ? own.fccType : codes[any(0, 13)];
+        asked.nWidth = any(0, 2) == 0 ? own.nWidth : any(0, 40);
+        asked.nHeight = any(0, 2) == 0 ? own.nHeight : any(-12, 12);
+        asked.nRowBytes = any(0, 1) != 0 ? 0 : any(0, 200);
+        asked.eInterlace = static_cast<eZInterlace>(any(0, 3));
+        asked.eScaleType = static_cast<eZScaleType>(any(0, 4));
+        if (any(0, 1) != 0) asked.nAspectX = 3, asked.nAspectY = static_cast<int16_t>(any(0, 2));
+        if (any(0, 1) != 0) asked.dblRate = 50;
+        const ComPtr<IZFrame> frame = Make(own, static_cast<uint32_t>(round));
+        const Bytes before = Video(frame).bytes();
+        const Z_VID_PROPS want = CheckedModel(own, asked, static_cast<int64_t>(before.size()));
+        Set(frame, asked);
+        const Z_VID_PROPS seen = Props(frame).vidProps;
+        ASSERT_EQ(Words(seen), Words(want)) << "own " << Words(own) << "\nasked " << Words(asked) << "\nround " << round;
+        ASSERT_LE(Need(seen), static_cast<int64_t>(before.size())) << Words(seen);
+        const bool turns = Rgb(seen.fccType) && (seen.nHeight < 0) != (own.nHeight < 0);
+        if (!turns) {
+            ASSERT_EQ(Video(frame).bytes(), before) << "own " << Words(own) << "\nasked " << Words(asked);
+        }
+        relabelled += seen.fccType != own.fccType ? 1 : 0;
+        turned += turns ? 1 : 0;
+        smaller += seen.nWidth < own.nWidth ? 1 : 0;
+    }
+    EXPECT_GT(relabelled, 200);
+    EXPECT_GT(turned, 200);
+    EXPECT_GT(smaller, 500);
 }
 
 }    // namespace
