@@ -105,6 +105,37 @@ TEST_F(MediaPath, EveryThreadCountKeysTheFrameAndAbsurdOnesAreRefused) {
     }
 }
 
+TEST_F(MediaPath, WithoutItsPropertyTheThreadsAreSixAndNotTwo) {
+    Set("output.thread", "false");
+    SetKey(eCKT_RGB);
+    // A frame lower than the number of slices is not keyed.
+    const auto keyed = [&](int height) {
+        ComPtr<IZFrame> out;
+        EXPECT_EQ(m_plugin->OnMediaReceive(0, nullptr, Frame(eZFCC_RGB32, kWidth, height).get(), out.Put()), S_OK);
+        return At(Pixels(out.get()), 3, 1) == 0;
+    };
+    EXPECT_TRUE(keyed(2));
+    EXPECT_TRUE(keyed(5));
+    ASSERT_EQ(m_props->PropsRemove(Bstr(TextFromUtf8("process.threads")).get()), S_OK);
+    EXPECT_FALSE(keyed(5));
+    EXPECT_TRUE(keyed(6));
+    // A property that has grown a member is a node, and no number any more.
+    Set("process.threads", "3");
+    EXPECT_TRUE(keyed(5));
+    Set("process.threads::mine", "1");
+    EXPECT_EQ(Get("process.threads"), "3");
+    EXPECT_FALSE(keyed(5));
+}
+
+TEST_F(MediaPath, AnEmptyPropertyIsZeroAndNotTheDefault) {
+    Set("output.thread", "");
+    SetKey(eCKT_RGB);
+    ComPtr<IZFrame> out;
+    EXPECT_EQ(m_plugin->OnMediaReceive(0, nullptr, Frame().get(), out.Put()), S_OK) << "keyed in the call itself";
+    Set("process.threads", "");
+    EXPECT_EQ(m_plugin->OnMediaReceive(0, nullptr, Frame().get(), out.Put()), E_INVALIDARG);
+}
+
 TEST_F(MediaPath, NullArgumentsAndForeignObjectsAreRefused) {
     ComPtr<IZFrame> out;
     EXPECT_EQ(m_plugin->OnMediaReceive(0, nullptr, nullptr, out.Put()), E_INVALIDARG);
