@@ -34,6 +34,13 @@ constexpr int32_t kLeastFigureSoftness = 24;
 constexpr double kFigureShare = 0.05;
 // As many points of the grid lie between the screen and what is surely figure.
 constexpr int kEdge = 3;
+// How far a colour of the screen lies from the others at most: in hue (1/255 of the circle), and as a part of their purity.
+constexpr double kTintHue = 18;
+constexpr double kTintPurity = 0.52;
+// What does not fill so much of the border is a screen only with such a lead.
+constexpr double kFullShare = 0.75;
+constexpr int32_t kStrongLead = 60;
+constexpr double kLeastSmoothness = 0.75;
 constexpr double kGreyShare = 0.85;
 
 /// The picture seen through a coarse grid of single pixels: enough to find the screen, and quick.
@@ -181,6 +188,11 @@ std::array<int32_t, 3> SpreadOf(const std::vector<Pixel> &pixels, eCK_Type type,
 
 int32_t Brightness(const Pixel &p) { return (2 * p.red + 5 * p.green + p.blue) / 8; }
 
+/// In steps of 1/255 of the circle.
+int32_t Hue(const Pixel &p) { return ByteOf(KeyValue(eCKT_HLS, ColourOf(p)), 0); }
+/// How much of the screen's channel is lead, in percent.
+int32_t Purity(const Pixel &p, Lead lead) { return 100 * lead(p) / std::max({p.red, p.green, p.blue, 1}); }
+
 using Distance = std::array<double, 3>;
 
 /// Where grey lies, seen from a colour, with some distance to spare: a figure has colours near grey.
@@ -261,6 +273,55 @@ std::vector<std::vector<Pixel>> PartsOf(const std::vector<Pixel> &screen) {
     return parts;
 }
 
+/// Lit hair and clothes near the screen's hue are followed with it: what differs too much from the purest half goes.
+std::vector<Pixel> OfOneTint(const std::vector<Pixel> &screen, Lead lead) {
+    std::vector<int32_t> leads;
+    leads.reserve(screen.size());
+    for (const Pixel &p : screen) leads.push_back(lead(p));
+    const int32_t pure = Quantile(leads, 0.5);
+    std::vector<int32_t> hues;
+    std::vector<int32_t> purities;
+    for (const Pixel &p : screen) {
+        if (lead(p) < pure) continue;
+        hues.push_back(Hue(p));
+        purities.push_back(Purity(p, lead));
+    }
+    const double hue = Quantile(hues, 0.5);
+    const double purity = Quantile(purities, 0.5);
+    std::vector<Pixel> out;
+    for (const Pixel &p : screen) {
+        const double turned = (Hue(p) - hue) / kTintHue;
+        const double paler = std::max(0.0, 1 - Purity(p, lead) / purity) / kTintPurity;
+        if (turned * turned + paler * paler <= 1) out.push_back(p);
+    }
+    return out;
+}
+
+/// Of the pairs of neighbours of which one looks like the screen: how many differ as little as neighbours on a screen do.
+double Smoothness(const std::vector<Grid> &grids, Lead lead, int32_t least) {
+    int64_t pairs = 0;
+    int64_t smooth = 0;
+    for (const Grid &grid : grids) {
+        for (int y = 0; y < grid.height; ++y) {
+            for (int x = 0; x + 1 < grid.width; ++x) {
+                const Pixel &a = grid.pixels[grid.At(x, y)];
+                const Pixel &b = grid.pixels[grid.At(x + 1, y)];
+                if (lead(a) < least && lead(b) < least) continue;
+                ++pairs;
+                smooth += IsNext(a, b) ? 1 : 0;
+            }
+        }
+    }
+    return pairs == 0 ? 1 : static_cast<double>(smooth) / static_cast<double>(pairs);
+}
+
+/// Lawns and skies: a screen fills the border, or has a strong colour, and is smooth.
+std::string DoubtOf(double share, int32_t lead, double smoothness) {
+    if (smoothness < kLeastSmoothness) return "it is not smooth";
+    if (share >= kFullShare || lead >= kStrongLead) return "";
+    return "only " + std::to_string(static_cast<int>(share * 100 + 0.5)) + " % of it has a colour, and a dull one";
+}
+
 }    // namespace
 
 std::optional<ScreenGuess> GuessScreen(const std::vector<ImageView> &pictures, eCK_Type type) {
@@ -268,13 +329,17 @@ std::optional<ScreenGuess> GuessScreen(const std::vector<ImageView> &pictures, e
     const Border border = BorderOf(grids);
     const bool isGreen = border.green.size() >= border.blue.size();
     std::vector<int32_t> leads = isGreen ? border.green : border.blue;
-    if (leads.empty() || static_cast<double>(leads.size()) < kLeastShare * static_cast<double>(border.pixels)) return {};
+    const double share = static_cast<double>(leads.size()) / static_cast<double>(border.pixels);
+    if (share < kLeastShare) return {};
+    const Lead lead = isGreen ? GreenLead : BlueLead;
     const int32_t least = std::max(kLead, Quantile(leads, 0.5) / 2);
     Finding found;
-    for (const Grid &grid : grids) GrowFromBorder(grid, isGreen ? GreenLead : BlueLead, least, found);
+    for (const Grid &grid : grids) GrowFromBorder(grid, lead, least, found);
     if (found.screen.empty()) return {};
+    found.screen = OfOneTint(found.screen, lead);
     ScreenGuess guess;
     guess.name = isGreen ? "green" : "blue";
+    guess.doubt = DoubtOf(share, Quantile(leads, 0.5), Smoothness(grids, lead, least));
     for (const std::vector<Pixel> &part : PartsOf(found.screen)) guess.parts.push_back(KeyFor(type, part, found.figure));
     return guess;
 }

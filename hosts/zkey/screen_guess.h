@@ -13,6 +13,7 @@ namespace zkey {
 struct ScreenGuess {
     std::vector<ScreenKey> parts;    ///< from dark to bright; one for an evenly lit screen
     std::string name;                ///< "green" or "blue"
+    std::string doubt;               ///< why it may be no screen at all; empty when it looks like one
 };
 
 /// Looks at the left, right and upper border of the pictures of a clip, where a screen stands free most often; the dominant
