@@ -28,6 +28,13 @@ uint32_t Weigh(uint32_t byte, uint32_t weight) {
 
 }    // namespace
 
+ImageView Inside(const ImageView &picture, const Borders &borders) {
+    const int left = std::min(borders.left, picture.width - 1);
+    const int top = std::min(borders.top, picture.height - 1);
+    return {picture.Row(top) + std::ptrdiff_t{4} * left, picture.step, std::max(1, picture.width - left - borders.right),
+            std::max(1, picture.height - top - borders.bottom)};
+}
+
 void Image::Resize(int w, int h) {
     width = w;
     height = h;

@@ -18,6 +18,17 @@ struct ImageView {
     const uint8_t *Row(int y) const { return pixels + y * step; }
 };
 
+/// Strips of a picture, in pixels.
+struct Borders {
+    int left = 0;
+    int top = 0;
+    int right = 0;
+    int bottom = 0;
+};
+
+/// What lies inside of the borders; one pixel at least.
+ImageView Inside(const ImageView &picture, const Borders &borders);
+
 /// A picture of its own, rows without padding.
 struct Image {
     std::vector<uint8_t> bytes;

@@ -45,6 +45,12 @@ int64_t PipeRow64(eZFCC fcc, int64_t width) {
     }
 }
 
+std::string FormatNames() {
+    std::string out;
+    for (const NamedFormat *f = kFormats.data(); f->name != nullptr; ++f) out += (out.empty() ? "" : ", ") + std::string(f->name);
+    return out;
+}
+
 [[noreturn]] void BadSpec(const std::string &text, const std::string &why) {
     FailUsage("--raw " + text + ": " + why + " (FORMAT:WxH[@RATE][:WORD...], such as UYVY:720x576@25:top)");
 }
@@ -127,9 +133,9 @@ std::optional<Rational> ParseRate(std::string_view text) {
 RawSpec ParseRawSpec(const std::string &text) {
     RawSpec spec;
     const std::size_t colon = text.find(':');
-    if (colon == std::string::npos) BadSpec(text, "the size is missing");
     const NamedFormat *format = FormatByName(std::string_view(text).substr(0, colon));
-    if (format == nullptr) BadSpec(text, "the format \"" + text.substr(0, colon) + "\" is unknown");
+    if (format == nullptr) BadSpec(text, "the format \"" + text.substr(0, colon) + "\" is none of " + FormatNames());
+    if (colon == std::string::npos) BadSpec(text, "the size is missing");
     spec.fcc = format->fcc;
 
     std::string size = text.substr(colon + 1);

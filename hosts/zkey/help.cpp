@@ -13,6 +13,7 @@ constexpr const char *kGeneral = R"(zkey: takes a coloured screen out of clips a
 
   zkey key INPUT -o OUTPUT [options]   keys a clip or a picture
   zkey key --help                      all options
+  zkey props [NAME[=VALUE] ...]        the keyer's properties; --store keeps one, --forget forgets it
   zkey --version                       version and what it was built with
 
 A first try:  zkey key interview.mp4 -o interview.mov
@@ -36,6 +37,9 @@ Output
   -f, --format NAME   the same by format: raw, y4m, or a container of FFmpeg
       --codec NAME    another encoder of FFmpeg
       --over WHAT     composes over a colour, over "checker", or over a picture or clip
+      --garbage L,T,R,B
+                      so many pixels at the left, top, right and bottom border become transparent: lamps and
+                      stands beside the screen. The screen is not looked for there
       --matte         writes the matte alone: white figure, black screen
       --alpha KIND    straight or premultiplied colour. By default files get straight, raw frames premultiplied
       --no-audio      leaves sound out; otherwise it is copied where the output can hold it
@@ -56,6 +60,9 @@ The key. Without --color the screen is looked for at the border of the first pic
                       screen; CHROMA: how much paler the edge gets (twice POWER); LUMA: how much darker (0)
       --type TYPE     how colours are compared: YUV (brightness and two colour differences; forgiving to
                       uneven light), HLS (hue, lightness, saturation), RGB, or Alpha (no keying)
+      --key FILE.xml  takes a saved key; the other options of the key do not go with it
+      --save-key FILE.xml
+                      saves the key, given or found, as XML. Without -o nothing else is written
       --set FIELD=N   a field of the key by its name. For the whole key:
                         nMinTransparent  alpha below it becomes 0: cleans a noisy screen (16)
                         nMaxTransparent  alpha above it becomes 255: fills a figure with faint holes (235)
@@ -69,7 +76,8 @@ The key. Without --color the screen is looked for at the border of the first pic
 
 The engine
       --prop NAME=VALUE   a property of the keyer, such as process.threads=4, output.thread=true, or
-                          keying.borders="16 0 16 0" (left, top, right, bottom: keyed inside only)
+                          keying.borders="16 0 16 0" (left, top, right, bottom: keyed inside only, the outside stays
+                          opaque). zkey props lists them
       --exact             frames are handed over at their own size. By default they are padded to whole blocks
                           and cropped again, so that no strip at the edge is left unkeyed
 
@@ -78,6 +86,17 @@ Raw frames
                           INPUT (a file or -) holds frames without headers, top row first, rows without padding.
                           Words: top or bottom (interlaced, that field first), progressive (the default); 601, 709
                           (the matrix, where the format's name or the size does not tell it), full (range)
+)";
+
+constexpr const char *kProps = R"(zkey props [NAME | NAME=VALUE ...] [--store | --forget]
+
+Without names: all properties of the keyer with their values, kinds, defaults and meanings.
+  NAME                 shows this one
+  NAME=VALUE           checks the value and shows what the keyer makes of it
+  NAME=VALUE --store   keeps the value for the next time, for all programs of this user that use the keyer
+  NAME --forget        lets go of what was kept
+
+zkey key --prop NAME=VALUE sets a property for one run.
 )";
 
 std::string Formats() {
@@ -100,6 +119,8 @@ std::string KeyHelp() {
            ".\n\nExit status: 0 done, 1 a file or the keyer refused, 2 wrong command line, 130 stopped with Ctrl-C (what was\n"
            "written so far plays).\n";
 }
+
+std::string PropsHelp() { return kProps; }
 
 std::string VersionText() { return std::string("zkey ") + kVersion + ", " + LibavText() + "\n"; }
 

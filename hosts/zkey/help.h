@@ -7,6 +7,7 @@ namespace zkey {
 
 std::string GeneralHelp();
 std::string KeyHelp();
+std::string PropsHelp();
 std::string VersionText();
 
 }    // namespace zkey

@@ -14,6 +14,7 @@
 #include "hosts/zkey/progress.h"
 #include "hosts/zkey/screen_guess.h"
 #include "hosts/zkey/screen_samples.h"
+#include "hosts/zkey/stored_props.h"
 #include "hosts/zkey/system.h"
 #include "hosts/zkey/text.h"
 
@@ -30,6 +31,14 @@ constexpr std::size_t kFramesBetween = 3;    // enough to even out a slow frame;
 
 /// The smallest block that the library keys.
 constexpr int32_t kLeastExactWidth = 8;
+
+int32_t GivenInverse(const KeyOptions &key) {
+    int32_t value = 0;
+    for (const FieldSetting &f : key.fields) {
+        if (SameWord(f.first, "nInverseKey")) value = f.second;
+    }
+    return value;
+}
 
 class Job {
 public:
@@ -48,24 +57,27 @@ public:
             Fail(m_command.input + " holds no picture");
         }
         SetUpKey(*first);
-        SetUpOutput();
+        if (!m_command.output.empty()) SetUpOutput();
         if (!m_assumed.empty() && !m_command.quiet) Note(m_assumed);
+        if (m_command.output.empty()) return kExitDone;
         Work(std::move(*first));
         return Report();
     }
 
 private:
     void SetUpKeyer() {
+        if (!m_command.keyFile.empty()) m_loaded = m_keyer.LoadKey(m_command.keyFile);
         // This program overlaps reading, keying and writing by itself, and wants each frame's own status.
         m_keyer.SetProp("output.thread", "false");
         int32_t threads = 2;
         if (!m_command.exact) {
             threads = std::clamp(static_cast<int32_t>(std::thread::hardware_concurrency()), 2, 16);
             // With several threads the engine inverts the matte twice, with one it does so once.
-            for (const FieldSetting &f : m_command.key.fields) {
-                if (SameWord(f.first, "nInverseKey") && (f.second & 1) != 0) threads = 1;
+            const int32_t inverse = m_loaded ? m_loaded->nInverseKey : GivenInverse(m_command.key);
+            if ((inverse & 1) != 0) threads = 1;
+            if (threads == 1 || !StoredProperty("process.threads")) {
+                m_keyer.SetProp("process.threads", std::to_string(threads));
             }
-            m_keyer.SetProp("process.threads", std::to_string(threads));
         }
         for (const auto &p : m_command.props) m_keyer.SetProp(p.first, p.second);
         if (const auto set = m_keyer.Prop("process.threads")) ParseWhole(*set, threads);
@@ -105,8 +117,9 @@ private:
 
     void SetUpKey(const Passage &first) {
         std::vector<ScreenKey> screen;
-        if (m_command.key.NeedsScreen()) screen = FindScreen(first);
-        m_keyer.SetKey(BuildKey(m_command.key, screen));
+        if (!m_loaded && m_command.key.NeedsScreen()) screen = FindScreen(first);
+        m_keyer.SetKey(m_loaded ? *m_loaded : BuildKey(m_command.key, screen));
+        if (!m_command.saveKey.empty()) m_keyer.SaveKey(m_command.saveKey);
     }
 
     /// The first picture and others, brought to 4 bytes a pixel.
@@ -144,13 +157,20 @@ private:
     std::vector<ScreenKey> FindScreen(const Passage &first) {
         const std::vector<Ref<IZFrame>> pictures = ScreenPictures(first);
         std::vector<ImageView> views;
-        for (const Ref<IZFrame> &p : pictures) views.push_back(Keyer::View(p.get(), m_info.width, m_info.height));
+        for (const Ref<IZFrame> &p : pictures) {
+            const ImageView whole = Keyer::View(p.get(), m_info.width, m_info.height);
+            views.push_back(Inside(whole, m_command.garbage.value_or(Borders{})));
+        }
         const eCK_Type type = m_command.key.type.value_or(kDefaultKeyType);
         const auto guess = GuessScreen(views, type);
         if (!guess) {
             Fail(
                 "no key given, and no green or blue screen found at the border of the pictures; name its colour with "
                 "--color");
+        }
+        if (!guess->doubt.empty()) {
+            Fail("no key given, and the border of the pictures does not look like a " + guess->name + " screen: " + guess->doubt +
+                 "; if it is one, name its colour with --color, for instance " + ScreenOptions(*guess));
         }
         m_assumed = "no key given, assumed a " + guess->name + " screen: " + ScreenOptions(*guess);
         return guess->parts;
@@ -189,8 +209,38 @@ private:
         m_keyed.Close();
         reading.join();
         writing.join();
-        if (m_failure) std::rethrow_exception(m_failure);
-        m_writer->Close();
+        if (m_failure) {
+            KeepOrRemove();
+            std::rethrow_exception(m_failure);
+        }
+        try {
+            m_writer->Close();
+        } catch (const Failure &) {
+            RemoveOutput();
+            throw;
+        }
+    }
+
+    /// Pictures that were keyed before the input failed are worth keeping; what could not be written is of no use.
+    void KeepOrRemove() {
+        if (m_writeFailed || m_progress->Frames() == 0) return RemoveOutput();
+        try {
+            m_writer->Close();
+            Note(m_command.output + " holds the " + std::to_string(m_progress->Frames()) + " frames before the failure");
+        } catch (const Failure &) {
+            RemoveOutput();
+        }
+    }
+
+    void RemoveOutput() {
+        m_writer.reset();
+        if (m_command.output == "-") return;
+        if (m_command.output.find('%') != std::string::npos) {
+            Note("the pictures of " + m_command.output + " that were written before stay");
+        } else if (IsFile(m_command.output)) {
+            RemoveFile(m_command.output);
+            Note(m_command.output + " could not be completed and is removed");
+        }
     }
 
     template <class Body>
@@ -229,7 +279,11 @@ private:
 
     void WriteAll() {
         Image finished;
+        m_writeFailed = true;
         while (std::optional<Passage> next = m_keyed.Pop()) {
+            if (m_command.garbage) {
+                Keyer::ClearBorders(next->frame.get(), m_info.width, m_info.height, *m_command.garbage);
+            }
             const ImageView keyed = Keyer::View(next->frame.get(), m_info.width, m_info.height);
             if (m_finish == Finish::Premultiplied) {
                 m_writer->Write(keyed, next->time);
@@ -239,6 +293,7 @@ private:
             }
             m_progress->Frame();
         }
+        m_writeFailed = false;
     }
 
     ExitStatus Report() {
@@ -255,6 +310,7 @@ private:
     std::unique_ptr<MediaReader> m_reader;
     SourceInfo m_info;
     Keyer m_keyer;
+    std::optional<CHROMA_KEY_RAW> m_loaded;    ///< a saved key
     int32_t m_threads = 2;
     int64_t m_limit = 0;
     int64_t m_read = 0;
@@ -268,10 +324,18 @@ private:
     Channel<Passage> m_keyed{kFramesBetween};
     std::mutex m_failureLock;
     std::exception_ptr m_failure;
+    bool m_writeFailed = false;    ///< while pictures are written, and for good when that failed
 };
 
 }    // namespace
 
-ExitStatus RunKeyCommand(const KeyCommand &command) { return Job(command).Run(); }
+ExitStatus RunKeyCommand(const KeyCommand &command) {
+    if (!command.input.empty()) return Job(command).Run();
+    // Nothing but a key to be saved.
+    Keyer keyer;
+    keyer.SetKey(command.keyFile.empty() ? BuildKey(command.key, {}) : keyer.LoadKey(command.keyFile));
+    keyer.SaveKey(command.saveKey);
+    return kExitDone;
+}
 
 }    // namespace zkey

@@ -14,30 +14,34 @@ constexpr std::size_t kMostKeys = 16;
 struct EntryField {
     const char *name;
     int32_t SINGLE_KEY::*member;
+    int32_t least;
+    int32_t most;
 };
 
-constexpr std::array<EntryField, 10> kEntryFields = {{{"nValue", &SINGLE_KEY::nValue},
-                                                      {"nDelta", &SINGLE_KEY::nDelta},
-                                                      {"nSmoothRange", &SINGLE_KEY::nSmoothRange},
-                                                      {"nAlpha", &SINGLE_KEY::nAlpha},
-                                                      {"nCancelRange", &SINGLE_KEY::nCancelRange},
-                                                      {"nCancelPower", &SINGLE_KEY::nCancelPower},
-                                                      {"nCancelChroma", &SINGLE_KEY::nCancelChroma},
-                                                      {"nCancelLuma", &SINGLE_KEY::nCancelLuma},
-                                                      {"nCancelAlpha", &SINGLE_KEY::nCancelAlpha},
-                                                      {"nReverseKey", &SINGLE_KEY::nReverseKey}}};
+constexpr std::array<EntryField, 10> kEntryFields = {{{"nValue", &SINGLE_KEY::nValue, 0, 0xFFFFFF},
+                                                      {"nDelta", &SINGLE_KEY::nDelta, 0, 0xFFFFFF},
+                                                      {"nSmoothRange", &SINGLE_KEY::nSmoothRange, 0, 255},
+                                                      {"nAlpha", &SINGLE_KEY::nAlpha, 0, 255},
+                                                      {"nCancelRange", &SINGLE_KEY::nCancelRange, 0, 255},
+                                                      {"nCancelPower", &SINGLE_KEY::nCancelPower, -255, 255},
+                                                      {"nCancelChroma", &SINGLE_KEY::nCancelChroma, -255, 255},
+                                                      {"nCancelLuma", &SINGLE_KEY::nCancelLuma, -255, 255},
+                                                      {"nCancelAlpha", &SINGLE_KEY::nCancelAlpha, -255, 255},
+                                                      {"nReverseKey", &SINGLE_KEY::nReverseKey, 0, 1}}};
 
 struct RecordField {
     const char *name;
     int32_t CHROMA_KEY_RAW::*member;
+    int32_t least;
+    int32_t most;
 };
 
-constexpr std::array<RecordField, 6> kRecordFields = {{{"nMinTransparent", &CHROMA_KEY_RAW::nMinTransparent},
-                                                       {"nMaxTransparent", &CHROMA_KEY_RAW::nMaxTransparent},
-                                                       {"nEdgesSmooth", &CHROMA_KEY_RAW::nEdgesSmooth},
-                                                       {"bColorCancel", &CHROMA_KEY_RAW::bColorCancel},
-                                                       {"nInterlacedVideo", &CHROMA_KEY_RAW::nInterlacedVideo},
-                                                       {"nInverseKey", &CHROMA_KEY_RAW::nInverseKey}}};
+constexpr std::array<RecordField, 6> kRecordFields = {{{"nMinTransparent", &CHROMA_KEY_RAW::nMinTransparent, 0, 255},
+                                                       {"nMaxTransparent", &CHROMA_KEY_RAW::nMaxTransparent, 0, 255},
+                                                       {"nEdgesSmooth", &CHROMA_KEY_RAW::nEdgesSmooth, 0, 100},
+                                                       {"bColorCancel", &CHROMA_KEY_RAW::bColorCancel, 0, 2},
+                                                       {"nInterlacedVideo", &CHROMA_KEY_RAW::nInterlacedVideo, 0, 1},
+                                                       {"nInverseKey", &CHROMA_KEY_RAW::nInverseKey, 0, 3}}};
 
 template <class Fields>
 auto FindField(const Fields &fields, std::string_view name) -> decltype(fields.data()) {
@@ -52,6 +56,13 @@ std::string Names(const Fields &fields) {
     std::string out;
     for (const auto &f : fields) out += (out.empty() ? "" : ", ") + std::string(f.name);
     return out;
+}
+
+template <class Field>
+void RequireRange(const Field &field, int32_t value) {
+    if (value >= field.least && value <= field.most) return;
+    FailUsage(std::string("--set ") + field.name + "=" + std::to_string(value) + ": give " + std::to_string(field.least) + " to " +
+              std::to_string(field.most));
 }
 
 int32_t ParseByte(std::string_view option, std::string_view text) {
@@ -177,15 +188,19 @@ void KeyOptions::SetField(std::string_view text) {
     if (equals == std::string_view::npos || !ParseWhole(text.substr(equals + 1), value)) {
         FailUsage("--set " + std::string(text) + ": give NAME=NUMBER, as nEdgesSmooth=3");
     }
-    if (FindField(kRecordFields, name) != nullptr) {
+    if (const auto *f = FindField(kRecordFields, name)) {
+        RequireRange(*f, value);
         fields.emplace_back(name, value);
-    } else if (FindField(kEntryFields, name) != nullptr) {
+    } else if (const auto *e = FindField(kEntryFields, name)) {
+        RequireRange(*e, value);
         Last().fields.emplace_back(name, value);
     } else {
         FailUsage("--set: the key has no field \"" + name + "\"; it has " + Names(kRecordFields) + ", and for each colour " +
                   Names(kEntryFields));
     }
 }
+
+bool KeyOptions::IsUntouched() const { return !type && !spill && entries.empty() && fields.empty(); }
 
 bool KeyOptions::NeedsScreen() const {
     if (type == eCKT_Alpha) return false;

@@ -42,6 +42,8 @@ struct KeyOptions {
     /// `--set NAME=VALUE`.
     void SetField(std::string_view text);
 
+    /// True when no option of the key was given.
+    bool IsUntouched() const;
     /// True when no entry says what is to be keyed out, so that the screen has to be found in the picture.
     bool NeedsScreen() const;
 

@@ -5,6 +5,7 @@
 #include "hosts/zkey/help.h"
 #include "hosts/zkey/job.h"
 #include "hosts/zkey/progress.h"
+#include "hosts/zkey/props_command.h"
 #include "hosts/zkey/system.h"
 
 namespace {
@@ -24,7 +25,12 @@ ExitStatus Run(const std::vector<std::string> &arguments) {
     const std::string &first = arguments[0];
     if (first == "--help" || first == "-h" || first == "help") return Print(zkey::GeneralHelp());
     if (first == "--version") return Print(zkey::VersionText());
-    if (first != "key") zkey::FailUsage("unknown command \"" + first + "\"; zkey --help lists them");
+    if (first == "props") return zkey::RunPropsCommand({arguments.begin() + 1, arguments.end()});
+    if (first != "key") {
+        const bool input = first == "-" || first.starts_with('-') || zkey::Exists(first);
+        zkey::FailUsage(input ? "the command is missing: zkey key " + first + " ..."
+                              : "unknown command \"" + first + "\"; zkey --help lists them");
+    }
     const zkey::KeyCommand command = zkey::ParseKeyCommand({arguments.begin() + 1, arguments.end()});
     if (command.help) return Print(zkey::KeyHelp());
     zkey::WatchInterrupt();

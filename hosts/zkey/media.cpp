@@ -2,6 +2,7 @@
 
 #include "hosts/zkey/colours.h"
 #include "hosts/zkey/failure.h"
+#include "hosts/zkey/obstacles.h"
 #include "hosts/zkey/system.h"
 #include "hosts/zkey/text.h"
 
@@ -19,10 +20,26 @@ bool IsY4m(const std::string &path, const std::string &format) {
     return ExtensionOf(path) == ".y4m";
 }
 
+/// A size that is not the file's shows at once, before a clip of nonsense is keyed.
+void RequireWholeFrames(const KeyCommand &command) {
+    const int64_t size = IsFile(command.input) ? SizeOf(command.input) : 0;
+    const RawSpec &spec = *command.raw;
+    const int64_t frame = PipeFrameBytes(spec.fcc, spec.width, spec.height);
+    if (size % frame == 0 || (command.frames > 0 && command.frames <= size / frame)) return;
+    Fail("--raw: " + command.input + " has " + std::to_string(size) + " bytes, which are " + std::to_string(size / frame) +
+         " frames of " + std::to_string(frame) + " bytes and " + std::to_string(size % frame) +
+         " bytes over; check format and size" +
+         (size < frame ? "" : ", or key the whole frames with --frames " + std::to_string(size / frame)));
+}
+
 }    // namespace
 
 std::unique_ptr<MediaReader> OpenReader(const KeyCommand &command) {
-    if (command.raw) return OpenRawReader(command.input, *command.raw);
+    RequireFile(command.input);
+    if (command.raw) {
+        RequireWholeFrames(command);
+        return OpenRawReader(command.input, *command.raw);
+    }
     // A clip on standard input without a word about it is YUV4MPEG2; its first line tells whether that is true.
     if (command.input == "-" || IsY4m(command.input, "")) return OpenY4mReader(command.input);
     return OpenLibavReader(command.input, command.audio);
@@ -33,6 +50,7 @@ bool CanBeReopened(const KeyCommand &command) {
 }
 
 std::unique_ptr<MediaWriter> OpenWriter(const Delivery &delivery) {
+    RequireWritable(delivery.path);
     if (delivery.path == "-" && delivery.format.empty()) return OpenRawWriter(delivery);
     if (IsRaw(delivery.path, delivery.format)) return OpenRawWriter(delivery);
     if (IsY4m(delivery.path, delivery.format)) return OpenY4mWriter(delivery);

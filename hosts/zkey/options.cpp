@@ -4,6 +4,7 @@
 
 #include "hosts/zkey/colours.h"
 #include "hosts/zkey/failure.h"
+#include "hosts/zkey/properties.h"
 #include "hosts/zkey/text.h"
 
 namespace zkey {
@@ -31,7 +32,21 @@ void SetAlpha(KeyCommand &c, Value v) {
 void AddProp(KeyCommand &c, Value v) {
     const std::size_t equals = v.find('=');
     if (equals == std::string::npos || equals == 0) FailUsage("--prop " + v + ": give NAME=VALUE, as process.threads=4");
+    CheckProperty("--prop", v.substr(0, equals), v.substr(equals + 1));
     c.props.emplace_back(v.substr(0, equals), v.substr(equals + 1));
+}
+
+void SetGarbage(KeyCommand &c, Value v) {
+    std::array<int32_t, 4> n{};
+    std::size_t at = 0;
+    for (std::size_t i = 0; i < 4; ++i) {
+        const std::size_t end = i < 3 ? v.find(',', at) : v.size();
+        if (end == std::string::npos || !ParseWhole(std::string_view(v).substr(at, end - at), n[i]) || n[i] < 0 || n[i] > 32768) {
+            FailUsage("--garbage: \"" + v + "\": give pixels at the left, top, right and bottom border, as 16,0,16,0");
+        }
+        at = end + 1;
+    }
+    c.garbage = Borders{n[0], n[1], n[2], n[3]};
 }
 
 void SetFrames(KeyCommand &c, Value v) {
@@ -40,7 +55,7 @@ void SetFrames(KeyCommand &c, Value v) {
     c.frames = count;
 }
 
-constexpr std::array<Option, 21> kOptions = {{
+constexpr std::array<Option, 24> kOptions = {{
     {"--output", "-o", true, [](KeyCommand &c, Value v) { c.output = v; }},
     {"--format", "-f", true, [](KeyCommand &c, Value v) { c.format = v; }},
     {"--codec", "", true, [](KeyCommand &c, Value v) { c.codec = v; }},
@@ -54,6 +69,9 @@ constexpr std::array<Option, 21> kOptions = {{
     {"--type", "", true, [](KeyCommand &c, Value v) { c.key.SetType(v); }},
     {"--set", "", true, [](KeyCommand &c, Value v) { c.key.SetField(v); }},
     {"--over", "", true, [](KeyCommand &c, Value v) { c.over = v; }},
+    {"--key", "", true, [](KeyCommand &c, Value v) { c.keyFile = v; }},
+    {"--save-key", "", true, [](KeyCommand &c, Value v) { c.saveKey = v; }},
+    {"--garbage", "", true, SetGarbage},
     {"--matte", "", false, [](KeyCommand &c, Value) { c.matte = true; }},
     {"--alpha", "", true, SetAlpha},
     {"--exact", "", false, [](KeyCommand &c, Value) { c.exact = true; }},
@@ -72,8 +90,14 @@ const Option *Find(const std::string &name) {
 }
 
 void Check(const KeyCommand &c) {
-    if (c.input.empty()) FailUsage("no input: zkey key INPUT -o OUTPUT");
-    if (c.output.empty()) FailUsage("no output: zkey key INPUT -o OUTPUT");
+    if (!c.keyFile.empty() && !c.key.IsUntouched()) {
+        FailUsage("--key: the options of the key (-c, -t, -s, --reverse, --spill, --type, --set) do not go with a saved key");
+    }
+    const bool onlySave = c.output.empty() && !c.saveKey.empty();
+    if (c.input.empty() && !(onlySave && (!c.keyFile.empty() || !c.key.NeedsScreen()))) {
+        FailUsage("no input: zkey key INPUT -o OUTPUT");
+    }
+    if (c.output.empty() && !onlySave) FailUsage("no output: zkey key INPUT -o OUTPUT");
     if (c.matte && !c.over.empty()) FailUsage("--matte and --over exclude each other");
     if (c.alpha != AlphaChoice::ByContainer && (c.matte || !c.over.empty())) {
         FailUsage("--alpha: with --matte or --over the output has no alpha");

@@ -1,11 +1,15 @@
 #include "hosts/zkey/plugin_door.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 #include "hosts/zkey/failure.h"
 #include "hosts/zkey/frame_format.h"
+#include "hosts/zkey/obstacles.h"
+#include "hosts/zkey/system.h"
 #include "hosts/zkey/text.h"
 
 namespace zkey {
@@ -25,6 +29,9 @@ std::string StatusText(HRESULT status) {
     std::snprintf(number, sizeof number, "0x%08X", static_cast<unsigned>(status));
     const char *words = "the keyer refuses";
     switch (static_cast<uint32_t>(status)) {
+        case 0x80004001:
+            words = "this build of the library cannot do that";
+            break;
         case 0x8007000E:
             words = "out of memory";
             break;
@@ -56,6 +63,7 @@ Keyer::Keyer() {
     Require(factory->CreateInstance(nullptr, ZIidOf<IZPlugin>(), m_plugin.PutVoid()), "cannot create the keyer");
     Require(m_plugin->QueryInterface(ZIidOf<IZChromaKey>(), m_key.PutVoid()), "cannot create the keyer");
     Require(m_plugin->QueryInterface(ZIidOf<IZProps>(), m_props.PutVoid()), "cannot create the keyer");
+    Require(m_plugin->QueryInterface(ZIidOf<IZPersist>(), m_persist.PutVoid()), "cannot create the keyer");
     Require(ZFramesCreate(ZIidOf<IZFrames>(), m_frames.PutVoid()), "cannot create the frame factory");
 }
 
@@ -70,6 +78,49 @@ std::optional<std::string> Keyer::Prop(const std::string &name) {
 }
 
 void Keyer::SetKey(CHROMA_KEY_RAW key) { Require(m_key->KeyRawSet(&key), "cannot set the key"); }
+
+CHROMA_KEY_RAW Keyer::LoadKey(const std::string &path) {
+    // A text that is no file's name is taken for the key itself, so the file is looked at here.
+    RequireFile(path);
+    const HRESULT status = m_persist->PersistLoad(nullptr, Counted(path).get(), nullptr);
+    if (status == E_INVALIDARG) Fail(path + " is no saved key: it is not XML");
+    Require(status, "cannot read the key " + path);
+    CHROMA_KEY_RAW key{};
+    Require(m_key->KeyRawGet(&key), "cannot read the key " + path);
+    if (key.nKeysUsed < 1) {
+        Fail(path + " is no saved key: it has no m_config element whose \"keys\" is 1 or more, as zkey --save-key writes it");
+    }
+    if (key.eType != eCKT_RGB && key.eType != eCKT_HLS && key.eType != eCKT_YUV) {
+        Fail(path + ": the type " + std::to_string(key.eType) + " of its key keys nothing; 2 is RGB, 3 HLS, 4 YUV");
+    }
+    const int32_t used = std::min(key.nKeysUsed, 16);
+    if (std::none_of(key.arrKeys, key.arrKeys + used, [](const SINGLE_KEY &k) { return k.nDelta != 0; })) {
+        Fail(path + ": none of the " + std::to_string(used) +
+             " colours of its key has a \"delta\"; the key elements come first in m_config");
+    }
+    return key;
+}
+
+void Keyer::SaveKey(const std::string &path) {
+    // The library does not tell when it cannot write the file.
+    RequireWritable(path);
+    Require(m_persist->PersistSaveToFile(nullptr, Counted(path).get(), nullptr), "cannot save the key to " + path);
+    if (!IsFile(path)) Fail("cannot save the key to " + path);
+}
+
+std::vector<std::pair<std::string, std::string>> Keyer::Props() {
+    std::vector<std::pair<std::string, std::string>> out;
+    int32_t count = 0;
+    Require(m_props->PropsGetCount(nullptr, &count), "cannot read the keyer's properties");
+    for (int32_t i = 0; i < count; ++i) {
+        Counted name;
+        Counted value;
+        int32_t isNode = 0;
+        Require(m_props->PropsGetByIndex(nullptr, i, name.Put(), value.Put(), &isNode), "cannot read the keyer's properties");
+        out.emplace_back(name.Utf8(), value.Utf8());
+    }
+    return out;
+}
 
 Ref<IZFrame> Keyer::NewFrame(const Z_VID_PROPS &props, uint8_t *&pixels) {
     const int64_t bytes = FrameBytes(props);
@@ -149,6 +200,25 @@ ImageView Keyer::View(IZFrame *frame, int width, int height) {
     const std::ptrdiff_t step = v.nRowBytes;
     if (v.nHeight > 0) return {first + step * (rows - 1), -step, width, height};
     return {first, step, width, height};
+}
+
+void Keyer::ClearBorders(IZFrame *frame, int width, int height, const Borders &borders) {
+    const ImageView picture = View(frame, width, height);
+    // The frame is this program's alone; pictures are read only for all others.
+    const auto row = [&](int y) { return const_cast<uint8_t *>(picture.Row(y)); };
+    const int left = std::min(borders.left, width);
+    const int right = std::min(borders.right, width - left);
+    const auto clear = [&](int y, int from, int count) {
+        std::memset(row(y) + std::ptrdiff_t{4} * from, 0, std::size_t{4} * static_cast<std::size_t>(count));
+    };
+    for (int y = 0; y < height; ++y) {
+        if (y < borders.top || y >= height - borders.bottom) {
+            clear(y, 0, width);
+        } else {
+            clear(y, 0, left);
+            clear(y, width - right, right);
+        }
+    }
 }
 
 }    // namespace zkey

@@ -3,6 +3,8 @@
 
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "hosts/zkey/composite.h"
 #include "hosts/zkey/ref.h"
@@ -21,6 +23,11 @@ public:
     void SetProp(const std::string &name, const std::string &value);
     std::optional<std::string> Prop(const std::string &name);
     void SetKey(CHROMA_KEY_RAW key);
+    /// Takes the key from a file that was saved. Ends the program with a line that names the file when there is no key in it.
+    CHROMA_KEY_RAW LoadKey(const std::string &path);
+    void SaveKey(const std::string &path);
+    /// Names and values of all properties that the keyer keeps.
+    std::vector<std::pair<std::string, std::string>> Props();
 
     /// A new frame of this description, with its pixels to be written. Any thread may call it.
     Ref<IZFrame> NewFrame(const Z_VID_PROPS &props, uint8_t *&pixels);
@@ -34,6 +41,8 @@ public:
 
     /// The picture in a frame that the keyer gave, cropped to this size. Good while the frame lives.
     static ImageView View(IZFrame *frame, int width, int height);
+    /// Makes the borders of such a picture transparent.
+    static void ClearBorders(IZFrame *frame, int width, int height, const Borders &borders);
 
 private:
     bool OneCallLate();
@@ -41,6 +50,7 @@ private:
     Ref<IZPlugin> m_plugin;
     Ref<IZChromaKey> m_key;
     Ref<IZProps> m_props;
+    Ref<IZPersist> m_persist;
     Ref<IZFrames> m_frames;
     Ref<IZFrame> m_pending;    ///< handed over, its result not yet received
 };

@@ -25,6 +25,10 @@ int64_t FileSize(int descriptor);
 bool SeekReading(int descriptor, int64_t offset);
 /// True for a file proper: it can be opened again and read from any place.
 bool IsFile(const std::string &path);
+bool IsFolder(const std::string &path);
+bool Exists(const std::string &path);
+int64_t SizeOf(const std::string &path);
+void RemoveFile(const std::string &path);
 /// True when both paths name one existing file.
 bool SameFile(const std::string &a, const std::string &b);
 /// True when standard error is a terminal that a person watches.

@@ -29,7 +29,7 @@ Clip::Clip(const std::string &path, bool audio) : m_path(path), m_frame(av_frame
     av_log_set_level(AV_LOG_FATAL);
     int error = avformat_open_input(&m_format, path.c_str(), nullptr, nullptr);
     if (error < 0) {
-        Fail(error == AVERROR_INVALIDDATA ? path + " is no clip or picture that can be read"
+        Fail(error == AVERROR_INVALIDDATA ? path + " is no clip or picture that can be read; raw frames need --raw FORMAT:WxH"
                                           : "cannot open " + path + ": " + LibavError(error));
     }
     try {

@@ -65,6 +65,20 @@ bool IsFile(const std::string &path) {
     return stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode);
 }
 
+bool IsFolder(const std::string &path) {
+    struct stat info {};
+    return stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+}
+
+bool Exists(const std::string &path) { return access(path.c_str(), F_OK) == 0; }
+
+int64_t SizeOf(const std::string &path) {
+    struct stat info {};
+    return stat(path.c_str(), &info) == 0 ? info.st_size : 0;
+}
+
+void RemoveFile(const std::string &path) { unlink(path.c_str()); }
+
 bool SameFile(const std::string &a, const std::string &b) {
     struct stat sa {};
     struct stat sb {};

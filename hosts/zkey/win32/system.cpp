@@ -83,6 +83,21 @@ bool IsFile(const std::string &path) {
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE)) == 0;
 }
 
+bool IsFolder(const std::string &path) {
+    const DWORD attributes = GetFileAttributesW(Wide(path).c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+bool Exists(const std::string &path) { return GetFileAttributesW(Wide(path).c_str()) != INVALID_FILE_ATTRIBUTES; }
+
+int64_t SizeOf(const std::string &path) {
+    WIN32_FILE_ATTRIBUTE_DATA data{};
+    if (GetFileAttributesExW(Wide(path).c_str(), GetFileExInfoStandard, &data) == 0) return 0;
+    return (int64_t{data.nFileSizeHigh} << 32) | data.nFileSizeLow;
+}
+
+void RemoveFile(const std::string &path) { DeleteFileW(Wide(path).c_str()); }
+
 bool SameFile(const std::string &a, const std::string &b) {
     return GetFileAttributesW(Wide(a).c_str()) != INVALID_FILE_ATTRIBUTES &&
            CompareStringOrdinal(FullPath(a).c_str(), -1, FullPath(b).c_str(), -1, TRUE) == CSTR_EQUAL;
