@@ -52,7 +52,8 @@ The key. Without --color the screen is looked for at the border of the first pic
                       Brightness may differ by 2 N. Raise it when parts of the screen stay; lower it when holes
                       appear in the figure. Three numbers, as 60,20,20, set the channels of the type one by one
   -s, --softness N    how wide the passage from transparent to solid is, 0 to 255 (40). 0 gives a hard edge;
-                      raise it for hair, smoke and motion blur
+                      raise it for hair, smoke and motion blur. A screen that was found has a softness for each
+                      of its colours: N replaces all of them, +N and -N change them by so much
       --reverse       this colour is protected: it stays, whatever the other colours say
       --spill POWER[:CHROMA[:LUMA]]
                       takes the screen's light off the figure's edge, in percent (25 for a screen that was found, 0 for

@@ -170,9 +170,9 @@ private:
         }
         if (!guess->doubt.empty()) {
             Fail("no key given, and the border of the pictures does not look like a " + guess->name + " screen: " + guess->doubt +
-                 "; if it is one, name its colour with --color, for instance " + ScreenOptions(*guess));
+                 "; if it is one, name its colour with --color, for instance " + KeyText(m_command.key, guess->parts));
         }
-        m_assumed = "no key given, assumed a " + guess->name + " screen: " + ScreenOptions(*guess);
+        m_assumed = "no colour given, assumed a " + guess->name + " screen; the key is " + KeyText(m_command.key, guess->parts);
         return guess->parts;
     }
 

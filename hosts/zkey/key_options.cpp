@@ -108,15 +108,24 @@ int32_t YuvValue(int32_t red, int32_t green, int32_t blue) {
     return Pack(t >> 16, u, v);
 }
 
-SINGLE_KEY BuildEntry(const KeyEntry &entry, eCK_Type type, const ScreenKey *screen) {
-    const std::array<int32_t, 3> fallback = screen != nullptr ? screen->tolerance : SpreadTolerance(type, kDefaultTolerance);
-    const std::array<int32_t, 3> tolerance = entry.tolerance.value_or(fallback);
+/// What the entry leaves open is taken from the screen.
+KeyEntry Complete(KeyEntry entry, eCK_Type type, const ScreenKey &screen) {
+    if (!entry.colour) entry.colour = screen.colour;
+    if (!entry.tolerance) entry.tolerance = screen.tolerance;
+    if ((*entry.tolerance)[1] < 0) entry.tolerance = SpreadTolerance(type, (*entry.tolerance)[0]);
+    entry.softness = std::clamp(entry.softness.value_or(screen.softness) + entry.softer, 0, 255);
+    entry.softer = 0;
+    return entry;
+}
+
+SINGLE_KEY BuildEntry(const KeyEntry &entry, eCK_Type type) {
+    const std::array<int32_t, 3> &tolerance = *entry.tolerance;
     SINGLE_KEY key{};
-    key.nValue = KeyValue(type, entry.colour.value_or(screen != nullptr ? screen->colour : 0));
+    key.nValue = KeyValue(type, *entry.colour);
     key.nDelta = Pack(tolerance[0], tolerance[1], tolerance[2]);
     // A tolerance of 0 means the very colour; an all-zero width would switch the entry off.
     if (key.nDelta == 0) key.nDelta = Pack(1, 1, 1);
-    key.nSmoothRange = entry.softness.value_or(screen != nullptr ? screen->softness : kDefaultSoftness);
+    key.nSmoothRange = *entry.softness;
     key.nReverseKey = entry.reverse ? 1 : 0;
     for (const FieldSetting &f : entry.fields) key.*(FindField(kEntryFields, f.first)->member) = f.second;
     return key;
@@ -161,7 +170,16 @@ void KeyOptions::SetTolerance(std::string_view text) {
                         ParseByte("--tolerance", text.substr(second + 1))};
 }
 
-void KeyOptions::SetSoftness(std::string_view text) { Last().softness = ParseByte("--softness", text); }
+void KeyOptions::SetSoftness(std::string_view text) {
+    const bool change = text.starts_with('+') || text.starts_with('-');
+    const int32_t value = ParseByte("--softness", change ? text.substr(1) : text);
+    KeyEntry &entry = Last();
+    if (change) {
+        entry.softer = text[0] == '-' ? -value : value;
+    } else {
+        entry.softness = value;
+    }
+}
 
 void KeyOptions::SetReverse() { Last().reverse = true; }
 
@@ -237,35 +255,59 @@ std::array<int32_t, 3> SpreadTolerance(eCK_Type type, int32_t tolerance) {
     }
 }
 
+KeyOptions Completed(const KeyOptions &options, const std::vector<ScreenKey> &screen) {
+    KeyOptions out = options;
+    out.type = options.type.value_or(kDefaultKeyType);
+    out.spill = options.spill.value_or(screen.empty() ? Spill{0, 0, 0} : Spill{});
+    out.entries.clear();
+    const auto &entries = options.entries;
+    if (std::all_of(entries.begin(), entries.end(), [](const KeyEntry &e) { return e.colour && Protects(e); })) {
+        for (const ScreenKey &part : screen) out.entries.push_back(Complete({}, *out.type, part));
+    }
+    for (const KeyEntry &entry : entries) {
+        if (entry.colour || screen.empty()) {
+            out.entries.push_back(
+                Complete(entry, *out.type, {0, SpreadTolerance(*out.type, kDefaultTolerance), kDefaultSoftness}));
+        } else {
+            for (const ScreenKey &part : screen) out.entries.push_back(Complete(entry, *out.type, part));
+        }
+    }
+    return out;
+}
+
 CHROMA_KEY_RAW BuildKey(const KeyOptions &options, const std::vector<ScreenKey> &screen) {
+    const KeyOptions whole = Completed(options, screen);
     CHROMA_KEY_RAW raw{};
-    raw.eType = options.type.value_or(kDefaultKeyType);
+    raw.eType = *whole.type;
     raw.nMinTransparent = 16;
     raw.nMaxTransparent = 235;
     std::vector<SINGLE_KEY> keys;
-    const auto add = [&](KeyEntry entry) {
-        if (entry.tolerance && (*entry.tolerance)[1] < 0) entry.tolerance = SpreadTolerance(raw.eType, (*entry.tolerance)[0]);
-        if (entry.colour || screen.empty()) {
-            keys.push_back(BuildEntry(entry, raw.eType, nullptr));
-        } else {
-            for (const ScreenKey &part : screen) keys.push_back(BuildEntry(entry, raw.eType, &part));
-        }
-    };
-    const auto &entries = options.entries;
-    if (std::all_of(entries.begin(), entries.end(), [](const KeyEntry &e) { return e.colour && Protects(e); })) {
-        for (const ScreenKey &part : screen) keys.push_back(BuildEntry({}, raw.eType, &part));
-    }
-    for (const KeyEntry &entry : entries) add(entry);
-    const Spill off{0, 0, 0};
-    if (const auto light = SpillEntry(raw.eType, keys, options.spill.value_or(screen.empty() ? off : Spill{}))) {
+    for (const KeyEntry &entry : whole.entries) keys.push_back(BuildEntry(entry, raw.eType));
+    if (const auto light = SpillEntry(raw.eType, keys, *whole.spill)) {
         keys.insert(keys.begin(), *light);
         raw.bColorCancel = 1;
     }
     if (keys.size() > kMostKeys) FailUsage("--color: a key has 16 colours at most, and --spill takes the place of one");
     std::copy(keys.begin(), keys.end(), raw.arrKeys);
     raw.nKeysUsed = static_cast<int32_t>(keys.size());
-    for (const FieldSetting &f : options.fields) raw.*(FindField(kRecordFields, f.first)->member) = f.second;
+    for (const FieldSetting &f : whole.fields) raw.*(FindField(kRecordFields, f.first)->member) = f.second;
     return raw;
+}
+
+std::string KeyText(const KeyOptions &options, const std::vector<ScreenKey> &screen) {
+    const KeyOptions whole = Completed(options, screen);
+    const auto number = [](int32_t n) { return std::to_string(n); };
+    std::string out;
+    if (*whole.type != kDefaultKeyType) out += std::string(" --type ") + (*whole.type == eCKT_RGB ? "RGB" : "HLS");
+    for (const KeyEntry &e : whole.entries) {
+        const std::array<int32_t, 3> &t = *e.tolerance;
+        out += " -c " + ColourText(*e.colour) + " -t " + number(t[0]) + "," + number(t[1]) + "," + number(t[2]) + " -s " +
+               number(*e.softness) + (e.reverse ? " --reverse" : "");
+        for (const FieldSetting &f : e.fields) out += " --set " + f.first + "=" + number(f.second);
+    }
+    for (const FieldSetting &f : whole.fields) out += " --set " + f.first + "=" + number(f.second);
+    if (whole.spill->power > 0) out += " --spill " + SpillText(*whole.spill);
+    return out.substr(1);
 }
 
 }    // namespace zkey

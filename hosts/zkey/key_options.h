@@ -21,6 +21,7 @@ struct KeyEntry {
     std::optional<uint32_t> colour;    ///< 0x00RRGGBB
     std::optional<std::array<int32_t, 3>> tolerance;
     std::optional<int32_t> softness;
+    int32_t softer = 0;    ///< added to the softness that is given, found, or used without either
     bool reverse = false;
     std::vector<FieldSetting> fields;    ///< fields of `SINGLE_KEY` by name, applied last
 };
@@ -34,6 +35,7 @@ struct KeyOptions {
     /// `--color`: gives the last entry its colour if it has none yet, else starts a new entry.
     void AddColour(std::string_view text);
     void SetTolerance(std::string_view text);
+    /// N, or +N and -N for so much more or less than what was found.
     void SetSoftness(std::string_view text);
     void SetReverse();
     void SetType(std::string_view text);
@@ -70,5 +72,8 @@ std::array<int32_t, 3> SpreadTolerance(eCK_Type type, int32_t tolerance);
 /// The record. An entry that lacks a colour stands for all parts of the screen; if no entry says what is to be keyed out,
 /// they go before the others. The entry that takes off the screen's light goes before all.
 CHROMA_KEY_RAW BuildKey(const KeyOptions &options, const std::vector<ScreenKey> &screen);
+
+/// The options that give the same key when no screen has to be found; for a key that takes something out.
+std::string KeyText(const KeyOptions &options, const std::vector<ScreenKey> &screen);
 
 }    // namespace zkey

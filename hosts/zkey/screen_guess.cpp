@@ -7,7 +7,6 @@
 #include <utility>
 #include <vector>
 
-#include "hosts/zkey/colours.h"
 
 namespace zkey {
 namespace {
@@ -342,15 +341,6 @@ std::optional<ScreenGuess> GuessScreen(const std::vector<ImageView> &pictures, e
     guess.doubt = DoubtOf(share, Quantile(leads, 0.5), Smoothness(grids, lead, least));
     for (const std::vector<Pixel> &part : PartsOf(found.screen)) guess.parts.push_back(KeyFor(type, part, found.figure));
     return guess;
-}
-
-std::string ScreenOptions(const ScreenGuess &guess) {
-    std::string out;
-    for (const ScreenKey &k : guess.parts) {
-        out += (out.empty() ? "-c " : " -c ") + ColourText(k.colour) + " -t " + std::to_string(k.tolerance[0]) + "," +
-               std::to_string(k.tolerance[1]) + "," + std::to_string(k.tolerance[2]) + " -s " + std::to_string(k.softness);
-    }
-    return out + " --spill " + SpillText({});
 }
 
 }    // namespace zkey

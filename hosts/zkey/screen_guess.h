@@ -22,7 +22,4 @@ struct ScreenGuess {
 /// Empty when hardly any border pixel is clearly green or blue.
 std::optional<ScreenGuess> GuessScreen(const std::vector<ImageView> &pictures, eCK_Type type);
 
-/// The options that give the same key.
-std::string ScreenOptions(const ScreenGuess &guess);
-
 }    // namespace zkey

@@ -86,22 +86,55 @@ TEST(KeyOptions, ZeroToleranceStaysAKey) {
     EXPECT_EQ(BuildKey(o, {}).arrKeys[0].nDelta, 0x010101);
 }
 
-TEST(KeyOptions, EveryFieldOfTheRecordCanBeSet) {
-    KeyOptions o = Green();
-    const char *names[] = {"nMinTransparent",  "nMaxTransparent", "nEdgesSmooth", "bColorCancel",
-                           "nInterlacedVideo", "nInverseKey",     "nValue",       "nDelta",
-                           "nSmoothRange",     "nAlpha",          "nCancelRange", "nCancelPower",
-                           "nCancelChroma",    "nCancelLuma",     "nCancelAlpha", "nReverseKey"};
-    int32_t value = 100;
-    for (const char *name : names) o.SetField(std::string(name) + "=" + std::to_string(value++));
-    const CHROMA_KEY_RAW k = BuildKey(o, {});
-    const SINGLE_KEY &e = k.arrKeys[0];
-    const int32_t read[] = {k.nMinTransparent,  k.nMaxTransparent, k.nEdgesSmooth, k.bColorCancel,
-                            k.nInterlacedVideo, k.nInverseKey,     e.nValue,       e.nDelta,
-                            e.nSmoothRange,     e.nAlpha,          e.nCancelRange, e.nCancelPower,
-                            e.nCancelChroma,    e.nCancelLuma,     e.nCancelAlpha, e.nReverseKey};
-    value = 100;
-    for (const int32_t r : read) EXPECT_EQ(r, value++);
+TEST(KeyOptions, EveryFieldOfTheRecordCanBeSetWithinItsRange) {
+    const struct {
+        const char *name;
+        int32_t least;
+        int32_t most;
+        int32_t CHROMA_KEY_RAW::*ofRecord;
+        int32_t SINGLE_KEY::*ofEntry;
+    } fields[] = {{"nMinTransparent", 0, 255, &CHROMA_KEY_RAW::nMinTransparent, nullptr},
+                  {"nMaxTransparent", 0, 255, &CHROMA_KEY_RAW::nMaxTransparent, nullptr},
+                  {"nEdgesSmooth", 0, 100, &CHROMA_KEY_RAW::nEdgesSmooth, nullptr},
+                  {"bColorCancel", 0, 2, &CHROMA_KEY_RAW::bColorCancel, nullptr},
+                  {"nInterlacedVideo", 0, 1, &CHROMA_KEY_RAW::nInterlacedVideo, nullptr},
+                  {"nInverseKey", 0, 3, &CHROMA_KEY_RAW::nInverseKey, nullptr},
+                  {"nValue", 0, 0xFFFFFF, nullptr, &SINGLE_KEY::nValue},
+                  {"nDelta", 0, 0xFFFFFF, nullptr, &SINGLE_KEY::nDelta},
+                  {"nSmoothRange", 0, 255, nullptr, &SINGLE_KEY::nSmoothRange},
+                  {"nAlpha", 0, 255, nullptr, &SINGLE_KEY::nAlpha},
+                  {"nCancelRange", 0, 255, nullptr, &SINGLE_KEY::nCancelRange},
+                  {"nCancelPower", -255, 255, nullptr, &SINGLE_KEY::nCancelPower},
+                  {"nCancelChroma", -255, 255, nullptr, &SINGLE_KEY::nCancelChroma},
+                  {"nCancelLuma", -255, 255, nullptr, &SINGLE_KEY::nCancelLuma},
+                  {"nCancelAlpha", -255, 255, nullptr, &SINGLE_KEY::nCancelAlpha},
+                  {"nReverseKey", 0, 1, nullptr, &SINGLE_KEY::nReverseKey}};
+    for (const auto &f : fields) {
+        SCOPED_TRACE(f.name);
+        const std::string name = std::string(f.name) + "=";
+        for (const int32_t value : {f.least, f.most}) {
+            KeyOptions o = Green();
+            o.SetField(name + std::to_string(value));
+            const CHROMA_KEY_RAW k = BuildKey(o, {});
+            EXPECT_EQ(f.ofRecord != nullptr ? k.*f.ofRecord : k.arrKeys[0].*f.ofEntry, value);
+        }
+        EXPECT_THROW(Green().SetField(name + std::to_string(f.least - 1)), Failure);
+        EXPECT_THROW(Green().SetField(name + std::to_string(f.most + 1)), Failure);
+    }
+}
+
+TEST(KeyOptions, SoftnessCanBeChangedFromWhatWasFound) {
+    const std::vector<ScreenKey> parts{{0x208040, {10, 11, 12}, 33}, {0x20C040, {50, 20, 21}, 250}};
+    KeyOptions o;
+    o.SetSoftness("+10");
+    EXPECT_EQ(KeyText(o, parts), "-c 208040 -t 10,11,12 -s 43 -c 20C040 -t 50,20,21 -s 255 --spill 25");
+    o.SetSoftness("-40");
+    EXPECT_EQ(BuildKey(o, parts).arrKeys[BuildKey(o, parts).nKeysUsed - 2].nSmoothRange, 0);
+    KeyOptions given = Green();
+    given.SetSoftness("-5");
+    EXPECT_EQ(BuildKey(given, {}).arrKeys[0].nSmoothRange, kDefaultSoftness - 5);
+    EXPECT_THROW(o.SetSoftness("+256"), Failure);
+    EXPECT_THROW(o.SetSoftness("+-1"), Failure);
 }
 
 TEST(KeyOptions, TheScreenFillsInWhereNoColourWasGiven) {
@@ -204,7 +237,7 @@ TEST(KeyOptions, NonsenseIsAUsageError) {
     EXPECT_TRUE(refuses([](KeyOptions &o) { o.SetTolerance("300"); }));
     EXPECT_TRUE(refuses([](KeyOptions &o) { o.SetTolerance("1,2"); }));
     EXPECT_TRUE(refuses([](KeyOptions &o) { o.SetTolerance("1,2,3,4"); }));
-    EXPECT_TRUE(refuses([](KeyOptions &o) { o.SetSoftness("-1"); }));
+    EXPECT_TRUE(refuses([](KeyOptions &o) { o.SetSoftness("--1"); }));
     EXPECT_TRUE(refuses([](KeyOptions &o) { o.SetType("LAB"); }));
     EXPECT_TRUE(refuses([](KeyOptions &o) { o.SetField("nEdgesSmooth"); }));
     EXPECT_TRUE(refuses([](KeyOptions &o) { o.SetField("nEdges=1"); }));

@@ -214,15 +214,21 @@ TEST(Run, TheAssumedKeyCanBeGivenByHand) {
     const Scratch scratch;
     scratch.Write("in.raw", Scene(160, 90).pixels);
     const std::string command = "key " + scratch.Path("in.raw") + " --raw RGB32:160x90 -o ";
-    const Outcome assumed = RunProgram(scratch, command + scratch.Path("a.raw"));
-    ASSERT_EQ(assumed.status, 0);
-    const std::size_t options = assumed.error.find("-c ");
-    ASSERT_NE(options, std::string::npos) << assumed.error;
-    const std::string given = assumed.error.substr(options, assumed.error.find_first_of("\r\n", options) - options);
-    const Outcome again = RunProgram(scratch, command + scratch.Path("b.raw") + " " + given);
-    ASSERT_EQ(again.status, 0) << again.error;
-    EXPECT_TRUE(again.error.empty()) << again.error;
-    EXPECT_EQ(scratch.Read("a.raw"), scratch.Read("b.raw"));
+    // With options beside it too: what is told is the key that is used.
+    for (const char *beside : {"", "-s 20", "-s +9 --type HLS --spill 0 --set nAlpha=30",
+                               "-c C0A080 -t 10 --reverse --set nEdgesSmooth=2 --spill 60:20:10 --type RGB"}) {
+        SCOPED_TRACE(beside);
+        const Outcome assumed = RunProgram(scratch, command + scratch.Path("a.raw") + " " + beside);
+        ASSERT_EQ(assumed.status, 0);
+        const std::string mark = "the key is ";
+        const std::size_t options = assumed.error.find(mark) + mark.size();
+        ASSERT_GE(options, mark.size()) << assumed.error;
+        const std::string given = assumed.error.substr(options, assumed.error.find_first_of("\r\n", options) - options);
+        const Outcome again = RunProgram(scratch, command + scratch.Path("b.raw") + " " + given);
+        ASSERT_EQ(again.status, 0) << again.error;
+        EXPECT_TRUE(again.error.empty()) << again.error;
+        EXPECT_EQ(scratch.Read("a.raw"), scratch.Read("b.raw"));
+    }
 }
 
 /// Pictures of one colour, which gets darker from each to the next.
@@ -275,7 +281,7 @@ TEST(Run, PipesCarryClipsThrough) {
     const Outcome raw = RunProgram(scratch, "key - -o - <" + scratch.Path("in.y4m"));
     EXPECT_EQ(raw.status, 0);
     EXPECT_EQ(raw.out.size(), 3U * 32 * 16 * 4);
-    EXPECT_NE(raw.error.find("zkey: no key given, assumed a green screen: -c "), std::string::npos) << raw.error;
+    EXPECT_NE(raw.error.find("zkey: no colour given, assumed a green screen; the key is -c "), std::string::npos) << raw.error;
     // Nothing but that line: progress is for terminals.
     EXPECT_EQ(std::count(raw.error.begin(), raw.error.end(), '\n'), 1);
 
@@ -340,6 +346,18 @@ TEST(Run, EndsWithOneLineAndAStatus) {
     } cases[] = {
         {"", kExitUsage, "zkey key INPUT"},
         {"kay", kExitUsage, "unknown command"},
+        {green + " -o x.mov", kExitUsage, "the command is missing: zkey key"},
+        {"key " + green + " --raw FOO:16x16" + out, kExitUsage, "is none of RGB24, RGB32"},
+        {"key " + green + " --raw RGB32" + out, kExitUsage, "the size is missing"},
+        {"key " + green + raw + out + " --prop process.thread=2", kExitUsage, "no property \"process.thread\"; it has background"},
+        {"key " + green + raw + out + " --prop output.thread=perhaps", kExitUsage, "true or false"},
+        {"key " + green + raw + out + " --prop keying.borders=1,2,x", kExitUsage, "left top right bottom"},
+        {"key " + green + raw + out + " --prop dll-path=x", kExitUsage, "can only be read"},
+        {"key " + green + raw + out + " --set nMinTransparent=256", kExitUsage, "give 0 to 255"},
+        {"key " + green + raw + out + " --garbage 1,2,3", kExitUsage, "left, top, right and bottom"},
+        {"key " + green + raw + out + " --key k.xml -t 3", kExitUsage, "do not go with a saved key"},
+        {"key " + green + raw + out + " --key " + scratch.Path("none.xml"), kExitFailed, "cannot open"},
+        {"key --save-key " + scratch.Path("k.xml"), kExitUsage, "no input"},
         {"key " + green + raw, kExitUsage, "no output"},
         {"key " + green + raw + out + " --color gren", kExitUsage, "unknown colour \"gren\""},
         {"key " + green + raw + out + " --tolernce 4", kExitUsage, "unknown option --tolernce"},
@@ -350,11 +368,11 @@ TEST(Run, EndsWithOneLineAndAStatus) {
         {"key " + green + raw + " -o " + scratch.Path("x.y4m"), kExitUsage, "no alpha"},
         {"key " + scratch.Path("missing.raw") + raw + out, kExitFailed, "cannot open"},
         {"key " + scratch.Path("missing.y4m") + out, kExitFailed, "cannot open"},
-        {"key " + green + " --raw RGB32:16x17" + out, kExitFailed, "ends in the middle"},
+        {"key " + green + " --raw RGB32:16x17" + out, kExitFailed, "0 frames of 1088 bytes and 1024 bytes over"},
         {"key " + green + " --raw RGB32:4x4 --exact" + out, kExitFailed, "too small"},
         {"key " + grey + raw + out, kExitFailed, "no green or blue screen"},
-        {"key " + green + raw + " -o " + scratch.Path("no/folder/out.raw"), kExitFailed, "cannot write"},
-        {"key " + scratch.Write("empty.raw", {}) + raw + out, kExitFailed, "holds no picture"},
+        {"key " + green + raw + " -o " + scratch.Path("no/folder/out.raw"), kExitFailed, "there is no folder"},
+        {"key " + scratch.Write("empty.raw", {}) + raw + out, kExitFailed, "is empty"},
         {"key " + scratch.Write("text.y4m", {'h', 'i', '\n'}) + out, kExitFailed, "no YUV4MPEG2"},
     };
     for (const auto &c : cases) {
@@ -367,6 +385,86 @@ TEST(Run, EndsWithOneLineAndAStatus) {
     }
 }
 
+/// Two strips: green all around the border, half of the rest as well.
+Bytes Strips(int width, int height) {
+    Bytes b;
+    for (int i = 0; i < width * height; ++i) {
+        const bool screen = i % width < width / 2 || i % width > width - 4 || i / width < 4;
+        b.insert(b.end(), {static_cast<uint8_t>(screen ? 40 : 90), static_cast<uint8_t>(screen ? 190 : 80), 60, 0});
+    }
+    return b;
+}
+
+TEST(Run, GarbageBecomesTransparentAndIsNotLookedAt) {
+    const Scratch scratch;
+    const Bytes picture = Strips(64, 32);
+    scratch.Write("in.raw", picture);
+    const std::string command = "key " + scratch.Path("in.raw") + " --raw RGB32:64x32 -q -o " + scratch.Path("out.raw");
+    for (const char *key : {" -c C00000", " --type Alpha", " --matte -c C00000"}) {
+        const bool matte = std::string_view(key).find("matte") != std::string_view::npos;
+        const std::string options = std::string(command) + key;
+        ASSERT_EQ(RunProgram(scratch, options).status, 0);
+        const Bytes whole = scratch.Read("out.raw");
+        const Outcome run = RunProgram(scratch, options + " --garbage 5,3,2,1");
+        ASSERT_EQ(run.status, 0) << run.error;
+        const Bytes keyed = scratch.Read("out.raw");
+        for (std::size_t i = 0; i < 64 * 32; ++i) {
+            const bool outside = i % 64 < 5 || i % 64 >= 62 || i / 64 < 3 || i / 64 >= 31;
+            ASSERT_EQ(keyed[4 * i], outside ? 0 : whole[4 * i]) << i << key;
+            ASSERT_EQ(keyed[4 * i + 3], matte ? 255 : outside ? 0 : whole[4 * i + 3]) << i << key;
+        }
+    }
+    // A border that is no screen hides the screen, until it is garbage.
+    Bytes framed(64 * 32 * 4, 100);
+    for (std::size_t i = 0; i < 64 * 32; ++i) {
+        if (i % 64 >= 8 && i % 64 < 56 && i / 64 >= 8) framed[4 * i + 1] = 220;
+    }
+    scratch.Write("in.raw", framed);
+    EXPECT_EQ(RunProgram(scratch, command).status, kExitFailed);
+    EXPECT_EQ(RunProgram(scratch, command + " --garbage 8,8,8,0").status, 0);
+    EXPECT_EQ(scratch.Read("out.raw"), Bytes(64 * 32 * 4, 0));
+    EXPECT_EQ(RunProgram(scratch, command + " --garbage 99,99,99,99 -c C00000").status, 0);
+    EXPECT_EQ(scratch.Read("out.raw"), Bytes(64 * 32 * 4, 0));
+}
+
+TEST(Run, APictureThatLooksLikeNoScreenIsNotKeyedWithoutAWord) {
+    const Scratch scratch;
+    // A dull green lawn at less than half of the border.
+    Bytes lawn;
+    for (int i = 0; i < 64 * 64; ++i) {
+        const uint8_t green = i % 64 < 28 ? 98 : 60;
+        lawn.insert(lawn.end(), {40, green, 60, 0});
+    }
+    scratch.Write("in.raw", lawn);
+    const std::string command = "key " + scratch.Path("in.raw") + " --raw RGB32:64x64 -o " + scratch.Path("out.raw");
+    const Outcome refused = RunProgram(scratch, command);
+    EXPECT_EQ(refused.status, kExitFailed);
+    EXPECT_NE(refused.error.find("does not look like a green screen: only"), std::string::npos) << refused.error;
+    EXPECT_TRUE(scratch.Read("out.raw").empty());
+    // What it tells to do works.
+    const std::size_t at = refused.error.find("-c ");
+    ASSERT_NE(at, std::string::npos);
+    EXPECT_EQ(RunProgram(scratch, command + " " + refused.error.substr(at, refused.error.find_first_of("\r\n", at) - at)).status,
+              0);
+}
+
+TEST(Run, PicturesBeforeAFailureStay) {
+    const Scratch scratch;
+    Bytes clip(16 * 16 * 4 * 2 + 7, 90);
+    scratch.Write("in.raw", clip);
+    const std::string options = " --raw RGB32:16x16 -c green -o " + scratch.Path("out.raw");
+    const Outcome run = RunProgram(scratch, "key -" + options + " <" + scratch.Path("in.raw"));
+    EXPECT_EQ(run.status, kExitFailed);
+    EXPECT_NE(run.error.find("ends in the middle of frame 3"), std::string::npos) << run.error;
+    // The frames that were on their way may be lost, but no frame is cut.
+    EXPECT_EQ(scratch.Read("out.raw").size() % (16 * 16 * 4), 0U);
+    // A file tells at once, and whole frames can be had.
+    const std::string file = "key " + scratch.Path("in.raw") + options;
+    EXPECT_NE(RunProgram(scratch, file).error.find("2 frames of 1024 bytes and 7 bytes over"), std::string::npos);
+    EXPECT_EQ(RunProgram(scratch, file + " --frames 2").status, 0);
+    EXPECT_EQ(scratch.Read("out.raw").size(), 2U * 16 * 16 * 4);
+}
+
 TEST(Run, HelpsOnRequest) {
     const Scratch scratch;
     EXPECT_NE(RunProgram(scratch, "--help").out.find("zkey key INPUT"), std::string::npos);
@@ -374,7 +472,7 @@ TEST(Run, HelpsOnRequest) {
     EXPECT_EQ(help.status, 0);
     for (const char *word :
          {"--color", "--tolerance", "--softness", "--reverse", "--spill", "--type", "--set", "--over", "--matte", "--alpha",
-          "--exact", "--prop", "--raw", "--quiet", "--no-audio", "--frames", "--codec", "--format", "v210"}) {
+          "--exact", "--prop", "--raw", "--quiet", "--no-audio", "--frames", "--codec", "--format", "v210", "--key", "--save-key", "--garbage"}) {
         EXPECT_NE(help.out.find(word), std::string::npos) << word;
     }
     EXPECT_EQ(RunProgram(scratch, "--version").out.substr(0, 5), "zkey ");

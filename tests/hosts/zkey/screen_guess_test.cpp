@@ -103,6 +103,38 @@ TEST(ScreenGuess, AFigureNearTheScreenNarrowsThePassage) {
     EXPECT_EQ(softness(0xBA9F11), 24);
 }
 
+TEST(ScreenGuess, LitHairAtTheBorderIsNoScreen) {
+    // The right third is screen, what stands before it is brown, and lit by the screen where they meet.
+    Bytes picture;
+    for (int i = 0; i < 64 * 64; ++i) {
+        const int x = i % 64;
+        const uint32_t c = x > 44 ? 0x2D8917 : x > 28 ? 0x71923AU - static_cast<uint32_t>(x % 2) * 0x020202 : 0x6A4020;
+        for (const int shift : {0, 8, 16, 24}) picture.push_back(static_cast<uint8_t>(c >> shift));
+    }
+    const auto guess = GuessScreen({{picture.data(), 64 * 4, 64, 64}}, eCKT_YUV);
+    ASSERT_TRUE(guess);
+    ASSERT_EQ(guess->parts.size(), 1U);
+    EXPECT_EQ(guess->parts[0].colour, 0x2D8917U);
+    EXPECT_LE(guess->parts[0].tolerance[1], 16);
+}
+
+TEST(ScreenGuess, DoubtsWhatDoesNotLookLikeAScreen) {
+    const auto doubt = [](uint32_t screen, uint32_t figure, int step, int columns) {
+        Bytes picture;
+        for (int i = 0; i < 64 * 64; ++i) {
+            uint32_t c = i % 64 < columns ? screen : figure;
+            if (c == screen && i % 2 == 0) c += static_cast<uint32_t>(step) * 0x010101;
+            for (const int shift : {0, 8, 16, 24}) picture.push_back(static_cast<uint8_t>(c >> shift));
+        }
+        const auto guess = GuessScreen({{picture.data(), 64 * 4, 64, 64}}, eCKT_YUV);
+        return guess ? guess->doubt : "nothing found";
+    };
+    EXPECT_EQ(doubt(0x20C040, 0x404040, 0, 40), "");    // strong
+    EXPECT_EQ(doubt(0x506C50, 0x404040, 0, 64), "");    // dull, but everywhere
+    EXPECT_EQ(doubt(0x506C50, 0x404040, 0, 28).substr(0, 4), "only");
+    EXPECT_EQ(doubt(0x20C040, 0x404040, 30, 64), "it is not smooth");
+}
+
 TEST(ScreenGuess, LightThatChangesFromPictureToPictureIsTakenInParts) {
     const Bytes bright = Card(0x20D040, 0x202020);
     const Bytes dark = Card(0x106820, 0x202020);
@@ -129,7 +161,9 @@ TEST(ScreenGuess, OnePixelIsAPicture) {
     ASSERT_TRUE(guess);
     ASSERT_EQ(guess->parts.size(), 1U);
     EXPECT_EQ(guess->parts[0].colour, 0x32B43CU);
-    EXPECT_EQ(ScreenOptions(*guess), "-c 32B43C -t 12,12,12 -s 60 --spill 25");
+    KeyOptions rgb;
+    rgb.SetType("RGB");
+    EXPECT_EQ(KeyText(rgb, guess->parts), "--type RGB -c 32B43C -t 12,12,12 -s 60 --spill 25");
 }
 
 }    // namespace
