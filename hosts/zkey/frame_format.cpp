@@ -47,7 +47,8 @@ int64_t PipeRow64(eZFCC fcc, int64_t width) {
 
 std::string FormatNames() {
     std::string out;
-    for (const NamedFormat *f = kFormats.data(); f->name != nullptr; ++f) out += (out.empty() ? "" : ", ") + std::string(f->name);
+    for (const NamedFormat *f = kFormats.data(); f->name != nullptr; ++f)
+        out += (out.empty() ? "" : ", ") + std::string(f->name);
     return out;
 }
 

@@ -104,6 +104,7 @@ private:
     std::optional<Passage> Fetch(MediaReader &reader) {
         Arrival arrival;
         if (Interrupted() || !reader.Next(arrival)) return std::nullopt;
+        if (m_fetched++ == 0) m_info.scan = arrival.scan;
         PictureSize size{m_info.width, m_info.height};
         if (!m_command.exact)
             size = PaddedSize(m_info.width, m_info.height, m_threads, IsInterlaced(arrival.scan), arrival.fcc);
@@ -169,8 +170,9 @@ private:
                 "--color");
         }
         if (!guess->doubt.empty()) {
-            Fail("no key given, and the border of the pictures does not look like a " + guess->name + " screen: " + guess->doubt +
-                 "; if it is one, name its colour with --color, for instance " + KeyText(m_command.key, guess->parts));
+            Fail("no key given, and the border of the pictures does not look like a " + guess->name +
+                 " screen: " + guess->doubt + "; if it is one, name its colour with --color, for instance " +
+                 KeyText(m_command.key, guess->parts));
         }
         m_assumed = "no colour given, assumed a " + guess->name + " screen; the key is " + KeyText(m_command.key, guess->parts);
         return guess->parts;
@@ -314,6 +316,7 @@ private:
     int32_t m_threads = 2;
     int64_t m_limit = 0;
     int64_t m_read = 0;
+    int64_t m_fetched = 0;
     std::deque<Passage> m_ahead;    ///< read to look for the screen, still to be keyed
     std::string m_assumed;          ///< what the user is told about a key that was not given
     Finish m_finish = Finish::Straight;

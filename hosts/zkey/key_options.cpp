@@ -61,8 +61,8 @@ std::string Names(const Fields &fields) {
 template <class Field>
 void RequireRange(const Field &field, int32_t value) {
     if (value >= field.least && value <= field.most) return;
-    FailUsage(std::string("--set ") + field.name + "=" + std::to_string(value) + ": give " + std::to_string(field.least) + " to " +
-              std::to_string(field.most));
+    FailUsage(std::string("--set ") + field.name + "=" + std::to_string(value) + ": give " + std::to_string(field.least) +
+              " to " + std::to_string(field.most));
 }
 
 int32_t ParseByte(std::string_view option, std::string_view text) {

@@ -22,8 +22,9 @@ struct SourceInfo {
     Rational rate{25, 1};
     Rational timeBase{1, 25};    ///< unit of the pictures' times, in seconds
     Rational pixelAspect{1, 1};
-    int64_t frames = 0;    ///< 0: unknown
-    bool still = false;    ///< one picture, not a clip
+    int64_t frames = 0;                    ///< 0: unknown
+    eZInterlace scan = eZI_Progressive;    ///< of the first picture, once it is read
+    bool still = false;                    ///< one picture, not a clip
     /// How a player turns the pictures, as nine fixed-point numbers; empty when it does not. Pictures stay as they are stored.
     std::vector<int32_t> displayMatrix;
     std::shared_ptr<AudioTrack> audio;

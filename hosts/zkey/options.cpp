@@ -41,7 +41,8 @@ void SetGarbage(KeyCommand &c, Value v) {
     std::size_t at = 0;
     for (std::size_t i = 0; i < 4; ++i) {
         const std::size_t end = i < 3 ? v.find(',', at) : v.size();
-        if (end == std::string::npos || !ParseWhole(std::string_view(v).substr(at, end - at), n[i]) || n[i] < 0 || n[i] > 32768) {
+        if (end == std::string::npos || !ParseWhole(std::string_view(v).substr(at, end - at), n[i]) || n[i] < 0 ||
+            n[i] > 32768) {
             FailUsage("--garbage: \"" + v + "\": give pixels at the left, top, right and bottom border, as 16,0,16,0");
         }
         at = end + 1;

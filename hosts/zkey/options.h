@@ -22,9 +22,9 @@ struct KeyCommand {
     std::string codec;     ///< of the output; empty: by its format
     std::optional<RawSpec> raw;
     KeyOptions key;
-    std::string keyFile;    ///< a saved key in place of `key`
-    std::string saveKey;    ///< where to save the key
-    std::string over;    ///< colour, "checker" or a file; empty: no composite
+    std::string keyFile;               ///< a saved key in place of `key`
+    std::string saveKey;               ///< where to save the key
+    std::string over;                  ///< colour, "checker" or a file; empty: no composite
     std::optional<Borders> garbage;    ///< borders that become transparent
     bool matte = false;
     AlphaChoice alpha = AlphaChoice::ByContainer;

@@ -44,7 +44,8 @@ struct Known {
 };
 
 constexpr std::array<Known, 13> kProperties = {{
-    {{"background", "text", "checker", "behind previews of a key: \"checker\", the name of a colour, or a picture's file", false},
+    {{"background", "text", "checker", "behind previews of a key: \"checker\", the name of a colour, or a picture's file",
+      false},
      [](const std::string &) { return true; }},
     {{"detect.blocks", "1 to 32768", "48", "how finely a picture is divided when a key is looked for in it", false},
      [](const std::string &v) { return IsWholeIn(v, 1, 32768); }},
@@ -56,7 +57,8 @@ constexpr std::array<Known, 13> kProperties = {{
     {{"output.thread", "boolean", "true",
       "results come one call late, from a thread of the keyer; zkey key has threads of its own and sets false", false},
      IsBoolean},
-    {{"process.threads", "1 to 16", "2", "threads that key one picture; zkey key takes the processors unless it is stored", false},
+    {{"process.threads", "1 to 16", "2", "threads that key one picture; zkey key takes the processors unless it is stored",
+      false},
      [](const std::string &v) { return IsWholeIn(v, 1, 16); }},
     {{"keying.borders", "left top right bottom", "",
       "pixels at the borders that are not keyed and stay opaque; zkey key --garbage makes them transparent", false},

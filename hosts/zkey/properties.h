@@ -8,7 +8,7 @@ namespace zkey {
 
 struct Property {
     const char *name;
-    const char *type;        ///< for people: "boolean", "1 to 16" and so on
+    const char *type;    ///< for people: "boolean", "1 to 16" and so on
     const char *byDefault;
     const char *meaning;
     bool readOnly;

@@ -7,7 +7,6 @@
 #include <utility>
 #include <vector>
 
-
 namespace zkey {
 namespace {
 
@@ -296,7 +295,7 @@ std::vector<Pixel> OfOneTint(const std::vector<Pixel> &screen, Lead lead) {
     return out;
 }
 
-/// Of the pairs of neighbours of which one looks like the screen: how many differ as little as neighbours on a screen do.
+/// Of the pairs of neighbours that look like the screen: how many differ as little as neighbours on a screen do.
 double Smoothness(const std::vector<Grid> &grids, Lead lead, int32_t least) {
     int64_t pairs = 0;
     int64_t smooth = 0;
@@ -305,7 +304,7 @@ double Smoothness(const std::vector<Grid> &grids, Lead lead, int32_t least) {
             for (int x = 0; x + 1 < grid.width; ++x) {
                 const Pixel &a = grid.pixels[grid.At(x, y)];
                 const Pixel &b = grid.pixels[grid.At(x + 1, y)];
-                if (lead(a) < least && lead(b) < least) continue;
+                if (lead(a) < least || lead(b) < least) continue;
                 ++pairs;
                 smooth += IsNext(a, b) ? 1 : 0;
             }

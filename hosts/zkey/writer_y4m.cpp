@@ -36,7 +36,10 @@ public:
         const std::size_t pixels = static_cast<std::size_t>(s.width) * static_cast<std::size_t>(s.height);
         m_planes.resize(pixels * (m_matte ? 1 : 3));
         const std::string head = "YUV4MPEG2 W" + std::to_string(s.width) + " H" + std::to_string(s.height) + " F" +
-                                 std::to_string(s.rate.num) + ":" + std::to_string(s.rate.den) + " Ip A" +
+                                 std::to_string(s.rate.num) + ":" + std::to_string(s.rate.den) +
+                                 (s.scan == eZI_Field1First   ? " It A"
+                                  : s.scan == eZI_Field2First ? " Ib A"
+                                                              : " Ip A") +
                                  std::to_string(s.pixelAspect.num) + ":" + std::to_string(s.pixelAspect.den) +
                                  (m_matte ? " Cmono XCOLORRANGE=FULL\n" : " C444 XCOLORRANGE=LIMITED\n");
         m_pipe.Write(head.data(), head.size());

@@ -92,6 +92,7 @@ private:
             m_encoder->color_range = jpeg ? AVCOL_RANGE_JPEG : AVCOL_RANGE_MPEG;
         }
         if ((m_format->oformat->flags & AVFMT_GLOBALHEADER) != 0) m_encoder->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
+        MarkFields();
         OpenCodec(choice);
         Check(avcodec_parameters_from_context(m_stream->codecpar, m_encoder.get()));
         m_stream->time_base = m_encoder->time_base;
@@ -104,6 +105,16 @@ private:
         m_frame->colorspace = m_encoder->colorspace;
         m_frame->color_range = m_encoder->color_range;
         Check(av_frame_get_buffer(m_frame.get(), 0));
+    }
+
+    /// Interlaced pictures are told to the encoder, which compresses fields where it knows them, and to the container.
+    void MarkFields() {
+        if (!IsInterlaced(m_source.scan)) return;
+        const bool top = m_source.scan == eZI_Field1First;
+        m_encoder->field_order = top ? AV_FIELD_TT : AV_FIELD_BB;
+        m_encoder->flags |= AV_CODEC_FLAG_INTERLACED_DCT;
+        m_frame->interlaced_frame = 1;
+        m_frame->top_field_first = top ? 1 : 0;
     }
 
     void OpenCodec(const EncoderChoice &choice) {

@@ -111,6 +111,29 @@ TEST(LibavRun, AnyPictureOfAClipCanBeReached) {
     }
 }
 
+TEST(LibavRun, FieldsStayMarked) {
+    const Scratch scratch;
+    scratch.Write("in.raw", Bytes(64 * 32 * 4 * 2, 90));
+    for (const char *order : {"top", "bottom", "progressive"}) {
+        for (const char *name : {"out.mov", "out.mkv", "out.y4m"}) {
+            SCOPED_TRACE(std::string(order) + " " + name);
+            const std::string over = std::string_view(name) == "out.y4m" ? " --over black" : "";
+            const Outcome run = RunProgram(scratch, "key " + scratch.Path("in.raw") + " --raw RGB32:64x32:" + order + over +
+                                                        " -c red -q -o " + scratch.Path(name));
+            ASSERT_EQ(run.status, 0) << run.error;
+            AVFormatContext *file = nullptr;
+            ASSERT_EQ(avformat_open_input(&file, scratch.Path(name).c_str(), nullptr, nullptr), 0);
+            const AVFieldOrder read = file->streams[0]->codecpar->field_order;
+            avformat_close_input(&file);
+            if (*order == 'p') {
+                EXPECT_TRUE(read == AV_FIELD_PROGRESSIVE || read == AV_FIELD_UNKNOWN) << read;
+            } else {
+                EXPECT_EQ(read, *order == 't' ? AV_FIELD_TT : AV_FIELD_BB);
+            }
+        }
+    }
+}
+
 TEST(LibavRun, AStillOfAClipIsItsFirstFrame) {
     const Scratch scratch;
     const Outcome run = RunProgram(scratch, "key " + SceneClip(scratch, "in.mp4") + " -c green -o " + scratch.Path("out.png"));

@@ -1,5 +1,6 @@
 // The keyer's properties: what zkey props says, refuses and keeps. Where settings lie in a folder, the program is run with a
-// folder of the test's own; where they lie in the registry, what is kept is tried within this process, whose registry is its own.
+// folder of the test's own; where they lie in the registry, what is kept is tried within this process, whose registry is its
+// own.
 #include <gtest/gtest.h>
 
 #include "hosts/zkey/failure.h"

@@ -349,7 +349,8 @@ TEST(Run, EndsWithOneLineAndAStatus) {
         {green + " -o x.mov", kExitUsage, "the command is missing: zkey key"},
         {"key " + green + " --raw FOO:16x16" + out, kExitUsage, "is none of RGB24, RGB32"},
         {"key " + green + " --raw RGB32" + out, kExitUsage, "the size is missing"},
-        {"key " + green + raw + out + " --prop process.thread=2", kExitUsage, "no property \"process.thread\"; it has background"},
+        {"key " + green + raw + out + " --prop process.thread=2", kExitUsage,
+         "no property \"process.thread\"; it has background"},
         {"key " + green + raw + out + " --prop output.thread=perhaps", kExitUsage, "true or false"},
         {"key " + green + raw + out + " --prop keying.borders=1,2,x", kExitUsage, "left top right bottom"},
         {"key " + green + raw + out + " --prop dll-path=x", kExitUsage, "can only be read"},
@@ -444,8 +445,8 @@ TEST(Run, APictureThatLooksLikeNoScreenIsNotKeyedWithoutAWord) {
     // What it tells to do works.
     const std::size_t at = refused.error.find("-c ");
     ASSERT_NE(at, std::string::npos);
-    EXPECT_EQ(RunProgram(scratch, command + " " + refused.error.substr(at, refused.error.find_first_of("\r\n", at) - at)).status,
-              0);
+    EXPECT_EQ(
+        RunProgram(scratch, command + " " + refused.error.substr(at, refused.error.find_first_of("\r\n", at) - at)).status, 0);
 }
 
 TEST(Run, PicturesBeforeAFailureStay) {
@@ -471,8 +472,9 @@ TEST(Run, HelpsOnRequest) {
     const Outcome help = RunProgram(scratch, "key --help");
     EXPECT_EQ(help.status, 0);
     for (const char *word :
-         {"--color", "--tolerance", "--softness", "--reverse", "--spill", "--type", "--set", "--over", "--matte", "--alpha",
-          "--exact", "--prop", "--raw", "--quiet", "--no-audio", "--frames", "--codec", "--format", "v210", "--key", "--save-key", "--garbage"}) {
+         {"--color", "--tolerance", "--softness", "--reverse", "--spill",    "--type",   "--set",      "--over",
+          "--matte", "--alpha",     "--exact",    "--prop",    "--raw",      "--quiet",  "--no-audio", "--frames",
+          "--codec", "--format",    "v210",       "--key",     "--save-key", "--garbage"}) {
         EXPECT_NE(help.out.find(word), std::string::npos) << word;
     }
     EXPECT_EQ(RunProgram(scratch, "--version").out.substr(0, 5), "zkey ");

@@ -39,9 +39,9 @@ protected:
 
 TEST_F(SavedKey, KeysLikeTheOneThatWasSaved) {
     const std::string saved = m_scratch.Path("key.xml");
-    for (const char *key :
-         {"", "-s +7 --spill 60", "-c green -t 30 -s 20 --type HLS -c red --reverse --set nMinTransparent=40 --set nEdgesSmooth=2",
-          "-c green --set nInverseKey=1"}) {
+    for (const char *key : {"", "-s +7 --spill 60",
+                            "-c green -t 60 -s 20 --type RGB -c red --reverse --set nMinTransparent=40 --set nEdgesSmooth=2",
+                            "-c green --set nInverseKey=1"}) {
         SCOPED_TRACE(key);
         const Bytes keyed = Keyed(std::string(key) + " --save-key " + saved);
         EXPECT_EQ(m_scratch.Text("key.xml").substr(0, 9), "<m_config");
@@ -77,7 +77,8 @@ TEST_F(SavedKey, WhatIsNoKeyIsRefusedWithTheReason) {
     EXPECT_NE(Refusal("<m_config type='2' keys='0'/>").find("\"keys\" is 1 or more"), std::string::npos);
     EXPECT_NE(Refusal("<m_config type='7' keys='1'><key delta='1'/></m_config>").find("type 7"), std::string::npos);
     EXPECT_NE(Refusal("<m_config type='2' keys='1'><key value='5'/></m_config>").find("\"delta\""), std::string::npos);
-    EXPECT_NE(Refusal("<m_config type='2' keys='1'><adjust/><key delta='1'/></m_config>").find("come first"), std::string::npos);
+    EXPECT_NE(Refusal("<m_config type='2' keys='1'><adjust/><key delta='1'/></m_config>").find("come first"),
+              std::string::npos);
 }
 
 }    // namespace
