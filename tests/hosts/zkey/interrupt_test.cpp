@@ -6,6 +6,8 @@
 #include <csignal>
 #include <cstdio>
 #include <ctime>
+#include <fstream>
+#include <string>
 
 #include "hosts/zkey/failure.h"
 #include "tests/hosts/zkey/scratch.h"
@@ -47,6 +49,18 @@ public:
     void Feed(const std::vector<uint8_t> &bytes) const {
         EXPECT_EQ(write(m_pipe, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
     }
+    /// Until the program catches interrupts itself.
+    void WaitUntilItListens() const {
+        constexpr unsigned long long kInterruptBit = 1ULL << (SIGINT - 1);
+        for (int i = 0; i < 3000; ++i) {
+            std::ifstream status("/proc/" + std::to_string(m_child) + "/status");
+            for (std::string line; std::getline(status, line);) {
+                if (line.starts_with("SigCgt:") && (std::stoull(line.substr(7), nullptr, 16) & kInterruptBit) != 0) return;
+            }
+            Pause(10);
+        }
+        ADD_FAILURE() << "the program does not catch interrupts";
+    }
     /// Sends the interrupt and waits for the end.
     int Interrupt() {
         kill(m_child, SIGINT);
@@ -79,9 +93,9 @@ void WaitForFile(const std::string &path) {
 TEST(Interrupt, KeepsTheFramesThatWereDone) {
     const Scratch scratch;
     Running program(scratch.Path("out.raw"));
-    for (int i = 0; i < 3; ++i) program.Feed(GreenFrame());
+    for (int i = 0; i < 6; ++i) program.Feed(GreenFrame());
     WaitForFile(scratch.Path("out.raw"));
-    // It now waits in the middle of the fourth frame.
+    // It now waits in the middle of the seventh frame.
     program.Feed(std::vector<uint8_t>(100));
     EXPECT_EQ(program.Interrupt(), zkey::kExitInterrupted);
     const std::size_t size = scratch.Read("out.raw").size();
@@ -92,7 +106,7 @@ TEST(Interrupt, KeepsTheFramesThatWereDone) {
 TEST(Interrupt, BeforeTheFirstFrameWritesNothing) {
     const Scratch scratch;
     Running program(scratch.Path("out.raw"));
-    Pause(300);
+    program.WaitUntilItListens();
     EXPECT_EQ(program.Interrupt(), zkey::kExitInterrupted);
     EXPECT_FALSE(std::filesystem::exists(scratch.Path("out.raw")));
 }
