@@ -1,3 +1,5 @@
+#include <thread>
+
 #include "tests/keying/plugin/keyer_test.h"
 
 namespace zck {
@@ -125,6 +127,28 @@ TEST_F(MediaPath, WithoutItsPropertyTheThreadsAreSixAndNotTwo) {
     Set("process.threads::mine", "1");
     EXPECT_EQ(Get("process.threads"), "3");
     EXPECT_FALSE(keyed(5));
+}
+
+TEST_F(MediaPath, PropertiesMayChangeWhileFramesPass) {
+    SetKey(eCKT_RGB);
+    std::jthread host([this](const std::stop_token &stop) {
+        const char *const pairs[][2] = {{"process.threads", "3"},   {"keying.borders", "8 4"}, {"output.thread", "false"},
+                                        {"keying.borders", ""},     {"output.thread", "true"}, {"process.threads", "1"},
+                                        {"process.threads::x", "1"}};
+        for (size_t i = 0; !stop.stop_requested(); ++i) {
+            const auto &pair = pairs[i % std::size(pairs)];
+            m_props->PropsSet(Bstr(TextFromUtf8(pair[0])).get(), Bstr(TextFromUtf8(pair[1])).get());
+            if (i % 50 == 0) m_props->PropsSet(nullptr, Bstr(TextFromUtf8("<n process.threads='2'/>")).get());
+            std::this_thread::yield();
+        }
+    });
+    for (int i = 0; i < 150; ++i) {
+        ComPtr<IZFrame> out;
+        ASSERT_GE(m_plugin->OnMediaReceive(0, nullptr, Frame().get(), out.Put()), S_OK) << i;
+        // Keyed inside the borders, whatever they were.
+        if (!out) continue;
+        ASSERT_EQ(At(Pixels(out.get()), 20, 10), 0u) << i;
+    }
 }
 
 TEST_F(MediaPath, AnEmptyPropertyIsZeroAndNotTheDefault) {
