@@ -7,7 +7,9 @@
 // Counters: copy_ms and path_ms (medians), ratio (path over copy), best (the same of the fastest rounds), cpu (the same in
 // processor time of all threads, which stands when other programs run), goal (for `ratio`), faults (minor page faults per
 // frame of the path). The lines "sizes" compare a pixel of 2160 lines with one of 1080 lines, frames of both in turns.
+#include <map>
 #include <memory>
+#include <vector>
 
 #include "bench/measure.h"
 #include "tests/scene/scene.h"
@@ -115,14 +117,12 @@ CHROMA_KEY_RAW KeyOf(const Setup &setup) {
 
 /// The scene at one size, rendered once for all benchmarks.
 const std::vector<ScenePicture> &Scene(int width, int height) {
-    static std::vector<ScenePicture> pictures;
-    static int rendered = 0;
-    if (rendered == height) return pictures;
+    static std::map<int, std::vector<ScenePicture>> scenes;
+    std::vector<ScenePicture> &pictures = scenes[height];
     SceneParams scene;
     scene.width = width;
-    scene.height = rendered = height;
-    pictures.clear();
-    for (std::size_t i = 0; i < kPictures; ++i) pictures.push_back(RenderScene(scene, static_cast<int>(i)));
+    scene.height = height;
+    while (pictures.size() < kPictures) pictures.push_back(RenderScene(scene, static_cast<int>(pictures.size())));
     return pictures;
 }
 
