@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <map>
-#include <regex>
 #include <thread>
 
 #include "props/store/option_list.h"
@@ -220,18 +219,28 @@ TEST(Props, ANodeWithoutTextShowsItsAttributes) {
     EXPECT_EQ(o.Get("a::b"), Good(""));
 }
 
+// The kind of each character: digits, letters by their case, all else as it is.
+std::string Shape(std::string s) {
+    for (char &c : s)
+        c = std::isdigit(static_cast<unsigned char>(c)) ? '9' : c >= 'A' && c <= 'Z' ? 'A' : c >= 'a' && c <= 'z' ? 'a' : c;
+    return s;
+}
+
 TEST(Props, ComputedNames) {
     Object o;
     const std::string before = o.Tree();
     for (const char *name : {"dll-version", "DLL-Version", "dll-file-version"}) {
         Out out;
         EXPECT_EQ(o->PropsGet(B(name).get(), out), S_OK);
-        EXPECT_TRUE(std::regex_match(out.Said(), std::regex("\\d+\\.\\d+\\.\\d+\\.\\d+"))) << out.Said();
+        unsigned part[4] = {};
+        int used = -1;
+        EXPECT_EQ(std::sscanf(out.Said().c_str(), "%u.%u.%u.%u%n", &part[0], &part[1], &part[2], &part[3], &used), 4)
+            << out.Said();
+        EXPECT_EQ(used, static_cast<int>(out.Said().size()));
     }
     Out date, path;
     EXPECT_EQ(o->PropsGet(B("dll-date").get(), date), S_OK);
-    EXPECT_TRUE(std::regex_match(date.Said(), std::regex("[A-Z][a-z]{2} [ 1-3]\\d 20\\d\\d \\d\\d:\\d\\d:\\d\\d")))
-        << date.Said();
+    EXPECT_TRUE(Shape(date.Said()) == "Aaa 99 9999 99:99:99" || Shape(date.Said()) == "Aaa  9 9999 99:99:99") << date.Said();
     EXPECT_EQ(o->PropsGet(B("Dll-Path").get(), path), S_OK);
     EXPECT_FALSE(path.Said().empty());
     EXPECT_LE(path.Said().size(), 1040U);
