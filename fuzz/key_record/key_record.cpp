@@ -11,6 +11,7 @@
 #include "keying/pipeline/row_road.h"
 #include "keying/slices/slices.h"
 #include "platform/processor.h"
+#include "platform/status.h"
 
 namespace zck {
 namespace {
@@ -65,7 +66,10 @@ void Walk(const Case &given) {
     Case planes = given;
     Case rows = given;
     const HRESULT hr = Key(planes, KernelLevel::Reference, false);
-    fuzz::Require(Key(rows, KernelLevel::Avx2, true) == hr, "all roads have one status");
+    const HRESULT rowsHr = Key(rows, KernelLevel::Avx2, true);
+    // A machine that is too busy says nothing about the bytes.
+    if (hr == kErrorTimeout || rowsHr == kErrorTimeout) return;
+    fuzz::Require(rowsHr == hr, "all roads have one status");
     if (FAILED(hr)) return;
     fuzz::Require(planes.pixels == rows.pixels, "all roads give the same pixels");
     fuzz::Require(planes.alpha == rows.alpha, "all roads give the same alpha");
