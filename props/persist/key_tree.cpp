@@ -92,15 +92,14 @@ SINGLE_KEY EntryFromNode(CoXMLNode &node) {
     return entry;
 }
 
-bool IsKeyElement(const CoXMLNode &node) { return !node.IsTextNode() && EqualNoCase(node.NameGet(), kKey); }
-
 void EntriesFromChildren(const CoXMLNode &root, CHROMA_KEY_RAW &raw) {
     const std::vector<XMLNodePtr> children = root.ChildrenGet();
     if (children.empty()) return;
     const int32_t used = KeysUsed(raw);
     for (int32_t i = 0; i < used; ++i) {
         const XMLNodePtr &child = children[std::min(static_cast<size_t>(i), children.size() - 1)];
-        if (IsKeyElement(*child)) raw.arrKeys[i] = EntryFromNode(*child);
+        // A text child of that wording has no attributes, and so leaves the entry 0 as well.
+        if (EqualNoCase(child->NameGet(), kKey)) raw.arrKeys[i] = EntryFromNode(*child);
     }
 }
 
