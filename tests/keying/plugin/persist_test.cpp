@@ -131,16 +131,17 @@ TEST_F(PluginPersist, StreamsAreAnsweredToo) {
 }
 
 TEST_F(PluginPersist, ASavingSeesAKeyAndItsOwnAdjustment) {
-    const std::string one = "<c keys='1' inverse='1'><key/><adjust power='1'/></c>";
-    const std::string two = "<c keys='1' inverse='2'><key/><adjust power='2'/></c>";
+    // The last value that is read, so that there is time for a saving in between.
+    const std::string one = "<c keys='1' inverse='1'><key/><adjust><range bsv='1'/></adjust></c>";
+    const std::string two = "<c keys='1' inverse='2'><key/><adjust><range bsv='2'/></adjust></c>";
     ASSERT_EQ(Load(one), S_OK);
     std::thread writer([&] {
-        for (int i = 0; i < 400; ++i) Load(i % 2 != 0 ? one : two);
+        for (int i = 0; i < 3000; ++i) Load(i % 2 != 0 ? one : two);
     });
-    for (int i = 0; i < 400; ++i) {
+    for (int i = 0; i < 3000; ++i) {
         const std::string saved = Saved();
         const bool first = saved.find("inverse='1'") != std::string::npos;
-        EXPECT_EQ(saved.find("power='1.0'") != std::string::npos, first) << saved;
+        EXPECT_EQ(saved.find("bsv='1.0'") != std::string::npos, first) << saved;
     }
     writer.join();
 }
