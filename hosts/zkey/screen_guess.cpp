@@ -193,7 +193,7 @@ int32_t Purity(const Pixel &p, Lead lead) { return 100 * lead(p) / std::max({p.r
 
 using Distance = std::array<double, 3>;
 
-/// Where grey lies, seen from a colour, with some distance to spare: a figure has colours near grey.
+/// Where grey lies, seen from a colour, with some distance to spare: a figure has colours closest grey.
 Distance GreyFrom(eCK_Type type, uint32_t colour) {
     const auto channel = [&](int shift) { return static_cast<int32_t>((colour >> shift) & 255); };
     const auto grey = static_cast<uint32_t>(Brightness({channel(16), channel(8), channel(0)}));
@@ -234,9 +234,9 @@ int32_t SoftnessForFigure(eCK_Type type, const ScreenKey &key, const std::vector
         for (int c = 0; c < 3; ++c) distance[static_cast<std::size_t>(c)] = std::abs(ByteOf(value, c) - ByteOf(centre, c));
         reach.push_back(static_cast<int32_t>(std::min(Reach(distance, key.tolerance) * 64, 1e6)));
     }
-    const double near = Quantile(reach, kFigureShare) / 64.0;
+    const double closest = Quantile(reach, kFigureShare) / 64.0;
     int32_t softness = most;
-    while (softness > kLeastFigureSoftness && NeededReach(key.tolerance, softness) > near) --softness;
+    while (softness > kLeastFigureSoftness && NeededReach(key.tolerance, softness) > closest) --softness;
     return softness;
 }
 
@@ -271,7 +271,7 @@ std::vector<std::vector<Pixel>> PartsOf(const std::vector<Pixel> &screen) {
     return parts;
 }
 
-/// Lit hair and clothes near the screen's hue are followed with it: what differs too much from the purest half goes.
+/// Lit hair and clothes closest the screen's hue are followed with it: what differs too much from the purest half goes.
 std::vector<Pixel> OfOneTint(const std::vector<Pixel> &screen, Lead lead) {
     std::vector<int32_t> leads;
     leads.reserve(screen.size());

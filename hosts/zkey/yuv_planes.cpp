@@ -25,27 +25,27 @@ struct RowScratch {
 
 /// The two chroma rows that lie nearest to a picture row; the first counts three times.
 struct ChromaRows {
-    int near;
-    int far;
+    int first;
+    int second;
 };
 
 ChromaRows RowsFor(const YuvPlanes &p, int y, int rows) {
     if (p.shiftY == 0) return {y, y};
     if (!p.interlaced) {
-        const int near = y >> 1;
-        return {near, std::clamp(near + ((y & 1) != 0 ? 1 : -1), 0, rows - 1)};
+        const int first = y >> 1;
+        return {first, std::clamp(first + ((y & 1) != 0 ? 1 : -1), 0, rows - 1)};
     }
     // Rows of one field: its own row number, and chroma rows of the same parity.
     const int field = y & 1;
     const int inField = y >> 1;
-    const int near = std::min((inField >> 1) * 2 + field, rows - 1);
-    const int far = near + ((inField & 1) != 0 ? 2 : -2);
-    return {near, far < 0 || far >= rows ? near : far};
+    const int first = std::min((inField >> 1) * 2 + field, rows - 1);
+    const int second = first + ((inField & 1) != 0 ? 2 : -2);
+    return {first, second < 0 || second >= rows ? first : second};
 }
 
-void MixRows(const uint8_t *near, const uint8_t *far, int step, int samples, int16_t *out) {
+void MixRows(const uint8_t *first, const uint8_t *second, int step, int samples, int16_t *out) {
     for (int i = 0; i < samples; ++i) {
-        out[i + 1] = static_cast<int16_t>(3 * near[std::ptrdiff_t{i} * step] + far[std::ptrdiff_t{i} * step] - 4 * 128);
+        out[i + 1] = static_cast<int16_t>(3 * first[std::ptrdiff_t{i} * step] + second[std::ptrdiff_t{i} * step] - 4 * 128);
     }
     out[0] = out[1];
     out[samples + 1] = out[samples];
@@ -108,7 +108,7 @@ void PlanesToRgb32(const YuvPlanes &p, const YuvMeaning &meaning, int width, int
         const ChromaRows from = RowsFor(p, y, rows);
         const uint8_t *plane[2] = {p.cb, p.cr};
         for (int c = 0; c < 2; ++c) {
-            MixRows(plane[c] + from.near * p.chromaRow, plane[c] + from.far * p.chromaRow, p.chromaStep, samples,
+            MixRows(plane[c] + from.first * p.chromaRow, plane[c] + from.second * p.chromaRow, p.chromaStep, samples,
                     s.mixed[c].data());
             SpreadRow(p, s.mixed[c].data(), width, s.chroma[c].data());
         }

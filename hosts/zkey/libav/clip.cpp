@@ -59,7 +59,7 @@ void Clip::Describe(bool audio) {
 
     m_info.width = m_decoder->width;
     m_info.height = m_decoder->height;
-    if (m_info.width < 1 || m_info.height < 1) Fail("cannot decode " + m_path + ": its pictures have no size");
+    if (m_info.width < 1 || m_info.height < 1) Fail(m_path + " holds no picture that can be read");
     const AVRational rate = SteadyRate(m_format, m_stream);
     const AVRational mean = m_stream->avg_frame_rate;
     m_steady = mean.num <= 0 || mean.den <= 0 || std::fabs(av_q2d(mean) / av_q2d(rate) - 1) < 0.01;
