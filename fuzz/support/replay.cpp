@@ -1,6 +1,7 @@
 // The main function of an entry without a fuzzer: gives it every file of the folders named on the command line, each as it
 // is, cut short in several places, and with bytes changed. The changes are the same in every run.
 #include <algorithm>
+#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
@@ -20,9 +21,19 @@ Bytes ReadFile(const std::filesystem::path &path) {
     return Bytes{std::istreambuf_iterator<char>(stream), {}};
 }
 
+const Bytes *g_given = nullptr;
+
+/// Tells which bytes ended the process, so that they can go into the corpus.
+void TellGiven(int) {
+    std::fprintf(stderr, "given:");
+    for (const uint8_t byte : *g_given) std::fprintf(stderr, " %02X", byte);
+    std::fprintf(stderr, "\n");
+}
+
 /// An exact block, so that a sanitizer sees a read behind its end.
 void Give(const Bytes &bytes) {
     const Bytes exact(bytes);
+    g_given = &exact;
     LLVMFuzzerTestOneInput(exact.data(), exact.size());
 }
 
@@ -48,6 +59,7 @@ int main(int argc, char **argv) {
     }
     std::sort(files.begin(), files.end());
     std::mt19937 random(1);
+    std::signal(SIGABRT, TellGiven);
     for (const std::filesystem::path &file : files) {
         const Bytes bytes = ReadFile(file);
         Give(bytes);
