@@ -1,6 +1,7 @@
 // The key of the plug-in as a saved configuration, and its adjustment on the way.
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <thread>
 
 #include "frames/factory/factory.h"
@@ -131,14 +132,16 @@ TEST_F(PluginPersist, StreamsAreAnsweredToo) {
 }
 
 TEST_F(PluginPersist, ASavingSeesAKeyAndItsOwnAdjustment) {
-    // The last value that is read, so that there is time for a saving in between.
-    const std::string one = "<c keys='1' inverse='1'><key/><adjust><range bsv='1'/></adjust></c>";
-    const std::string two = "<c keys='1' inverse='2'><key/><adjust><range bsv='2'/></adjust></c>";
-    ASSERT_EQ(Load(one), S_OK);
+    // A number that takes long to read stands between the record and the last value.
+    const std::string slow = "<adjust power='0." + std::string(50000, '1') + "'>";
+    const std::string one = "<c keys='1' inverse='1'><key/>" + slow + "<range bsv='1'/></adjust></c>";
+    const std::string two = "<c keys='1' inverse='2'><key/>" + slow + "<range bsv='2'/></adjust></c>";
+    std::atomic<bool> done{false};
     std::thread writer([&] {
-        for (int i = 0; i < 3000; ++i) Load(i % 2 != 0 ? one : two);
+        for (int i = 0; i < 200; ++i) Load(i % 2 != 0 ? one : two);
+        done = true;
     });
-    for (int i = 0; i < 3000; ++i) {
+    while (!done) {
         const std::string saved = Saved();
         const bool first = saved.find("inverse='1'") != std::string::npos;
         EXPECT_EQ(saved.find("bsv='1.0'") != std::string::npos, first) << saved;
