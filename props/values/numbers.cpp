@@ -210,7 +210,10 @@ OLECHAR *FloatToText(double value, OLECHAR *buffer, int32_t precision) {
 int32_t RoundToInt(double value) noexcept {
     using Limits = std::numeric_limits<int32_t>;
     if (std::isnan(value)) return 0;
-    return static_cast<int32_t>(std::clamp(std::round(value), double{Limits::min()}, double{Limits::max()}));
+    // Not `std::round`: that of MinGW adds a half, and makes 1 of the last real below 0.5.
+    double whole = std::trunc(value);
+    if (std::fabs(value - whole) >= 0.5) whole += std::copysign(1.0, value);
+    return static_cast<int32_t>(std::clamp(whole, double{Limits::min()}, double{Limits::max()}));
 }
 
 Text IntToText(int64_t value, int32_t width) {

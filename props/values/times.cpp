@@ -123,7 +123,7 @@ TimeFields TimeFromText(TextView text, bool timeOnly) noexcept {
     TimeFields time;
     const double seconds = sum.Seconds();
     const double whole = std::floor(seconds);
-    time.millisecond = static_cast<uint16_t>(std::round((seconds - whole) * 1000));
+    time.millisecond = static_cast<uint16_t>(RoundToInt((seconds - whole) * 1000));
     // The remainder is exact, a quotient of many digits would be rounded.
     const auto ofDay = static_cast<int32_t>(std::fmod(whole, 24 * 3600));
     time.hour = static_cast<uint16_t>(ofDay / 3600);
