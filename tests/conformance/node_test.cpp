@@ -359,11 +359,11 @@ TEST(NodeTree, HiddenNodes) {
     ComPtr<IZNode> child;
     EXPECT_EQ(root->NodeChildGetByIndex(0, name, child.Put()), S_OK);
     EXPECT_EQ(name.Said(), "b");
-    EXPECT_EQ(root->NodeChildGetByIndex(1, name, child.Put()), kBadIndex);
+    EXPECT_TEXT(root->NodeChildGetByIndex(1, out, child.Put()), kBadIndex, "<null>");
     const ComPtr<IZNode> hidden = At(root, "Attributes_Info");
     EXPECT_EQ(hidden->NodeChildGetCount(&count), S_OK);
     EXPECT_EQ(count, 0);
-    EXPECT_EQ(hidden->NodeChildGetByIndex(0, name, child.Put()), kBadIndex);
+    EXPECT_TEXT(hidden->NodeChildGetByIndex(0, out, child.Put()), kBadIndex, "<null>");
     EXPECT_TEXT(hidden->NodeValueGet(out), S_OK, "<x t='1'>help</x>");
     EXPECT_EQ(hidden->NodeValueSet(B("<y/>text<Z a=1>&lt;</Z>").get()), S_OK);
     EXPECT_TEXT(hidden->NodeValueGet(out), S_OK, "<y/>text<z a='1'>&lt;</z>");
