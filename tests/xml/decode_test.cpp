@@ -90,6 +90,11 @@ TEST(Decode, ADeclarationOfUtf7IsTakenForUtf8) {
     EXPECT_EQ(Decoded("<?xml encoding='Utf-7'?>+AOQ-\xC3\xA4"), "<?xml encoding='Utf-7'?>+AOQ-\u00E4");
 }
 
+TEST(Decode, ZeroBytesCountInTheFirstNineTenths) {
+    EXPECT_EQ(DecodeBytes("abcdefghijklmnop\0qrs"s).size(), 20U);
+    EXPECT_EQ(DecodeBytes("abcdefghijklmno\0pqrs"s).size(), 10U);
+}
+
 TEST(Decode, ADeclarationIsLookedForInFrontOfItsEndIn4096Bytes) {
     // Zero bytes behind tell which way was gone: declared text keeps them, other text is taken for 16-bit units.
     const std::string zeros(6000, '\0');

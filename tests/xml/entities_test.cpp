@@ -70,6 +70,7 @@ TEST(Entities, NumbersOutOfRange) {
     EXPECT_EQ(Decoded("a&#65536;b"), "ab");
     EXPECT_EQ(Decoded("&#65601;"), "A");
     EXPECT_EQ(DecodeText(In("&#99999999999999999999999;"), false), Text(1, OLECHAR{0xFFFF}));
+    EXPECT_EQ(DecodeText(In("&#x1000000041;"), false), Text(1, OLECHAR{0xFFFF}));
     EXPECT_EQ(DecodeText(In("&#xFFFFFFFFFFFFFFFFFFFF1;"), false), Text(1, OLECHAR{0xFFFF}));
 }
 
