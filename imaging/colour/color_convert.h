@@ -22,8 +22,8 @@ struct ImgConvertState {
 /// picture_rows.h). Copies from RGB32 to ARGB32 and from RGB24 make the alpha 255, other copies keep it.
 ///
 /// `S_OK`, also for formats that are not served (v210, NV12, RGB8 and others), and then nothing is written; `S_FALSE` when the
-/// rectangles leave nothing to do; `E_INVALIDARG` without state, image or record, and for a record without size or with rows
-/// that are shorter than their pixels.
+/// rectangles leave nothing to do, as for a record without size; `E_INVALIDARG` without state, image or record, and for a
+/// record with rows that are shorter than their pixels.
 HRESULT ColorConvert(ImgConvertState *state, const uint8_t *src, uint8_t *dst, const ImgDesc *sd, const ImgDesc *dd,
                      const tagRECT *rcSrc, const tagRECT *rcDst);
 
