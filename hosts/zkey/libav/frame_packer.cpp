@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "hosts/zkey/failure.h"
 #include "hosts/zkey/hand_over.h"
 
 namespace zkey {
@@ -147,7 +148,33 @@ void FramePacker::Store(uint8_t *pixels, const Z_VID_PROPS &props) {
         case Route::HdycFrom10:
             return StoreHdycFrom10(f, pixels, step);
         case Route::Convert:
-            return ConvertPicture(f, AV_PIX_FMT_BGR0, f.width, f.height, pixels, static_cast<int>(step), m_scaler);
+            return Convert(pixels, static_cast<int>(step));
+    }
+}
+
+void FramePacker::Convert(uint8_t *to, int step) {
+    const AVFrame &f = *m_frame;
+    const AVPixFmtDescriptor *format = av_pix_fmt_desc_get(static_cast<AVPixelFormat>(f.format));
+    if (f.interlaced_frame == 0 || format == nullptr || format->log2_chroma_h == 0 || f.height < 2) {
+        return ConvertPicture(f, AV_PIX_FMT_BGR0, f.width, f.height, to, step, m_scaler);
+    }
+    // Chroma rows belong to fields, so each field is a picture by itself; its matrix goes by the size of the whole.
+    for (int i = 0; i < 2; ++i) {
+        const Libav<AVFrame> field(av_frame_alloc());
+        if (!field) Fail("out of memory");
+        field->format = f.format;
+        field->width = f.width;
+        field->height = (f.height + 1 - i) / 2;
+        field->color_range = f.color_range;
+        field->colorspace = f.colorspace;
+        if (f.colorspace == AVCOL_SPC_UNSPECIFIED) {
+            field->colorspace = MeaningOf(f).kr == kBt709.kr ? AVCOL_SPC_BT709 : AVCOL_SPC_SMPTE170M;
+        }
+        for (int p = 0; p < 4 && f.data[p] != nullptr; ++p) {
+            field->data[p] = f.data[p] + std::ptrdiff_t{i} * f.linesize[p];
+            field->linesize[p] = 2 * f.linesize[p];
+        }
+        ConvertPicture(*field, AV_PIX_FMT_BGR0, f.width, field->height, to + std::ptrdiff_t{i} * step, 2 * step, m_scaler);
     }
 }
 

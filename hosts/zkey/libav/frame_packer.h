@@ -19,6 +19,7 @@ private:
         eZFCC fcc;
     };
     static Way WayOf(const AVFrame &frame);
+    void Convert(uint8_t *to, int step);
     void CopyRows(uint8_t *to, std::ptrdiff_t step) const;
     void SwapRows(uint8_t *to, std::ptrdiff_t step) const;
 
