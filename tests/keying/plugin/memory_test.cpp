@@ -21,6 +21,9 @@ void *Take(size_t size) {
 
 void *operator new(size_t size) { return Take(size); }
 void *operator new[](size_t size) { return Take(size); }
+// Those too, or a sanitizer finds its own block in the wrong hands.
+void *operator new(size_t size, const std::nothrow_t &) noexcept { return std::malloc(size != 0 ? size : 1); }
+void *operator new[](size_t size, const std::nothrow_t &) noexcept { return std::malloc(size != 0 ? size : 1); }
 void operator delete(void *block) noexcept { std::free(block); }
 void operator delete[](void *block) noexcept { std::free(block); }
 void operator delete(void *block, size_t) noexcept { std::free(block); }
