@@ -45,7 +45,7 @@ Output
       --no-audio      leaves sound out; otherwise it is copied where the output can hold it
       --frames N      stops after N frames
 
-The key. Without --color the screen is looked for at the border of the first picture.
+The key. Without --color the screen is looked for at the border of the pictures, all over a file.
   -c, --color COLOUR  the colour to take out: RRGGBB or a name. Up to 16; each may be followed by its own
                       --tolerance, --softness, --reverse and --set
   -t, --tolerance N   how far a colour may lie from that and still be wholly transparent, 0 to 255 (24).

@@ -10,6 +10,7 @@
 
 #include "hosts/zkey/failure.h"
 #include "hosts/zkey/media.h"
+#include "hosts/zkey/yuv_planes.h"
 
 namespace {
 
@@ -23,15 +24,33 @@ public:
     bool Next(Image &image) {
         zkey::Arrival arrival;
         if (!m_reader->Next(arrival)) return false;
-        if (arrival.fcc != eZFCC_RGB32) zkey::Fail("4:2:2 clips are not compared");
         image.Resize(m_reader->Info().width, m_reader->Info().height);
-        m_reader->Store(image.bytes.data(), zkey::DescribeFrame(arrival.fcc, image.width, image.height, eZI_Progressive, 25));
+        const Z_VID_PROPS props = zkey::DescribeFrame(arrival.fcc, image.width, image.height, eZI_Progressive, 25);
+        if (arrival.fcc == eZFCC_RGB32) {
+            m_reader->Store(image.bytes.data(), props);
+        } else if (arrival.fcc == eZFCC_I420) {
+            StorePlanes(image, props);
+        } else {
+            zkey::Fail("4:2:2 clips are not compared");
+        }
         return true;
     }
     int64_t Count() const { return m_reader->Info().frames; }
 
 private:
+    /// Small clips of 4:2:0 arrive as they are, with the matrix of their size; their sizes are even.
+    void StorePlanes(Image &image, const Z_VID_PROPS &props) {
+        const std::ptrdiff_t row = props.nRowBytes;
+        m_planes.resize(static_cast<std::size_t>(row * image.height * 3 / 2));
+        m_reader->Store(m_planes.data(), props);
+        const uint8_t *cb = m_planes.data() + row * image.height;
+        const uint8_t *cr = cb + row / 2 * (image.height / 2);
+        zkey::PlanesToRgb32({m_planes.data(), cb, cr, row, row / 2}, zkey::kBt601, image.width, image.height,
+                            image.bytes.data(), std::ptrdiff_t{image.width} * 4);
+    }
+
     std::unique_ptr<zkey::MediaReader> m_reader;
+    std::vector<uint8_t> m_planes;
 };
 
 int Compare(const std::string &known, const std::string &matte) {
