@@ -107,6 +107,9 @@ TEST(Parser, CommentsAndDeclarationsVanish) {
     EXPECT_EQ(Read("<?xml version='1.0'?><!-- c --><a>1<!--<b/>-->2<?pi?>3</a>"), "<a>123</a>");
     EXPECT_EQ(Tree("<a>1<!--c-->2</a>")->ChildCount(Children::All), 1U);
     EXPECT_EQ(Read("<a x='<!--c-->1'/>"), "<a x='1'/>");
+    // Two strokes on either side, not one.
+    EXPECT_EQ(Read("<a>1<!-- a->b -->2</a>"), "<a>12</a>");
+    EXPECT_EQ(Read("<a>1<!-x->2</a>"), "<a>1<!-x->2</!-x-></a>");
     // The closing is looked for behind the opening.
     EXPECT_EQ(Read("<!--><a/>--><b/>"), "<b/>");
     EXPECT_EQ(Read("<?><a/>?><b/>"), "<b/>");
