@@ -66,7 +66,7 @@ public:
 
 private:
     void SetUpKeyer() {
-        if (!m_command.keyFile.empty()) m_loaded = m_keyer.LoadKey(m_command.keyFile);
+        if (!m_command.keyFile.empty()) m_loaded = m_keyer.LoadKey(m_command.keyFile, m_command.quiet);
         // This program overlaps reading, keying and writing by itself, and wants each frame's own status.
         m_keyer.SetProp("output.thread", "false");
         int32_t threads = 2;
@@ -336,7 +336,7 @@ ExitStatus RunKeyCommand(const KeyCommand &command) {
     if (!command.input.empty()) return Job(command).Run();
     // Nothing but a key to be saved.
     Keyer keyer;
-    keyer.SetKey(command.keyFile.empty() ? BuildKey(command.key, {}) : keyer.LoadKey(command.keyFile));
+    keyer.SetKey(command.keyFile.empty() ? BuildKey(command.key, {}) : keyer.LoadKey(command.keyFile, command.quiet));
     keyer.SaveKey(command.saveKey);
     return kExitDone;
 }

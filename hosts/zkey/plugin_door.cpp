@@ -8,7 +8,9 @@
 
 #include "hosts/zkey/failure.h"
 #include "hosts/zkey/frame_format.h"
+#include "hosts/zkey/key_doubts.h"
 #include "hosts/zkey/obstacles.h"
+#include "hosts/zkey/progress.h"
 #include "hosts/zkey/system.h"
 #include "hosts/zkey/text.h"
 
@@ -21,6 +23,17 @@ void Require(HRESULT status, const std::string &what) {
 
 /// The keyer drops a frame when its output thread has been busy for this long, and says so by no more than S_FALSE.
 constexpr std::chrono::milliseconds kDropTime{1000};
+
+/// Far more than the text of any key.
+std::string StartOf(const std::string &path) {
+    constexpr std::size_t kMost = std::size_t{1} << 24;
+    std::string bytes(std::min(kMost, static_cast<std::size_t>(SizeOf(path))), '\0');
+    std::FILE *file = OpenFile(path, "rb");
+    if (file == nullptr) return {};
+    bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file));
+    std::fclose(file);
+    return bytes;
+}
 
 }    // namespace
 
@@ -79,17 +92,21 @@ std::optional<std::string> Keyer::Prop(const std::string &name) {
 
 void Keyer::SetKey(CHROMA_KEY_RAW key) { Require(m_key->KeyRawSet(&key), "cannot set the key"); }
 
-CHROMA_KEY_RAW Keyer::LoadKey(const std::string &path) {
+CHROMA_KEY_RAW Keyer::LoadKey(const std::string &path, bool quiet) {
+    if (IsFolder(path)) Fail(path + " is no saved key: it is a folder");
     // A text that is no file's name is taken for the key itself, so the file is looked at here.
     RequireFile(path);
+    const KeyDoubts doubts = FindKeyDoubts(IsFile(path) ? StartOf(path) : "");
+    if (!quiet) {
+        for (const std::string &line : doubts.warnings) Note(path + ": " + line);
+    }
+    if (!doubts.refusal.empty()) Fail(path + doubts.refusal);
     const HRESULT status = m_persist->PersistLoad(nullptr, Counted(path).get(), nullptr);
-    if (status == E_INVALIDARG) Fail(path + " is no saved key: it is not XML");
+    if (status == E_INVALIDARG) Fail(path + " is no saved key: " + kNoXml);
     Require(status, "cannot read the key " + path);
     CHROMA_KEY_RAW key{};
     Require(m_key->KeyRawGet(&key), "cannot read the key " + path);
-    if (key.nKeysUsed < 1) {
-        Fail(path + " is no saved key: it has no m_config element whose \"keys\" is 1 or more, as zkey --save-key writes it");
-    }
+    if (key.nKeysUsed < 1) Fail(path + " is no saved key: " + kNoConfig);
     if (key.eType != eCKT_RGB && key.eType != eCKT_HLS && key.eType != eCKT_YUV) {
         Fail(path + ": the type " + std::to_string(key.eType) + " of its key keys nothing; 2 is RGB, 3 HLS, 4 YUV");
     }

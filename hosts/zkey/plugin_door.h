@@ -23,8 +23,9 @@ public:
     void SetProp(const std::string &name, const std::string &value);
     std::optional<std::string> Prop(const std::string &name);
     void SetKey(CHROMA_KEY_RAW key);
-    /// Takes the key from a file that was saved. Ends the program with a line that names the file when there is no key in it.
-    CHROMA_KEY_RAW LoadKey(const std::string &path);
+    /// Takes the key from a file that was saved. Ends the program with a line that names the file when there is no key in it,
+    /// or only a part of one. Unless `quiet`, notes what else is doubtful in it.
+    CHROMA_KEY_RAW LoadKey(const std::string &path, bool quiet);
     void SaveKey(const std::string &path);
     /// Names and values of all properties that the keyer keeps.
     std::vector<std::pair<std::string, std::string>> Props();
