@@ -54,7 +54,8 @@ The key. Without --color the screen is looked for at the border of the pictures,
   -s, --softness N    how wide the passage from transparent to solid is, 0 to 255 (40). 0 gives a hard edge;
                       raise it for hair, smoke and motion blur. A screen that was found has a softness for each
                       of its colours: N replaces all of them, +N and -N change them by so much
-      --reverse       this colour is protected: it stays, whatever the other colours say
+      --reverse       this colour is protected: it stays, whatever the other colours say. Its softness is 4 unless
+                      given: a wide one brings a veil of the screen back
       --spill POWER[:CHROMA[:LUMA]]
                       takes the screen's light off the figure's edge, in percent (25 for a screen that was found, 0 for
                       colours that were given). POWER: how much of the screen's colour goes, and how far from the

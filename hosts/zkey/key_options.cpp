@@ -266,8 +266,8 @@ KeyOptions Completed(const KeyOptions &options, const std::vector<ScreenKey> &sc
     }
     for (const KeyEntry &entry : entries) {
         if (entry.colour || screen.empty()) {
-            out.entries.push_back(
-                Complete(entry, *out.type, {0, SpreadTolerance(*out.type, kDefaultTolerance), kDefaultSoftness}));
+            const int32_t softness = Protects(entry) ? kDefaultReverseSoftness : kDefaultSoftness;
+            out.entries.push_back(Complete(entry, *out.type, {0, SpreadTolerance(*out.type, kDefaultTolerance), softness}));
         } else {
             for (const ScreenKey &part : screen) out.entries.push_back(Complete(entry, *out.type, part));
         }

@@ -63,6 +63,8 @@ struct ScreenKey {
 inline constexpr eCK_Type kDefaultKeyType = eCKT_YUV;
 inline constexpr int32_t kDefaultTolerance = 24;
 inline constexpr int32_t kDefaultSoftness = 40;
+/// Of a protected colour: a wide passage would bring a veil of the whole screen back.
+inline constexpr int32_t kDefaultReverseSoftness = 4;
 
 /// The colour as the centre of a key of this type, in the byte order of the record.
 int32_t KeyValue(eCK_Type type, uint32_t colour);

@@ -63,7 +63,7 @@ TEST(KeyOptions, ColoursTakeTheOptionsThatFollowThem) {
     EXPECT_EQ(k.arrKeys[0].nReverseKey, 0);
     EXPECT_EQ(k.arrKeys[0].nAlpha, 0);
     EXPECT_EQ(k.arrKeys[1].nDelta, 0x030201);
-    EXPECT_EQ(k.arrKeys[1].nSmoothRange, kDefaultSoftness);
+    EXPECT_EQ(k.arrKeys[1].nSmoothRange, 4);
     EXPECT_EQ(k.arrKeys[1].nReverseKey, 1);
     EXPECT_EQ(k.arrKeys[1].nAlpha, 9);
     EXPECT_EQ(k.nEdgesSmooth, 3);
@@ -135,6 +135,27 @@ TEST(KeyOptions, SoftnessCanBeChangedFromWhatWasFound) {
     EXPECT_EQ(BuildKey(given, {}).arrKeys[0].nSmoothRange, kDefaultSoftness - 5);
     EXPECT_THROW(o.SetSoftness("+256"), Failure);
     EXPECT_THROW(o.SetSoftness("+-1"), Failure);
+}
+
+TEST(KeyOptions, AProtectedColourIsLessSoftUnlessSaid) {
+    const auto softness = [](auto act) {
+        KeyOptions o = Green();
+        act(o);
+        return BuildKey(o, {}).arrKeys[0].nSmoothRange;
+    };
+    EXPECT_EQ(softness([](KeyOptions &) {}), 40);
+    EXPECT_EQ(softness([](KeyOptions &o) { o.SetReverse(); }), 4);
+    EXPECT_EQ(softness([](KeyOptions &o) { o.SetField("nReverseKey=1"); }), 4);
+    EXPECT_EQ(softness([](KeyOptions &o) {
+                  o.SetReverse();
+                  o.SetSoftness("40");
+              }),
+              40);
+    EXPECT_EQ(softness([](KeyOptions &o) {
+                  o.SetSoftness("+6");
+                  o.SetReverse();
+              }),
+              10);
 }
 
 TEST(KeyOptions, TheScreenFillsInWhereNoColourWasGiven) {
