@@ -47,6 +47,7 @@ public:
         if (SameFile(command.input, command.output)) FailUsage("the output would overwrite the input " + command.input);
         if (IsStill(command.output, command.format)) m_limit = 1;
         if (command.frames > 0 && m_limit == 0) m_limit = command.frames;
+        RequirePictureWithin(command.garbage.value_or(Borders{}));
         SetUpKeyer();
     }
 
@@ -65,6 +66,14 @@ public:
     }
 
 private:
+    void RequirePictureWithin(const Borders &b) const {
+        if (b.left + b.right < m_info.width && b.top + b.bottom < m_info.height) return;
+        const auto text = [](int n) { return std::to_string(n); };
+        FailUsage("--garbage " + text(b.left) + "," + text(b.top) + "," + text(b.right) + "," + text(b.bottom) +
+                  " leaves nothing of the picture, which has " + text(m_info.width) + "x" + text(m_info.height) +
+                  "; the order is left, top, right, bottom");
+    }
+
     void SetUpKeyer() {
         if (!m_command.keyFile.empty()) m_loaded = m_keyer.LoadKey(m_command.keyFile, m_command.quiet);
         // This program overlaps reading, keying and writing by itself, and wants each frame's own status.

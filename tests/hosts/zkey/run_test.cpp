@@ -424,8 +424,14 @@ TEST(Run, GarbageBecomesTransparentAndIsNotLookedAt) {
     EXPECT_EQ(RunProgram(scratch, command).status, kExitFailed);
     EXPECT_EQ(RunProgram(scratch, command + " --garbage 8,8,8,0").status, 0);
     EXPECT_EQ(scratch.Read("out.raw"), Bytes(64 * 32 * 4, 0));
-    EXPECT_EQ(RunProgram(scratch, command + " --garbage 99,99,99,99 -c C00000").status, 0);
-    EXPECT_EQ(scratch.Read("out.raw"), Bytes(64 * 32 * 4, 0));
+    // What leaves nothing is a slip.
+    for (const char *all : {"99,0,0,0", "32,0,32,0", "0,0,0,32", "1,16,1,16"}) {
+        const Outcome run = RunProgram(scratch, command + " -c C00000 --garbage " + all);
+        EXPECT_EQ(run.status, kExitUsage) << all;
+        EXPECT_NE(run.error.find(std::string(all) + " leaves nothing of the picture, which has 64x32"), std::string::npos)
+            << run.error;
+    }
+    EXPECT_EQ(RunProgram(scratch, command + " -c C00000 --garbage 32,0,31,31").status, 0);
 }
 
 TEST(Run, APictureThatLooksLikeNoScreenIsNotKeyedWithoutAWord) {
