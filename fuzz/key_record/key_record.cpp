@@ -31,7 +31,7 @@ struct Case {
 
 Case CaseOf(const uint8_t *data, size_t size) {
     uint8_t header[kHeader] = {};
-    std::memcpy(header, data, std::min(size, kHeader));
+    if (size != 0) std::memcpy(header, data, std::min(size, kHeader));
     Case made;
     made.props.fccType = kFormats[header[0] % std::size(kFormats)];
     made.props.nWidth = 1 + header[1] % 80;
