@@ -96,7 +96,7 @@ Without names: all properties of the keyer with their values, kinds, defaults an
   NAME                 shows this one
   NAME=VALUE           checks the value and shows what the keyer makes of it
   NAME=VALUE --store   keeps the value for the next time, for all programs of this user that use the keyer
-  NAME --forget        lets go of what was kept
+  NAME --forget        lets go of what was kept, also of a name that the keyer does not know
 
 zkey key --prop NAME=VALUE sets a property for one run.
 )";

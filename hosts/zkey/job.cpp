@@ -12,6 +12,7 @@
 #include "hosts/zkey/padding.h"
 #include "hosts/zkey/plugin_door.h"
 #include "hosts/zkey/progress.h"
+#include "hosts/zkey/properties.h"
 #include "hosts/zkey/screen_guess.h"
 #include "hosts/zkey/screen_samples.h"
 #include "hosts/zkey/stored_props.h"
@@ -74,7 +75,16 @@ private:
                   "; the order is left, top, right, bottom");
     }
 
+    void NoteStored() {
+        auto kept = m_keyer.Props();
+        // This one is set in any case.
+        std::erase_if(kept,
+                      [&](const auto &p) { return SameWord(p.first, "output.thread") || m_command.Prop(p.first) != nullptr; });
+        if (const std::string line = StoredInForce(kept); !line.empty()) Note(line);
+    }
+
     void SetUpKeyer() {
+        if (!m_command.quiet) NoteStored();
         if (!m_command.keyFile.empty()) m_loaded = m_keyer.LoadKey(m_command.keyFile, m_command.quiet);
         // This program overlaps reading, keying and writing by itself, and wants each frame's own status.
         m_keyer.SetProp("output.thread", "false");

@@ -96,6 +96,21 @@ const Property *FindProperty(std::string_view name) {
     return nullptr;
 }
 
+std::string StoredInForce(const std::vector<std::pair<std::string, std::string>> &kept) {
+    std::string out;
+    for (const auto &[name, value] : kept) {
+        const Property *p = FindProperty(name);
+        if (p != nullptr && SameWord(p->byDefault, value)) continue;
+        out += (out.empty() ? "" : ", ") + name + "=" + value;
+        if (p == nullptr) {
+            out += " (unknown)";
+        } else if (!p->readOnly && !kProperties[static_cast<std::size_t>(p - kTable.data())].accepts(value)) {
+            out += " (does not suit it)";
+        }
+    }
+    return out.empty() ? out : "stored properties in force: " + out + " (zkey props NAME --forget takes them back)";
+}
+
 void CheckProperty(const std::string &option, const std::string &name, const std::string &value) {
     const Property *property = FindProperty(name);
     if (property == nullptr) FailUsage(option + ": the keyer has no property \"" + name + "\"; it has " + SettableNames());

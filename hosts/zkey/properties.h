@@ -3,6 +3,8 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace zkey {
 
@@ -18,6 +20,10 @@ struct Property {
 const Property *PropertyTable();
 /// Null for a name that the keyer does not know. Letters are compared without regard to case.
 const Property *FindProperty(std::string_view name);
+
+/// One line about stored properties that a fresh keyer has and that say other than by default, or that are nonsense; nothing
+/// when there are none. `kept` is what the keyer keeps, without what the command line sets anyway.
+std::string StoredInForce(const std::vector<std::pair<std::string, std::string>> &kept);
 
 /// Ends the program with a usage line that starts with `option` when the keyer has no such property, when it cannot be set, or
 /// when the value makes no sense for it.

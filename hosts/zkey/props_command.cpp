@@ -33,12 +33,16 @@ Request Parse(const std::vector<std::string> &arguments) {
         } else {
             const std::size_t equals = a.find('=');
             const std::string name = a.substr(0, equals);
-            if (FindProperty(name) == nullptr) CheckProperty("props", name, "");
-            r.props.emplace_back(FindProperty(name)->name, std::nullopt);
+            const Property *p = FindProperty(name);
+            r.props.emplace_back(p == nullptr ? name : p->name, std::nullopt);
             if (equals == std::string::npos) continue;
             r.props.back().second = a.substr(equals + 1);
             CheckProperty("props", name, *r.props.back().second);
         }
+    }
+    // A name that the keyer does not know can be a leftover to be forgotten.
+    for (const auto &[name, value] : r.props) {
+        if (FindProperty(name) == nullptr && !(r.forget && StoredProperty(name))) CheckProperty("props", name, "");
     }
     const auto has = [&](bool value) {
         return std::any_of(r.props.begin(), r.props.end(), [&](const auto &p) { return p.second.has_value() == value; });
@@ -68,7 +72,8 @@ std::string Describe(const Property &p, const std::string &value) {
 std::string Change(const Request &r) {
     std::string out;
     for (const auto &[name, value] : r.props) {
-        if (FindProperty(name)->readOnly) FailUsage("--forget: " + name + " can only be read");
+        const Property *p = FindProperty(name);
+        if (p != nullptr && p->readOnly) FailUsage("--forget: " + name + " can only be read");
         const bool was = StoreProperty(name, value);
         if (value) {
             out += name + "=" + *value + " is stored in " + StoredPlace() + "\n";

@@ -88,6 +88,38 @@ TEST(Props, StoredOnesAreThereNextTimeAndCanBeForgotten) {
     EXPECT_EQ(StoredProperty("background"), "C:\\tmp\\a=b #1.png");
 }
 
+TEST(Props, StoredOnesInForceAreTold) {
+    EXPECT_EQ(StoredInForce({{"process.threads", "2"}, {"OUTPUT.thread", "True"}}), "");
+    EXPECT_EQ(StoredInForce({{"keying.borders", "100 100 100 100"}, {"process.threads", "99"}, {"other.name", "1"}}),
+              "stored properties in force: keying.borders=100 100 100 100, process.threads=99 (does not suit it), other.name=1 "
+              "(unknown) (zkey props NAME --forget takes them back)");
+    const zck::test::SettingsPlace place(ZCK_TEXT("Software\\Orvane\\Quorvex\\ZChromaKey"));
+    StoreProperty("keying.borders", "1 2 3 4");
+    StoreProperty("output.thread", "false");
+    EXPECT_EQ(StoredInForce(Keyer().Props()).find("stored properties in force: "), 0U);
+    if (place.Folder().empty()) {
+        std::printf("settings lie in the registry here: the program does not see this process's own\n");
+        return;
+    }
+    const Scratch scratch;
+    const std::string command = "key " + scratch.Write("in.raw", std::vector<uint8_t>(16 * 16 * 4, 200)) +
+                                " --raw RGB32:16x16 -c green -o " + scratch.Path("out.raw");
+    EXPECT_EQ(RunProgram(scratch, command).error,
+              "zkey: stored properties in force: keying.borders=1 2 3 4 (zkey props NAME --forget takes them back)\n");
+    EXPECT_EQ(RunProgram(scratch, command + " -q").error, "");
+    EXPECT_EQ(RunProgram(scratch, command + " --prop keying.borders=0").error, "");
+}
+
+TEST(Props, LeftoverNamesCanBeForgotten) {
+    const zck::test::SettingsPlace place(ZCK_TEXT("Software\\Orvane\\Quorvex\\ZChromaKey"));
+    StoreProperty("old.name", "1");
+    EXPECT_THROW(RunPropsCommand({"old.name"}), Failure);
+    EXPECT_EQ(StoredProperty("old.name"), "1");
+    EXPECT_EQ(RunPropsCommand({"Old.name", "--forget"}), kExitDone);
+    EXPECT_FALSE(StoredProperty("old.name"));
+    EXPECT_THROW(RunPropsCommand({"old.name", "--forget"}), Failure);
+}
+
 TEST(Props, TheFileKeepsWhatElseIsInIt) {
     const zck::test::SettingsPlace place(ZCK_TEXT("Software\\Orvane\\Quorvex\\ZChromaKey"));
     if (place.Folder().empty()) {
