@@ -56,7 +56,7 @@ public:
         std::optional<Passage> first = NextFrame();
         if (!first) {
             if (Interrupted()) return kExitInterrupted;
-            Fail(m_command.input + " holds no picture");
+            Fail(m_command.input + (m_command.raw ? " is empty" : m_info.still ? " is damaged" : " holds no picture"));
         }
         SetUpKey(*first);
         if (!m_command.output.empty()) SetUpOutput();
@@ -213,7 +213,8 @@ private:
     void SetUpOutput() {
         m_finish = WantedFinish();
         if (m_finish == Finish::Over) m_background = OpenBackground(m_command.over, m_info.width, m_info.height);
-        if (m_limit == 1 && IsStill(m_command.output, m_command.format) && !m_info.still && !m_command.quiet) {
+        if (m_limit == 1 && IsStill(m_command.output, m_command.format) && !m_info.still && m_command.frames != 1 &&
+            !m_command.quiet) {
             Note(m_command.output +
                  " is one picture, so only the first frame is keyed; a name with %04d in it makes a sequence");
         }

@@ -2,6 +2,7 @@
 
 #include "hosts/zkey/failure.h"
 #include "hosts/zkey/libav/clip.h"
+#include "hosts/zkey/obstacles.h"
 
 namespace zkey {
 namespace {
@@ -54,6 +55,7 @@ private:
 }    // namespace
 
 std::unique_ptr<Background> OpenFileBackground(const std::string &path, int width, int height) {
+    RequireFile(path);
     return std::make_unique<FileBackground>(path, width, height);
 }
 

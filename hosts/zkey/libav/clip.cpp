@@ -25,11 +25,12 @@ bool IsPicture(const AVFormatContext *format, const std::string &path) {
 
 }    // namespace
 
-Clip::Clip(const std::string &path, bool audio) : m_path(path), m_frame(av_frame_alloc()), m_packet(av_packet_alloc()) {
+Clip::Clip(const std::string &path, bool audio, const char *hint)
+    : m_path(path), m_frame(av_frame_alloc()), m_packet(av_packet_alloc()) {
     av_log_set_level(AV_LOG_FATAL);
     int error = avformat_open_input(&m_format, path.c_str(), nullptr, nullptr);
     if (error < 0) {
-        Fail(error == AVERROR_INVALIDDATA ? path + " is no clip or picture that can be read; raw frames need --raw FORMAT:WxH"
+        Fail(error == AVERROR_INVALIDDATA ? path + " is no clip or picture that can be read" + hint
                                           : "cannot open " + path + ": " + LibavError(error));
     }
     try {
@@ -59,7 +60,10 @@ void Clip::Describe(bool audio) {
 
     m_info.width = m_decoder->width;
     m_info.height = m_decoder->height;
-    if (m_info.width < 1 || m_info.height < 1) Fail(m_path + " holds no picture that can be read");
+    if (m_info.width < 1 || m_info.height < 1) {
+        Fail(m_path +
+             (IsPicture(m_format, m_path) ? " is damaged, or no picture at all" : " holds no picture that can be read"));
+    }
     const AVRational rate = SteadyRate(m_format, m_stream);
     const AVRational mean = m_stream->avg_frame_rate;
     m_steady = mean.num <= 0 || mean.den <= 0 || std::fabs(av_q2d(mean) / av_q2d(rate) - 1) < 0.01;

@@ -10,7 +10,8 @@ namespace zkey {
 
 class Clip {
 public:
-    Clip(const std::string &path, bool audio);
+    /// `hint` ends the line that tells of a file which is none of FFmpeg's.
+    Clip(const std::string &path, bool audio, const char *hint = "");
     ~Clip();
     Clip(const Clip &) = delete;
     Clip &operator=(const Clip &) = delete;

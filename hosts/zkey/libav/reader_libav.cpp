@@ -11,7 +11,7 @@ eZInterlace ScanOf(const AVFrame &f) {
 
 class LibavReader : public MediaReader {
 public:
-    LibavReader(const std::string &path, bool audio) : m_clip(path, audio) {}
+    LibavReader(const std::string &path, bool audio) : m_clip(path, audio, "; raw frames need --raw FORMAT:WxH") {}
 
     const SourceInfo &Info() const override { return m_clip.Info(); }
 

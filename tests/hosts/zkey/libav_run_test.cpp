@@ -139,7 +139,34 @@ TEST(LibavRun, AStillOfAClipIsItsFirstFrame) {
     const Outcome run = RunProgram(scratch, "key " + SceneClip(scratch, "in.mp4") + " -c green -o " + scratch.Path("out.png"));
     EXPECT_EQ(run.status, 0);
     EXPECT_NE(run.error.find("only the first frame"), std::string::npos) << run.error;
+    const Outcome one =
+        RunProgram(scratch, "key " + scratch.Path("in.mp4") + " -c green --frames 1 -o " + scratch.Path("out.png"));
+    EXPECT_EQ(one.status, 0);
+    EXPECT_EQ(one.error, "");
     EXPECT_EQ(Decode(scratch.Path("out.png")).frames, 1);
+}
+
+TEST(LibavRun, FilesThatCannotBeReadAreNamedAsWhatTheyAre) {
+    const Scratch scratch;
+    const std::string clip = SceneClip(scratch, "in.mp4");
+    EXPECT_EQ(RunProgram(scratch, "key " + clip + " -c green -o " + scratch.Path("out.png")).status, 0);
+    Bytes picture = scratch.Read("out.png");
+    picture.resize(picture.size() / 2);
+    const std::string part = scratch.Write("part.png", picture);
+    picture.resize(20);
+    const struct {
+        std::string arguments;
+        const char *says;
+    } cases[] = {{scratch.Write("cut.png", picture) + " -c green", "cut.png is damaged, or no picture at all"},
+                 {part + " -c green", "part.png is damaged\n"},
+                 {scratch.Write("text.junk", Bytes(5000, 'x')) + " -c green", "raw frames need --raw"},
+                 {clip + " -c green --over " + scratch.Write("empty.png", {}), "empty.png is empty\n"},
+                 {clip + " -c green --over " + scratch.Path("text.junk"), "is no clip or picture that can be read\n"}};
+    for (const auto &c : cases) {
+        const Outcome run = RunProgram(scratch, "key " + c.arguments + " -o " + scratch.Path("x.mp4"));
+        EXPECT_EQ(run.status, kExitFailed);
+        EXPECT_NE(run.error.find(c.says), std::string::npos) << run.error;
+    }
 }
 
 TEST(LibavRun, CompositesAndMattesGoToOpaqueClips) {

@@ -374,6 +374,7 @@ TEST(Run, EndsWithOneLineAndAStatus) {
         {"key " + grey + raw + out, kExitFailed, "no green or blue screen"},
         {"key " + green + raw + " -o " + scratch.Path("no/folder/out.raw"), kExitFailed, "there is no folder"},
         {"key " + scratch.Write("empty.raw", {}) + raw + out, kExitFailed, "is empty"},
+        {"key -" + raw + out + " <" + scratch.Path("empty.raw"), kExitFailed, "- is empty"},
         {"key " + scratch.Write("text.y4m", {'h', 'i', '\n'}) + out, kExitFailed, "no YUV4MPEG2"},
     };
     for (const auto &c : cases) {
