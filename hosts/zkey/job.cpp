@@ -26,6 +26,7 @@ namespace {
 struct Passage {
     Ref<IZFrame> frame;
     int64_t time = 0;
+    std::optional<Borders> borders = {};    ///< left unkeyed, counted from the edges of the frame
 };
 
 constexpr std::size_t kFramesBetween = 3;    // enough to even out a slow frame; a frame can have 33 MB
@@ -102,6 +103,7 @@ private:
         if (const auto set = m_keyer.Prop("process.threads")) ParseWhole(*set, threads);
         if (threads < 1) FailUsage("--prop process.threads: give 1 to 16");
         m_threads = std::min(threads, 16);
+        if (!m_command.exact) m_borders = BordersFromText(m_keyer.Prop("keying.borders").value_or(""));
         if (m_command.exact && (m_info.width < kLeastExactWidth || m_info.height < m_threads)) {
             Fail("--exact: the size " + std::to_string(m_info.width) + "x" + std::to_string(m_info.height) +
                  " is too small, the engine keys blocks of " + std::to_string(kLeastExactWidth) + " pixels and at least " +
@@ -127,9 +129,12 @@ private:
         PictureSize size{m_info.width, m_info.height};
         if (!m_command.exact)
             size = PaddedSize(m_info.width, m_info.height, m_threads, IsInterlaced(arrival.scan), arrival.fcc);
+        std::optional<Borders> borders;
+        if (m_borders)
+            borders = PaddedBorders(*m_borders, {m_info.width, m_info.height}, m_threads, IsInterlaced(arrival.scan), size);
         const Z_VID_PROPS props = DescribeFrame(arrival.fcc, size.width, size.height, arrival.scan, m_info.rate.Value());
         uint8_t *pixels = nullptr;
-        Passage passage{m_keyer.NewFrame(props, pixels), arrival.time};
+        Passage passage{m_keyer.NewFrame(props, pixels), arrival.time, borders};
         reader.Store(pixels, props);
         RepeatEdges(pixels, props, m_info.width, m_info.height);
         return passage;
@@ -288,10 +293,14 @@ private:
         const auto deliver = [&](Ref<IZFrame> keyed) {
             const int64_t time = times.front();
             times.pop_front();
-            return m_keyed.Push({std::move(keyed), time});
+            return m_keyed.Push({std::move(keyed), time, {}});
         };
         while (std::optional<Passage> next = m_arrived.Pop()) {
             times.push_back(next->time);
+            if (const auto &b = next->borders) {
+                m_keyer.SetProp("keying.borders", std::to_string(b->left) + " " + std::to_string(b->top) + " " +
+                                                      std::to_string(b->right) + " " + std::to_string(b->bottom));
+            }
             Ref<IZFrame> keyed = m_keyer.Key(next->frame.get());
             if (keyed && !deliver(std::move(keyed))) return;
         }
@@ -333,6 +342,7 @@ private:
     SourceInfo m_info;
     Keyer m_keyer;
     std::optional<CHROMA_KEY_RAW> m_loaded;    ///< a saved key
+    std::optional<Borders> m_borders;          ///< keying.borders as the user has it
     int32_t m_threads = 2;
     int64_t m_limit = 0;
     int64_t m_read = 0;

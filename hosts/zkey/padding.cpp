@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <string_view>
+
+#include "hosts/zkey/text.h"
 
 namespace zkey {
 namespace {
@@ -89,7 +92,39 @@ void RepeatPlanes(uint8_t *pixels, const Z_VID_PROPS &props, int32_t width, int3
     if (f.chromaStep == 1) RepeatPlane(std::max(f.cb, f.cr), f.chromaRow, 1, inner, outer);
 }
 
+/// Where an inside that starts at `from` ends: at `to` less the border, in whole steps.
+int32_t InsideEnd(int32_t from, int32_t to, int32_t border, int32_t step) {
+    const int32_t length = std::max(to - border - from, 1);
+    return from + (border > 0 ? std::max(length / step, 1) * step : RoundUp(length, step));
+}
+
 }    // namespace
+
+std::optional<Borders> BordersFromText(const std::string &text) {
+    constexpr const char *kSeparators = " ,;\t\r\n";
+    int32_t n[4] = {};
+    int count = 0;
+    for (std::size_t at = 0; count < 4 && (at = text.find_first_not_of(kSeparators, at)) != std::string::npos;) {
+        const std::size_t end = std::min(text.find_first_of(kSeparators, at), text.size());
+        ParseWhole(std::string_view(text).substr(at, end - at), n[count++]);
+        at = end;
+    }
+    if (std::all_of(n, n + 4, [](int32_t v) { return v == 0; })) return std::nullopt;
+    if (count == 1) return Borders{n[0], n[0], n[0], n[0]};
+    if (count == 2) return Borders{n[0], n[1], n[0], n[1]};
+    if (count == 3) return Borders{n[0], n[1], n[0], n[2]};
+    return Borders{n[0], n[1], n[2], n[3]};
+}
+
+Borders PaddedBorders(const Borders &asked, PictureSize picture, int32_t threads, bool interlaced, PictureSize &padded) {
+    const int32_t rows = std::clamp(threads, 1, 16) * (interlaced ? 2 : 1);
+    const int32_t left = RoundUp(std::min(asked.left, picture.width - 1), 8);
+    const int32_t top = RoundUp(std::min(asked.top, picture.height - 1), interlaced ? 2 : 1);
+    const int32_t right = InsideEnd(left, picture.width, asked.right, 16);
+    const int32_t bottom = InsideEnd(top, picture.height, asked.bottom, rows);
+    padded = {std::max(padded.width, RoundUp(right, 16)), std::max(padded.height, RoundUp(bottom, 2 * rows))};
+    return {left, top, padded.width - right, padded.height - bottom};
+}
 
 PictureSize PaddedSize(int32_t width, int32_t height, int32_t threads, bool interlaced, eZFCC fcc) {
     int32_t rows = std::clamp(threads, 1, 16) * (interlaced ? 2 : 1);

@@ -33,6 +33,40 @@ TEST(Padding, SizesAreMultiplesOfBlocksAndThreads) {
     }
 }
 
+TEST(Padding, BordersAreReadInAllForms) {
+    const auto text = [](const char *t) {
+        const auto b = BordersFromText(t);
+        return b ? std::vector<int>{b->left, b->top, b->right, b->bottom} : std::vector<int>{};
+    };
+    EXPECT_EQ(text("16"), (std::vector<int>{16, 16, 16, 16}));
+    EXPECT_EQ(text("1,2"), (std::vector<int>{1, 2, 1, 2}));
+    EXPECT_EQ(text(" 1; 2\t3"), (std::vector<int>{1, 2, 1, 3}));
+    EXPECT_EQ(text("1 2 3 4 5"), (std::vector<int>{1, 2, 3, 4}));
+    EXPECT_EQ(text("0 0 0 0"), std::vector<int>{});
+    EXPECT_EQ(text(" "), std::vector<int>{});
+}
+
+TEST(Padding, WhatBordersLeaveIsWholeBlocks) {
+    for (const bool interlaced : {false, true}) {
+        for (int32_t threads = 1; threads <= 16; threads += 3) {
+            for (int32_t border = 0; border < 60; ++border) {
+                const PictureSize picture{53, 47};
+                PictureSize padded = PaddedSize(picture.width, picture.height, threads, interlaced, eZFCC_RGB32);
+                const Borders b =
+                    PaddedBorders({border, border, 59 - border, border / 2}, picture, threads, interlaced, padded);
+                EXPECT_EQ(b.left % 8, 0);
+                EXPECT_EQ((padded.width - b.left - b.right) % 16, 0);
+                EXPECT_GT(padded.width - b.left - b.right, 0);
+                EXPECT_EQ((padded.height - b.top - b.bottom) % (threads * (interlaced ? 2 : 1)), 0);
+                EXPECT_GT(padded.height - b.top - b.bottom, 0);
+                EXPECT_EQ(padded.width % 16, 0);
+                EXPECT_GE(b.right, 0);
+                EXPECT_GE(b.bottom, 0);
+            }
+        }
+    }
+}
+
 /// A frame whose rows and columns beyond the picture hold rubbish, then repeated.
 std::vector<uint8_t> Padded(const Z_VID_PROPS &props, int width, int height, const std::vector<std::vector<uint8_t>> &rows) {
     std::vector<uint8_t> bytes(static_cast<std::size_t>(FrameBytes(props)), 0xEE);

@@ -435,6 +435,39 @@ TEST(Run, GarbageBecomesTransparentAndIsNotLookedAt) {
     EXPECT_EQ(RunProgram(scratch, command + " -c C00000 --garbage 32,0,31,31").status, 0);
 }
 
+TEST(Run, BordersLeaveNoStripUnkeyed) {
+    const Scratch scratch;
+    constexpr std::size_t kWidth = 44, kHeight = 21;
+    Bytes picture(kWidth * kHeight * 4, 0);
+    for (std::size_t i = 2; i < picture.size(); i += 4) {
+        picture[i] = 0xC0;
+        picture[i + 1] = 255;
+    }
+    scratch.Write("in.raw", picture);
+    struct Case {
+        const char *borders;
+        std::size_t left, top, right, bottom;
+    };
+    // Inwards to whole blocks of 16 pixels from a multiple of 8, and to rows for all of three threads.
+    const Case cases[] = {{"8 2 12 3", 8, 2, 24, 17},   {"5 1 0 0", 8, 1, 44, 21}, {"0 0 0 1", 0, 0, 44, 18},
+                          {"0 0 1 0", 0, 0, 32, 21},    {"3", 8, 3, 40, 18},       {"8,1", 8, 1, 24, 19},
+                          {"20 9 20 9", 24, 9, 40, 12}, {"0 3", 0, 3, 44, 18}};
+    for (const Case &c : cases) {
+        const Outcome run = RunProgram(scratch, "key " + scratch.Path("in.raw") + " --raw RGB32:44x21 -c C00000 -q -o " +
+                                                    scratch.Path("out.raw") +
+                                                    " --prop process.threads=3 --prop \"keying.borders=" + c.borders + "\"");
+        ASSERT_EQ(run.status, 0) << run.error;
+        const Bytes keyed = scratch.Read("out.raw");
+        ASSERT_EQ(keyed.size(), picture.size());
+        for (std::size_t y = 0; y < kHeight; ++y) {
+            for (std::size_t x = 0; x < kWidth; ++x) {
+                const bool inside = x >= c.left && x < c.right && y >= c.top && y < c.bottom;
+                ASSERT_EQ(keyed[4 * (y * kWidth + x) + 3] == 0, inside) << x << ", " << y << " of " << c.borders;
+            }
+        }
+    }
+}
+
 TEST(Run, APictureThatLooksLikeNoScreenIsNotKeyedWithoutAWord) {
     const Scratch scratch;
     // A dull green lawn at less than half of the border.
