@@ -85,7 +85,7 @@ TEST_F(SavedKey, WhatIsDoubtfulInItIsSaid) {
         std::string root;
         std::string key;
         const char *says;
-    } cases[] = {{root, key + "smoth='30'", "hand.xml: key 1: unknown attribute \"smoth\"\n"},
+    } cases[] = {{root, key + "smoth='30'", "hand.xml: key 1: unknown attribute \"smoth\""},
                  {root + " inverted='1'", key, "m_config: unknown attribute \"inverted\""},
                  {root, "value='0x0099ZZ92' delta='1'", "key 1: value=\"0x0099ZZ92\" is no number as 0x"},
                  {root, "value='#2998B0' delta='1'", "value=\"#2998B0\" is no number"},
