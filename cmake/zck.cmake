@@ -52,6 +52,14 @@ function(zck_test name)
   set_tests_properties(${name} PROPERTIES LABELS "${ARG_LABELS}" TIMEOUT 900)
 endfunction()
 
+# zck_library_beside(<target>): on Windows a program finds the library in its own folder.
+function(zck_library_beside target)
+  if(WIN32)
+    add_custom_command(TARGET ${target} POST_BUILD
+        COMMAND ${CMAKE_COMMAND} -E copy_if_different $<TARGET_FILE:zchromakey> $<TARGET_FILE_DIR:${target}>)
+  endif()
+endfunction()
+
 # Flags that every target takes.
 function(zck_compile target)
   target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
