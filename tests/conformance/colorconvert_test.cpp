@@ -3,13 +3,13 @@
 
 #include <algorithm>
 #include <optional>
-#include <random>
 #include <string>
 #include <vector>
 
 #include "imaging/colour/color_convert.h"
 #include "imaging/colour/normalize_rects.h"
 #include "platform/processor.h"
+#include "tests/conformance/dice.h"
 #include "tests/conformance/media_model.h"
 #include "tests/conformance/picture_model.h"
 
@@ -26,24 +26,6 @@ constexpr HRESULT kBadMedia = static_cast<HRESULT>(0x80040248);
 constexpr size_t kGuard = 80;
 constexpr eZFCC kTable[] = {eZFCC_YVYU, eZFCC_I420,  eZFCC_YV12,  eZFCC_YUY2,  eZFCC_UYVY,
                             eZFCC_HDYC, eZFCC_RGB24, eZFCC_RGB32, eZFCC_ARGB32};
-
-class Dice {
-public:
-    explicit Dice(uint32_t seed) : m_random(seed) {}
-    int32_t operator()(int32_t least, int32_t most) {
-        return least + static_cast<int32_t>(m_random() % static_cast<uint32_t>(most - least + 1));
-    }
-    Bytes Noise(size_t n) {
-        Bytes bytes(n);
-        const int32_t kind = (*this)(0, 3);
-        for (uint8_t &b : bytes)
-            b = static_cast<uint8_t>(kind == 0 ? m_random() % 4 : kind == 1 ? 255 - m_random() % 4 : m_random());
-        return bytes;
-    }
-
-private:
-    std::mt19937 m_random;
-};
 
 std::string Text(const tagRECT &r) {
     return "(" + std::to_string(r.left) + " " + std::to_string(r.top) + " " + std::to_string(r.right) + " " +
@@ -156,8 +138,8 @@ struct Job {
 int32_t RowPixelsOf(const Shape &s) { return static_cast<int32_t>(Pixels(s.fcc, s.row)); }
 
 void Compare(const Job &run, Dice &dice, ImgConvertState &state) {
-    const Bytes src = dice.Noise(BytesOf(run.from));
-    const Bytes before = dice.Noise(BytesOf(run.to) + 2 * kGuard);
+    const Bytes src = dice.NoiseOrLimits(BytesOf(run.from));
+    const Bytes before = dice.NoiseOrLimits(BytesOf(run.to) + 2 * kGuard);
     Bytes want(before.begin() + kGuard, before.end() - kGuard);
     const HRESULT should = PictureModel(src, run.from, want, run.to, AddressOf(run.src), AddressOf(run.dst));
     for (const zck::KernelLevel level : {zck::KernelLevel::Reference, zck::KernelLevel::Avx2}) {

@@ -2,15 +2,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
-#include <random>
 #include <string>
 
 #include "imaging/colour/planar_image.h"
 #include "imaging/colour/planar_plan.h"
 #include "imaging/convert/copy_frame.h"
 #include "imaging/convert/img_convert.h"
-#include "platform/processor.h"
+#include "tests/conformance/both_levels.h"
+#include "tests/conformance/dice.h"
 #include "tests/conformance/media_model.h"
 #include "tests/conformance/picture_model.h"
 
@@ -27,31 +26,7 @@ constexpr size_t kGuard = 64;
 constexpr eZFCC kHalves[] = {eZFCC_I420, eZFCC_YV12, eZFCC_NV12};
 constexpr eZFCC kFull[] = {eZFCC_YUY2, eZFCC_YVYU, eZFCC_UYVY, eZFCC_HDYC, eZFCC_RGB24, eZFCC_RGB32, eZFCC_ARGB32};
 
-class Dice {
-public:
-    explicit Dice(uint32_t seed) : m_random(seed) {}
-    int32_t operator()(int32_t least, int32_t most) {
-        return least + static_cast<int32_t>(m_random() % static_cast<uint32_t>(most - least + 1));
-    }
-    Bytes Noise(size_t n) {
-        Bytes bytes(n);
-        for (uint8_t &b : bytes) b = static_cast<uint8_t>(m_random());
-        return bytes;
-    }
-
-private:
-    std::mt19937 m_random;
-};
-
 Shape ShapeOf(const Z_VID_PROPS &p) { return {p.fccType, p.nWidth, p.nHeight, p.nRowBytes}; }
-
-void BothLevels(const std::function<void()> &run) {
-    for (const zck::KernelLevel level : {zck::KernelLevel::Reference, zck::KernelLevel::Avx2}) {
-        zck::KernelLevelLimit(level);
-        run();
-        ASSERT_FALSE(testing::Test::HasFatalFailure()) << (level == zck::KernelLevel::Avx2 ? "vector" : "reference") << " rows";
-    }
-}
 
 // The sample that a picture has in a plane.
 int Sample(const Bytes &memory, const Shape &shape, int32_t plane, int32_t x, int32_t y) {

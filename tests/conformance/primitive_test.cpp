@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
-#include <random>
 #include <string>
 
 #include "imaging/primitives/arithmetic.h"
@@ -13,37 +12,14 @@
 #include "imaging/primitives/copy.h"
 #include "imaging/primitives/mirror.h"
 #include "imaging/primitives/planar.h"
-#include "platform/processor.h"
+#include "tests/conformance/both_levels.h"
 #include "tests/conformance/convert_model.h"
+#include "tests/conformance/dice.h"
 
 namespace conformance {
 namespace {
 
 using zck::ROI;
-
-class Dice {
-public:
-    explicit Dice(uint32_t seed) : m_random(seed) {}
-    int32_t operator()(int32_t least, int32_t most) {
-        return least + static_cast<int32_t>(m_random() % static_cast<uint32_t>(most - least + 1));
-    }
-    Bytes Noise(size_t n) {
-        Bytes bytes(n);
-        for (uint8_t &b : bytes) b = static_cast<uint8_t>(m_random());
-        return bytes;
-    }
-
-private:
-    std::mt19937 m_random;
-};
-
-void BothLevels(const std::function<void()> &run) {
-    for (const zck::KernelLevel level : {zck::KernelLevel::Reference, zck::KernelLevel::Avx2}) {
-        zck::KernelLevelLimit(level);
-        run();
-        ASSERT_FALSE(testing::Test::HasFailure()) << (level == zck::KernelLevel::Avx2 ? "vector" : "reference") << " rows";
-    }
-}
 
 uint8_t Scaled(int32_t exact, int32_t n) {
     return static_cast<uint8_t>(std::clamp(std::nearbyint(std::ldexp(exact, -n)), 0.0, 255.0));

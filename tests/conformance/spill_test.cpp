@@ -5,11 +5,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <random>
 #include <string>
 
 #include "keying/pipeline/pipeline.h"
 #include "platform/processor.h"
+#include "tests/conformance/dice.h"
 #include "tests/conformance/media_model.h"
 #include "tests/conformance/spill_model.h"
 
@@ -17,22 +17,6 @@ namespace conformance {
 namespace {
 
 constexpr size_t kGuard = 96;
-
-class Dice {
-public:
-    explicit Dice(uint32_t seed) : m_random(seed) {}
-    int32_t operator()(int32_t least, int32_t most) {
-        return least + static_cast<int32_t>(m_random() % static_cast<uint32_t>(most - least + 1));
-    }
-    Bytes Noise(size_t n) {
-        Bytes bytes(n);
-        for (uint8_t &b : bytes) b = static_cast<uint8_t>(m_random());
-        return bytes;
-    }
-
-private:
-    std::mt19937 m_random;
-};
 
 int32_t Colour(int32_t a, int32_t b, int32_t c, int32_t d = 0) { return a | b << 8 | c << 16 | d << 24; }
 
