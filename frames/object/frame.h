@@ -57,7 +57,8 @@ public:
     HRESULT AudioAssign(const void *data, uint32_t size) noexcept;
     /// Takes time, description and sound of a frame of this process, and tells where its pixels are; no pixel is touched.
     HRESULT MediaTake(CCoZFrame2 &source, bool audio, FramePixels &pixels) noexcept;
-    HRESULT MediaTake(IZFrame_I *source, bool audio, FramePixels &pixels) noexcept;
+    /// The same of a foreign frame, which is asked for what the clone's type wants and no more.
+    HRESULT MediaTake(IZFrame_I *source, int32_t type, FramePixels &pixels) noexcept;
     HRESULT MediaTake(IZFFrame *source, bool audio, FramePixels &pixels, ZF_INFO &info) noexcept;
     /// The same with the sound, and for a foreign frame as far as possible at one moment.
     HRESULT MediaTakeWhole(IZFrame_I *source, FramePixels &pixels) noexcept;

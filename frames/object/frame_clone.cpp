@@ -44,7 +44,7 @@ HRESULT CCoZFrame2::CloneMedia(IZFrame_I *source, int32_t type, uint32_t offset)
         hr = source->FrameProcessIdGet(&process);
         if (FAILED(hr)) return hr;
         if (process != CurrentProcessId()) return CloneRemote(source, type, offset);
-        hr = MediaTake(source, audio, pixels);
+        hr = MediaTake(source, type, pixels);
     }
     if (SUCCEEDED(hr)) ClonePixels(pixels, source, type, offset);
     return hr;
@@ -63,19 +63,19 @@ HRESULT CCoZFrame2::MediaGive(CCoZFrame2 &clone, bool audio, FramePixels &pixels
     return audio && bytes.size != 0 ? clone.AudioAssign(bytes.data, bytes.size) : S_OK;
 }
 
-HRESULT CCoZFrame2::MediaTake(IZFrame_I *source, bool audio, FramePixels &pixels) noexcept {
+HRESULT CCoZFrame2::MediaTake(IZFrame_I *source, int32_t type, FramePixels &pixels) noexcept {
     int32_t videoSize = 0;
     int32_t audioSize = 0;
     HRESULT hr = source->FrameInfoGet(&m_frameTime, &m_props, &videoSize, &audioSize);
     if (FAILED(hr)) return hr;
     int64_t address = 0;
-    if (videoSize > 0) {
+    if (videoSize > 0 && (type & (eZFC_Video | eZFC_VideoRef)) != 0) {
         hr = source->FrameVideoGetBytes(&videoSize, &address);
         if (FAILED(hr)) return hr;
         pixels.data = PointerFrom<>(address);
         pixels.size = pixels.data != nullptr ? static_cast<uint32_t>(std::max(videoSize, 0)) : 0;
     }
-    if (!audio || audioSize <= 0) return S_OK;
+    if ((type & eZFC_Audio) == 0 || audioSize <= 0) return S_OK;
     hr = source->FrameAudioGetBytes(&audioSize, &address);
     if (FAILED(hr) || address == 0 || audioSize <= 0) return hr;
     return AudioAssign(PointerFrom<>(address), static_cast<uint32_t>(audioSize));
