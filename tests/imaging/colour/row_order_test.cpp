@@ -74,6 +74,15 @@ TEST(RowOrder, TheSizeIsThatOfTheSmallestImage) {
     size = {0, 0};
     EXPECT_EQ(NormaliseRowOrder(&p, &huge, &size), S_OK);
     EXPECT_EQ(size.height, std::numeric_limits<int32_t>::max());
+    // Below 1 a size says nothing yet, and each of its two numbers for itself.
+    size = {-7, 5};
+    EXPECT_EQ(NormaliseRowOrder(&p, &first, &size), S_OK);
+    EXPECT_EQ(size.width, 20);
+    EXPECT_EQ(size.height, 5);
+    size = {30, -2};
+    EXPECT_EQ(NormaliseRowOrder(&p, &first, &size), S_OK);
+    EXPECT_EQ(size.width, 20);
+    EXPECT_EQ(size.height, 9);
 }
 
 TEST(RowOrder, OneLineStaysOneLine) {
