@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <string_view>
 
 #include "hosts/zkey/text.h"
 
@@ -100,15 +99,22 @@ int32_t InsideEnd(int32_t from, int32_t to, int32_t border, int32_t step) {
 
 }    // namespace
 
-std::optional<Borders> BordersFromText(const std::string &text) {
+std::vector<std::string_view> BorderWords(std::string_view text) {
     constexpr const char *kSeparators = " ,;\t\r\n";
-    int32_t n[4] = {};
-    int count = 0;
-    for (std::size_t at = 0; count < 4 && (at = text.find_first_not_of(kSeparators, at)) != std::string::npos;) {
+    std::vector<std::string_view> words;
+    for (std::size_t at = 0; (at = text.find_first_not_of(kSeparators, at)) != text.npos;) {
         const std::size_t end = std::min(text.find_first_of(kSeparators, at), text.size());
-        ParseWhole(std::string_view(text).substr(at, end - at), n[count++]);
+        words.push_back(text.substr(at, end - at));
         at = end;
     }
+    return words;
+}
+
+std::optional<Borders> BordersFromText(const std::string &text) {
+    const std::vector<std::string_view> words = BorderWords(text);
+    const std::size_t count = std::min<std::size_t>(words.size(), 4);
+    int32_t n[4] = {};
+    for (std::size_t i = 0; i < count; ++i) ParseWhole(words[i], n[i]);
     if (std::all_of(n, n + 4, [](int32_t v) { return v == 0; })) return std::nullopt;
     if (count == 1) return Borders{n[0], n[0], n[0], n[0]};
     if (count == 2) return Borders{n[0], n[1], n[0], n[1]};

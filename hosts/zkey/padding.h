@@ -4,6 +4,8 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "hosts/zkey/composite.h"
 #include "hosts/zkey/frame_format.h"
@@ -19,6 +21,8 @@ struct PictureSize {
 /// for interlaced pictures, whose fields are each divided. 4:2:0 planes have an even height.
 PictureSize PaddedSize(int32_t width, int32_t height, int32_t threads, bool interlaced, eZFCC fcc);
 
+/// What stands in the text of `keying.borders` between its separators, as the library sees it.
+std::vector<std::string_view> BorderWords(std::string_view text);
 /// What `keying.borders` says: one to four numbers for left, top, right and bottom. Nothing where it bounds nothing.
 std::optional<Borders> BordersFromText(const std::string &text);
 

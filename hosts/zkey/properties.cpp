@@ -1,8 +1,10 @@
 #include "hosts/zkey/properties.h"
 
+#include <algorithm>
 #include <array>
 
 #include "hosts/zkey/failure.h"
+#include "hosts/zkey/padding.h"
 #include "hosts/zkey/text.h"
 
 namespace zkey {
@@ -10,7 +12,7 @@ namespace {
 
 using Accepts = bool (*)(const std::string &);
 
-bool IsWholeIn(const std::string &text, int32_t least, int32_t most) {
+bool IsWholeIn(std::string_view text, int32_t least, int32_t most) {
     int32_t value = 0;
     return ParseWhole(text, value) && value >= least && value <= most;
 }
@@ -27,15 +29,11 @@ bool IsReal(const std::string &text) {
     return ParseReal(text, value);
 }
 
-/// Nothing, or one to four numbers of pixels with blanks, commas or semicolons between them.
+/// Nothing, or one to four numbers of pixels.
 bool IsBorders(const std::string &text) {
-    int count = 0;
-    for (std::size_t at = 0; (at = text.find_first_not_of(" ,;\t", at)) != std::string::npos; ++count) {
-        const std::size_t end = text.find_first_of(" ,;\t", at);
-        if (!IsWholeIn(text.substr(at, end == std::string::npos ? end : end - at), 0, 32768)) return false;
-        at = end == std::string::npos ? text.size() : end;
-    }
-    return count <= 4;
+    const std::vector<std::string_view> words = BorderWords(text);
+    return words.size() <= 4 &&
+           std::all_of(words.begin(), words.end(), [](std::string_view w) { return IsWholeIn(w, 0, 32768); });
 }
 
 struct Known {
