@@ -6,7 +6,8 @@
 /// A frame. Reference-counted and free-threaded: any operation may be called from any thread. Pointers that it hands out
 /// stay good while the frame lives; pixels may be written by the frame's only owner.
 ///
-/// Every operation returns a status; outputs are written only where the text says so.
+/// Times are in units of 100 nanoseconds, sizes in bytes. What is handed out as an interface has a reference for the caller.
+/// Every operation returns a status: `S_OK`, or what its text says; outputs are written only where the text says so.
 struct IZFrame : IUnknown {
     /// Copies the description of the media to `_pProps`. `E_POINTER` for null.
     virtual HRESULT Z_STDCALL FrameAVPropsGet(Z_AV_PROPS *_pProps) = 0;
@@ -17,9 +18,10 @@ struct IZFrame : IUnknown {
     virtual HRESULT Z_STDCALL FrameTimeGet(Z_TIME *_pTime) = 0;
     /// Sets the time, or zeroes it with null.
     virtual HRESULT Z_STDCALL FrameTimeSet(Z_TIME *_pTime) = 0;
-    /// Byte count and address of the audio; each output may be null.
+    /// Byte count and address of the audio, 0 and 0 without any; each output may be null. `S_OK`.
     virtual HRESULT Z_STDCALL FrameAudioGetBytes(int32_t *_pcbSize, int64_t *_ppbAudio) = 0;
-    /// Byte count and address of the pixels; each output may be null.
+    /// Byte count and address of the pixels, from the start of the part that this frame shows; 0 and 0 without any. Each
+    /// output may be null. `S_OK`.
     virtual HRESULT Z_STDCALL FrameVideoGetBytes(int32_t *_pcbSize, int64_t *_ppbVideo) = 0;
     /// A platform bitmap of the picture, which the caller destroys.
     virtual HRESULT Z_STDCALL FrameVideoGetHbitmap(int64_t *_pcpHBitmap) = 0;
@@ -27,17 +29,30 @@ struct IZFrame : IUnknown {
     virtual HRESULT Z_STDCALL FrameVideoSaveToFile(BSTR _bsFileName) = 0;
     /// Saves the audio as a WAV file, or adds it to the end of one.
     virtual HRESULT Z_STDCALL FrameAudioSaveToFile(BSTR _bsFileName, int32_t _bAppend) = 0;
-    /// Ancillary data by index, in the order of first insertion.
+    /// Ancillary data by index, in the order of first insertion: its code, its byte count and its address, which stays good
+    /// while the frame holds the entry. A value that was set with a count of 0 comes back in place of the address. Each
+    /// output may be null and is cleared first. 0x80070585 for an index out of range.
     virtual HRESULT Z_STDCALL FrameDataGetByIndex(int32_t _nIndex, int32_t *_pnDataFCC, int32_t *_pcbANCData,
                                                   int64_t *_ppbANCData) = 0;
-    /// Ancillary data by four-character code, such as 'C608'.
+    /// Ancillary data by four-character code, such as 'C608' (low byte first). 0x80070002 when there is none of it.
     virtual HRESULT Z_STDCALL FrameDataGet(int32_t _nDataFCC, int32_t *_pcbANCData, int64_t *_ppbANCData) = 0;
+    /// Adds or replaces ancillary data by a copy of `_cbANCData` bytes at the address. A count of 0 keeps `_pbANCData` itself
+    /// as a value of 8 bytes; a negative count removes the entry (`S_FALSE` when there was none). Code 0 replaces all
+    /// entries by those of a packed block: code, byte count, bytes, and so on. `E_INVALIDARG` for a null address,
+    /// `E_OUTOFMEMORY`.
     virtual HRESULT Z_STDCALL FrameDataSet(int32_t _nDataFCC, int32_t _cbANCData, int64_t _pbANCData) = 0;
     /// A clone; `_eCloneType` says what it takes over. With `_fccPixelFormat` set and different from the frame's, pixels are
-    /// converted, and copied even for a reference. The caller releases the clone.
+    /// converted, and copied even for a reference; sound then comes along too. A reference clone keeps this frame alive, as
+    /// their pixels are one memory. Ancillary data always come along. The caller releases the clone.
+    ///
+    /// `E_POINTER` for a null output; 0x80040248 when the description does not suit the pixels; `E_OUTOFMEMORY`;
+    /// `E_NOINTERFACE` or `E_UNEXPECTED` for a frame without a factory. Pixels that cannot be copied for want of memory are
+    /// left out of a clone in the same format, which succeeds.
     virtual HRESULT Z_STDCALL FrameClone(IZFrame **_ppCloneFrame, eZFrameClone _eCloneType, eZFCC _fccPixelFormat) = 0;
     /// A part of the picture, without copying a pixel. `_nField` above 0 takes field 1 or 2 only; `_pRect` (null or empty:
-    /// the whole picture) is in pixels from the top left corner.
+    /// the whole picture) is in pixels from the top left corner, and is cut to the picture; planar pictures ignore it. Outside
+    /// the RGB family its sides move inwards to even columns, and in interlaced pictures to even lines. The cut keeps this
+    /// frame alive. `E_POINTER` for a null output, `E_NOINTERFACE` for a frame without a factory.
     virtual HRESULT Z_STDCALL FrameCut(int32_t _nField, tagRECT *_pRect, IZFrame **_ppFrameRes) = 0;
     /// A frame of another format or size.
     virtual HRESULT Z_STDCALL FrameConvert(Z_VID_PROPS *_pVidPropsDest, IZFrame **_ppFrameRes, BSTR _bsPropsList) = 0;

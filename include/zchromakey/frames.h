@@ -4,14 +4,23 @@
 #include "zchromakey/frame.h"
 
 /// Makes frames. Free-threaded. Every frame holds a reference on its factory, and the factory owns the pool of pixel
-/// buffers, so that a host keeps one factory and makes all its frames with it.
+/// buffers, so that a host keeps one factory and makes all its frames with it. The caller releases what it is handed.
 struct IZFrames : IUnknown {
     /// A frame of this process: `_pFrame` itself, or a reference clone if it lives in another process or `_bForce` is set.
+    /// `E_POINTER` for a null argument, `E_NOINTERFACE` for an object that is no frame of this family, or the status of opening
+    /// its pixels.
     virtual HRESULT Z_STDCALL FrameLocal(IUnknown *_pFrame, IZFrame **_ppFrameRes, int32_t _bForce) = 0;
-    /// An empty frame with `_cbVideo` bytes of pixels and no description.
+    /// An empty frame with `_cbVideo` bytes of pixels, all 0, and no description; 0 bytes make a frame without pixels. The
+    /// keeper is not used. `E_POINTER` for a null output, `E_INVALIDARG` for a negative size, `E_OUTOFMEMORY`.
     virtual HRESULT Z_STDCALL FrameCreate(int32_t _cbVideo, IUnknown *_pKeeper, IZFrame **_ppFrameRes) = 0;
     /// A frame of the given description, with a copy of the pixels at address `_pbVideo`, or filled with "solid_color" when
-    /// that is 0. `_bsProps` holds name=value pairs: "solid_color", "audio_samples", "channels", "rate", "bits".
+    /// that is 0 (0, transparent black, unless given). `_bsProps` holds name=value pairs: "solid_color", "audio_samples",
+    /// "channels", "rate", "bits". With "audio_samples" and no complete sound format of its own the frame has so many samples
+    /// of silence, 2 channels of 16 bits at 48000 a second; a complete format is only noted.
+    ///
+    /// The description is completed first: a format alone is enough, and so are width, height and pixel format.
+    /// `E_POINTER` for a null output; 0x80040248 for a description of no picture or of more than 2 GB; 0x80070005 for pixels
+    /// that cannot be read; `E_OUTOFMEMORY`.
     virtual HRESULT Z_STDCALL FrameCreateFromProps(Z_VID_PROPS *_pVidProps, int64_t _pbVideo, IZFrame **_ppFrameRes,
                                                    BSTR _bsProps) = 0;
     /// A frame from an image file, or filled with a colour named by `_bsFileNameOrColor`.
