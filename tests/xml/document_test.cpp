@@ -7,11 +7,14 @@
 
 #include "platform/files.h"
 #include "platform/status.h"
+#include "tests/support/sample_key.h"
 #include "tests/xml/say.h"
 #include "xml/limits.h"
 
 namespace zck::XMLParse {
 namespace {
+
+using test::kSampleText;
 
 /// A folder of its own that goes with the test.
 class Document : public testing::Test {
@@ -35,7 +38,7 @@ protected:
          std::to_string(std::chrono::steady_clock::now().time_since_epoch().count()));
 };
 
-/// The settings of one add key, as a host keeps them.
+/// The settings of the sample key, as a host keeps them.
 XMLNodePtr KeySettings() {
     const XMLNodePtr root = CoXMLNode::Create(In("m_config"));
     root->IntSet(In("type"), 3);
@@ -65,29 +68,18 @@ XMLNodePtr KeySettings() {
     return root;
 }
 
-constexpr const char *kKeySettingsText =
-    "<m_config type='3' keys='1' transparent.min='102' transparent.max='230' edges_smooth='3' color_cancel='false' "
-    "interlaced='0' inverse='0'>\r\n"
-    "\t<key value='0xFF3C8040' delta='0x2A2A2A05' smooth='26' alpha='0' cancel.range='0' cancel.power='0' cancel.chroma='0' "
-    "cancel.luma='0' cancel.alpha='0' reverse_key='0'/>\r\n"
-    "\t<adjust power='0.0' transparent='0.05' colors='0.0' smooth='0.25' min_trans='0.4' max_trans='0.9' exc_power='0.0'>\r\n"
-    "\t\t<color range='1.0' power='0.3' chroma='-0.25' luma='-0.05' alpha='-0.05'/>\r\n"
-    "\t\t<range rhy='0.66' glu='0.66' bsv='0.66'/>\r\n"
-    "\t</adjust>\r\n"
-    "</m_config>";
-
 TEST_F(Document, SettingsOfAKeyAreWrittenByteForByte) {
     Bstr text;
     EXPECT_EQ(SaveFile(*KeySettings(), Path("key.xml"), false, text.Put()), S_OK);
-    EXPECT_EQ(Bytes("key.xml"), kKeySettingsText);
-    EXPECT_EQ(Say(text.view()), kKeySettingsText);
+    EXPECT_EQ(Bytes("key.xml"), kSampleText);
+    EXPECT_EQ(Say(text.view()), kSampleText);
 }
 
 TEST_F(Document, UnicodeIsLowByteFirstWithoutAMark) {
     EXPECT_EQ(SaveFile(*KeySettings(), Path("key.xml"), true), S_OK);
     std::string expected;
-    for (const char *c = kKeySettingsText; *c != 0; ++c) {
-        expected.push_back(*c);
+    for (const char c : kSampleText) {
+        expected.push_back(c);
         expected.push_back('\0');
     }
     EXPECT_EQ(Bytes("key.xml"), expected);
@@ -98,7 +90,7 @@ TEST_F(Document, BothFormsAreReadBack) {
         const XMLNodePtr node = CoXMLNode::Create(In("ov-root"));
         EXPECT_EQ(SaveFile(*KeySettings(), Path("key.xml"), unicode), S_OK);
         EXPECT_EQ(LoadFile(*node, Path("key.xml")), S_OK);
-        EXPECT_EQ(Say(XMLText(*node)), kKeySettingsText);
+        EXPECT_EQ(Say(XMLText(*node)), kSampleText);
         EXPECT_EQ(node->Hex32Get(In("key::value")), 0xFF3C8040U);
         EXPECT_EQ(node->FloatGet(In("adjust::color::chroma")), -0.25);
         EXPECT_FALSE(node->BoolGet(In("color_cancel"), true));

@@ -7,10 +7,14 @@
 #include "frames/factory/factory.h"
 #include "keying/key/key.h"
 #include "keying/plugin/chroma_key.h"
+#include "tests/support/sample_key.h"
 #include "zchromakey/module.h"
 
 namespace zck {
 namespace {
+
+using test::kSampleRecord;
+using test::SampleKey;
 
 class PluginPersist : public ::testing::Test {
 protected:
@@ -25,28 +29,11 @@ protected:
         return Utf8FromText(text.view());
     }
     HRESULT Load(std::string_view text) { return m_persist->PersistLoad(nullptr, Bstr(TextFromUtf8(text)).get(), nullptr); }
-    static CHROMA_KEY_RAW Sample() {
-        CHROMA_KEY_RAW raw = {};
-        raw.eType = eCKT_HLS;
-        raw.nKeysUsed = 1;
-        raw.arrKeys[0].nValue = static_cast<int32_t>(0xFF3C8040);
-        raw.arrKeys[0].nDelta = 0x2A2A2A05;
-        raw.arrKeys[0].nSmoothRange = 26;
-        raw.nMinTransparent = 102;
-        raw.nMaxTransparent = 230;
-        raw.nEdgesSmooth = 3;
-        return raw;
-    }
 
     ComPtr<IZChromaKey> m_key;
     ComPtr<IZPersist> m_persist;
 };
 
-constexpr const char *kHead =
-    "<m_config type='3' keys='1' transparent.min='102' transparent.max='230' edges_smooth='3' color_cancel='false' "
-    "interlaced='0' inverse='0'>\r\n"
-    "\t<key value='0xFF3C8040' delta='0x2A2A2A05' smooth='26' alpha='0' cancel.range='0' cancel.power='0' cancel.chroma='0' "
-    "cancel.luma='0' cancel.alpha='0' reverse_key='0'/>\r\n";
 constexpr const char *kTail =
     "\t\t<color range='1.0' power='0.3' chroma='-0.25' luma='-0.05' alpha='-0.05'/>\r\n"
     "\t\t<range rhy='0.0' glu='0.0' bsv='0.0'/>\r\n"
@@ -66,9 +53,9 @@ TEST_F(PluginPersist, AFreshPluginSavesAnEmptyKeyWithTheDefaults) {
 }
 
 TEST_F(PluginPersist, ARawKeyBringsTheAdjustmentThatItTells) {
-    CHROMA_KEY_RAW raw = Sample();
+    CHROMA_KEY_RAW raw = SampleKey();
     EXPECT_EQ(m_key->KeyRawSet(&raw), S_OK);
-    EXPECT_EQ(Saved(), std::string(kHead) +
+    EXPECT_EQ(Saved(), kSampleRecord +
                            "\t<adjust power='0.0' transparent='0.0' colors='0.0' smooth='0.3' min_trans='0.4' "
                            "max_trans='0.901961' exc_power='0.0'>\r\n" +
                            kTail);
@@ -81,7 +68,7 @@ TEST_F(PluginPersist, ARawKeyBringsTheAdjustmentThatItTells) {
 
 TEST_F(PluginPersist, AResetKeyHasTheDefaultsAgain) {
     const std::string fresh = Saved();
-    CHROMA_KEY_RAW raw = Sample();
+    CHROMA_KEY_RAW raw = SampleKey();
     EXPECT_EQ(m_key->KeyRawSet(&raw), S_OK);
     EXPECT_NE(Saved(), fresh);
     EXPECT_EQ(m_key->KeySet(nullptr), S_OK);
@@ -89,10 +76,9 @@ TEST_F(PluginPersist, AResetKeyHasTheDefaultsAgain) {
 }
 
 TEST_F(PluginPersist, LoadingGivesTheRecordAndThenTheAdjustment) {
-    EXPECT_EQ(Load(std::string(kHead) + "<adjust transparent='0.25' smooth='0.5'><range glu='0.125'/></adjust></m_config>"),
-              S_OK);
+    EXPECT_EQ(Load(kSampleRecord + "<adjust transparent='0.25' smooth='0.5'><range glu='0.125'/></adjust></m_config>"), S_OK);
     CHROMA_KEY_RAW back = {};
-    const CHROMA_KEY_RAW raw = Sample();
+    const CHROMA_KEY_RAW raw = SampleKey();
     EXPECT_EQ(m_key->KeyRawGet(&back), S_OK);
     EXPECT_EQ(std::memcmp(&back, &raw, sizeof(raw)), 0);
     const std::string saved = Saved();
@@ -107,7 +93,7 @@ TEST_F(PluginPersist, LoadingGivesTheRecordAndThenTheAdjustment) {
 }
 
 TEST_F(PluginPersist, AFailedLoadingLeavesTheKey) {
-    CHROMA_KEY_RAW raw = Sample();
+    CHROMA_KEY_RAW raw = SampleKey();
     EXPECT_EQ(m_key->KeyRawSet(&raw), S_OK);
     const std::string before = Saved();
     EXPECT_EQ(Load("no tags"), E_INVALIDARG);

@@ -51,7 +51,7 @@ TEST_F(PersistTest, AFileIsWrittenInTheCodePageOrInUnits) {
     EXPECT_EQ(SaveTo(Path("bytes.xml")), S_OK);
     EXPECT_EQ(Bytes("bytes.xml"), kSampleText);
     std::string units;
-    for (const char *c = kSampleText; *c != 0; ++c) units += {*c, '\0'};
+    for (const char c : kSampleText) units += {c, '\0'};
     EXPECT_EQ(SaveTo(Path("units.xml"), "unicode=1"), S_OK);
     EXPECT_EQ(Bytes("units.xml"), units);
     EXPECT_EQ(SaveTo(Path("true.xml"), "unicode='true'"), S_OK);

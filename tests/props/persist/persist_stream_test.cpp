@@ -37,7 +37,7 @@ TEST_F(PersistStream, SavesAndLoads) {
     m_object->m_raw = SampleKey();
     EXPECT_EQ(m_stream->Save(memory.stream.get(), 1), S_OK);
     EXPECT_EQ(Calls(), "save |m_config||param();");
-    EXPECT_EQ(memory.object->m_bytes.size(), 2 + 4 + 2 * (std::string(kSampleText).size() + 1));
+    EXPECT_EQ(memory.object->m_bytes.size(), 2 + 4 + 2 * (kSampleText.size() + 1));
     memory.object->m_position = 2;
     m_object->m_raw = {};
     EXPECT_EQ(m_stream->Load(memory.stream.get()), S_OK);
@@ -69,7 +69,7 @@ TEST_F(PersistStream, TheSizeIsThatOfTheTextAndSixteen) {
     m_object->m_raw = SampleKey();
     ULARGE_INTEGER size = {};
     EXPECT_EQ(m_stream->GetSizeMax(&size), S_OK);
-    EXPECT_EQ(size.QuadPart, 2 * std::string(kSampleText).size() + 16);
+    EXPECT_EQ(size.QuadPart, 2 * kSampleText.size() + 16);
     m_object->m_status = kErrorTimeout;
     EXPECT_EQ(m_stream->GetSizeMax(&size), kErrorTimeout);
     EXPECT_EQ(size.QuadPart, 0u);
