@@ -3,13 +3,13 @@
 
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 
 #include "platform/com_ptr.h"
 #include "platform/settings.h"
 #include "tests/conformance/answers.h"
 #include "tests/conformance/key_model.h"
 #include "tests/conformance/memory_stream.h"
+#include "tests/support/scratch_folder.h"
 #include "tests/support/settings_place.h"
 #include "zchromakey/zchromakey.h"
 
@@ -224,18 +224,19 @@ TEST_F(Door, ConfigurationFilesAndStreams) {
     EXPECT_EQ(QueryFor<IZChromaKey>(persist.get())->KeyRawSet(&raw), S_OK);
     EXPECT_EQ(persist->PersistLoad(nullptr, B(Saved(persist)).get(), nullptr), S_OK);
     const std::string want = Saved(persist);
-    const auto path = std::filesystem::temp_directory_path() / ("zck_door_" + std::to_string(std::random_device()()) + ".xml");
+    const zck::test::ScratchFolder folder;
+    const std::string path = folder.Path("t.xml");
     for (const char *param : {"", "unicode=1"}) {
-        EXPECT_EQ(persist->PersistSaveToFile(nullptr, B(path.string()).get(), B(param).get()), S_OK);
+        EXPECT_EQ(persist->PersistSaveToFile(nullptr, B(path).get(), B(param).get()), S_OK);
         EXPECT_EQ(std::filesystem::file_size(path), want.size() * (*param != 0 ? 2 : 1));
         EXPECT_EQ(QueryFor<IZChromaKey>(other.get())->KeySet(nullptr), S_OK);
-        EXPECT_EQ(other->PersistLoad(nullptr, B(path.string()).get(), nullptr), S_OK);
+        EXPECT_EQ(other->PersistLoad(nullptr, B(path).get(), nullptr), S_OK);
         EXPECT_EQ(Saved(other), want);
     }
     std::filesystem::remove(path);
-    EXPECT_EQ(other->PersistLoad(nullptr, B(path.string()).get(), nullptr), E_INVALIDARG);
+    EXPECT_EQ(other->PersistLoad(nullptr, B(path).get(), nullptr), E_INVALIDARG);
     EXPECT_EQ(Saved(other), want);
-    EXPECT_EQ(persist->PersistSaveToFile(nullptr, B((path / "x" / "y").string()).get(), nullptr), S_OK);
+    EXPECT_EQ(persist->PersistSaveToFile(nullptr, B(path + "/x/y").get(), nullptr), S_OK);
     EXPECT_EQ(persist->PersistSaveToFile(nullptr, B("").get(), nullptr), E_INVALIDARG);
 
     ComPtr<IPersistStream> from, to;

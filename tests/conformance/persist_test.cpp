@@ -3,13 +3,13 @@
 
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 
 #include "props/persist/key_tree.h"
 #include "props/persist/persist_impl.h"
 #include "tests/conformance/answers.h"
 #include "tests/conformance/key_model.h"
 #include "tests/conformance/memory_stream.h"
+#include "tests/support/scratch_folder.h"
 #include "xml/parser.h"
 #include "xml/writer.h"
 
@@ -51,26 +51,12 @@ private:
 
 class Persist : public testing::Test {
 protected:
-    void SetUp() override {
-        m_folder = std::filesystem::temp_directory_path() / ("zck_persist_" + std::to_string(std::random_device()()));
-        std::filesystem::create_directories(m_folder);
-        m_file = (m_folder / "t.xml").string();
-    }
-    void TearDown() override {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_folder, ignored);
-    }
-    void Put(std::string_view bytes) {
-        std::ofstream(m_file, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    }
-    std::string Get() {
-        std::ifstream in(m_file, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
+    void Put(std::string_view bytes) const { m_folder.Put("t.xml", bytes); }
+    std::string Get() const { return m_folder.Bytes("t.xml"); }
     std::string Log() { return std::exchange(o.m_log, ""); }
 
-    std::filesystem::path m_folder;
-    std::string m_file;
+    const zck::test::ScratchFolder m_folder;
+    const std::string m_file = m_folder.Path("t.xml");
     Object o;
 };
 
@@ -134,7 +120,7 @@ TEST_F(Persist, AFileIsLoaded) {
     EXPECT_EQ(o->PersistLoad(nullptr, B(m_file).get(), nullptr), E_INVALIDARG);
     Put("");
     EXPECT_EQ(o->PersistLoad(nullptr, B(m_file).get(), nullptr), E_INVALIDARG);
-    const HRESULT folder = o->PersistLoad(nullptr, B(m_folder.string()).get(), nullptr);
+    const HRESULT folder = o->PersistLoad(nullptr, B(m_folder.Path()).get(), nullptr);
     EXPECT_EQ(static_cast<uint32_t>(folder) >> 16, 0x8007U);    // it exists, and cannot be read
     EXPECT_NE(folder, E_INVALIDARG);
     EXPECT_EQ(Log(), "");

@@ -1,10 +1,8 @@
 // The reader and the writer of trees, against tables and slow models.
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-
 #include "tests/conformance/xml_model.h"
+#include "tests/support/scratch_folder.h"
 #include "xml/attribute_list.h"
 #include "xml/decode.h"
 #include "xml/document.h"
@@ -599,31 +597,15 @@ TEST(Bytes, TestOf16BitText) {
 
 class TreeFiles : public testing::Test {
 protected:
-    void SetUp() override {
-        m_folder = std::filesystem::temp_directory_path() / ("zck_conformance_" + std::to_string(std::random_device()()));
-        std::filesystem::create_directories(m_folder);
-        m_path = T((m_folder / "t.xml").string());
-    }
-    void TearDown() override {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_folder, ignored);
-    }
-    void Put(std::string_view bytes) {
-        std::ofstream(m_folder / "t.xml", std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    }
-    std::string Get() {
-        std::ifstream in(m_folder / "t.xml", std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
     std::string Loaded(std::string_view bytes) {
-        Put(bytes);
+        m_folder.Put("t.xml", bytes);
         const XMLNodePtr node = CoXMLNode::Create(T("n"));
         const HRESULT hr = LoadFile(*node, m_path);
         return hr == S_OK ? Dump(*node) : hr == kBadText ? "bad" : "?";
     }
 
-    std::filesystem::path m_folder;
-    Text m_path;
+    const zck::test::ScratchFolder m_folder;
+    const Text m_path = T(m_folder.Path("t.xml"));
 };
 
 TEST_F(TreeFiles, AreDecodedStrippedAndRead) {
@@ -642,7 +624,7 @@ TEST_F(TreeFiles, ReadErrorsAreTheSystems) {
     node->AttributeSet(T("a"), TextView(T("1")));
     EXPECT_EQ(LoadFile(*node, m_path), static_cast<HRESULT>(0x80070002));
     EXPECT_EQ(static_cast<uint32_t>(LoadFile(*node, m_path + T("/x/y"))) >> 16, 0x8007U);
-    EXPECT_TRUE(FAILED(LoadFile(*node, T(m_folder.string()))));
+    EXPECT_TRUE(FAILED(LoadFile(*node, T(m_folder.Path()))));
     EXPECT_EQ(Dump(*node), "<n a={1}></>");
 }
 
@@ -651,11 +633,11 @@ TEST_F(TreeFiles, AreSaved) {
     node->ChildAdd(T("c"))->TextSet(T("\xC3\xA4"));
     const std::string text = Say(XMLText(*node));
     BSTR out = nullptr;
-    Put("something much longer that was there before, which has to go");
+    m_folder.Put("t.xml", "something much longer that was there before, which has to go");
     EXPECT_EQ(SaveFile(*node, m_path, true, &out), S_OK);
     EXPECT_EQ(Say(out), text);
     SysFreeString(out);
-    EXPECT_EQ(Get(), Units(text, false));
+    EXPECT_EQ(m_folder.Bytes("t.xml"), Units(text, false));
     EXPECT_EQ(SaveFile(*node, m_path, false), S_OK);
     const XMLNodePtr back = CoXMLNode::Create(T("x"));
     EXPECT_EQ(LoadFile(*back, m_path), S_OK);
@@ -672,7 +654,7 @@ TEST_F(TreeFiles, AFileThatCannotBeMadeIsNotNoticed) {
     EXPECT_EQ(SaveFile(*node, m_path + T("/x/y.xml"), false, &out), S_OK);
     EXPECT_EQ(Say(out), "<n/>");
     SysFreeString(out);
-    EXPECT_EQ(SaveFile(*node, T(m_folder.string()), true), S_OK);
+    EXPECT_EQ(SaveFile(*node, T(m_folder.Path()), true), S_OK);
 }
 
 }    // namespace

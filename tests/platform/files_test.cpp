@@ -2,72 +2,64 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <filesystem>
 
 #include "platform/status.h"
+#include "tests/support/scratch_folder.h"
 
 namespace zck {
 namespace {
 
 class Files : public testing::Test {
 protected:
-    Files() { std::filesystem::create_directories(m_folder); }
-    ~Files() override { std::filesystem::remove_all(m_folder); }
+    Text Path(std::string_view name) const { return TextFromUtf8(m_folder.Path(name)); }
 
-    Text Path(std::u8string_view name) const {
-        const std::u8string path = (m_folder / std::filesystem::path(name)).u8string();
-        return TextFromUtf8(std::string(path.begin(), path.end()));
-    }
-
-    const std::filesystem::path m_folder =
-        std::filesystem::temp_directory_path() /
-        ("zck_files_" + std::to_string(std::chrono::steady_clock::now().time_since_epoch().count()));
+    const test::ScratchFolder m_folder;
 };
 
 TEST_F(Files, BytesComeBack) {
     std::string all;
     for (int i = 0; i < 300000; ++i) all.push_back(static_cast<char>(i * 7));
     std::string read;
-    EXPECT_EQ(FileWrite(Path(u8"x"), all), S_OK);
-    EXPECT_EQ(FileRead(Path(u8"x"), all.size(), read), S_OK);
+    EXPECT_EQ(FileWrite(Path("x"), all), S_OK);
+    EXPECT_EQ(FileRead(Path("x"), all.size(), read), S_OK);
     EXPECT_EQ(read, all);
-    EXPECT_EQ(FileWrite(Path(u8"x"), "short"), S_OK);
-    EXPECT_EQ(FileRead(Path(u8"x"), all.size(), read), S_OK);
+    EXPECT_EQ(FileWrite(Path("x"), "short"), S_OK);
+    EXPECT_EQ(FileRead(Path("x"), all.size(), read), S_OK);
     EXPECT_EQ(read, "short");
-    EXPECT_EQ(FileWrite(Path(u8"x"), ""), S_OK);
-    EXPECT_EQ(FileRead(Path(u8"x"), 0, read), S_OK);
+    EXPECT_EQ(FileWrite(Path("x"), ""), S_OK);
+    EXPECT_EQ(FileRead(Path("x"), 0, read), S_OK);
     EXPECT_EQ(read, "");
 }
 
 TEST_F(Files, MoreThanAllowedIsRefused) {
     std::string read = "before";
-    EXPECT_EQ(FileWrite(Path(u8"x"), "12345"), S_OK);
-    EXPECT_EQ(FileRead(Path(u8"x"), 4, read), kErrorFileTooLarge);
+    EXPECT_EQ(FileWrite(Path("x"), "12345"), S_OK);
+    EXPECT_EQ(FileRead(Path("x"), 4, read), kErrorFileTooLarge);
     EXPECT_EQ(read, "");
 }
 
 TEST_F(Files, PathsOfAnyScript) {
-    const std::u8string_view name = u8"\u00E4\u4E2D";
+    const std::string_view name = "\u00E4\u4E2D";
     EXPECT_FALSE(FileExists(Path(name)));
     EXPECT_EQ(FileWrite(Path(name), "x"), S_OK);
     EXPECT_TRUE(FileExists(Path(name)));
-    EXPECT_TRUE(std::filesystem::exists(m_folder / std::filesystem::path(name)));
+    EXPECT_TRUE(std::filesystem::exists(m_folder.File(name)));
 }
 
 TEST_F(Files, Failures) {
     std::string read;
-    EXPECT_EQ(FileRead(Path(u8"missing"), 10, read), kErrorFileNotFound);
-    EXPECT_TRUE(FAILED(FileRead(Path(u8""), 10, read)));
-    EXPECT_TRUE(FAILED(FileWrite(Path(u8"no/such/folder"), "x")));
-    EXPECT_TRUE(FileExists(Path(u8"")));
+    EXPECT_EQ(FileRead(Path("missing"), 10, read), kErrorFileNotFound);
+    EXPECT_TRUE(FAILED(FileRead(Path(""), 10, read)));
+    EXPECT_TRUE(FAILED(FileWrite(Path("no/such/folder"), "x")));
+    EXPECT_TRUE(FileExists(Path("")));
     EXPECT_FALSE(FileExists({}));
     EXPECT_TRUE(FAILED(FileRead({}, 10, read)));
 }
 
 TEST_F(Files, AZeroInsideIsNoPath) {
     std::string read;
-    Text path = Path(u8"x");
+    Text path = Path("x");
     EXPECT_EQ(FileWrite(path, "x"), S_OK);
     path.push_back(0);
     path.append(ZCK_TEXT("tail"));

@@ -3,11 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 
 #include "platform/files.h"
 #include "platform/status.h"
 #include "tests/support/sample_key.h"
+#include "tests/support/scratch_folder.h"
 #include "tests/xml/say.h"
 #include "xml/limits.h"
 
@@ -16,26 +16,12 @@ namespace {
 
 using test::kSampleText;
 
-/// A folder of its own that goes with the test.
 class Document : public testing::Test {
 protected:
-    Document() { std::filesystem::create_directories(m_folder); }
-    ~Document() override { std::filesystem::remove_all(m_folder); }
+    Text Path(std::string_view name) const { return In(m_folder.Path(name)); }
+    std::string Bytes(std::string_view name) const { return m_folder.Bytes(name); }
 
-    Text Path(std::string_view name) const {
-        const std::u8string path = (m_folder / std::filesystem::path(std::u8string(name.begin(), name.end()))).u8string();
-        return TextFromUtf8(std::string(path.begin(), path.end()));
-    }
-    std::string Bytes(std::string_view name) const {
-        std::string bytes;
-        EXPECT_EQ(FileRead(Path(name), kFileBytesMax, bytes), S_OK);
-        return bytes;
-    }
-
-    const std::filesystem::path m_folder =
-        std::filesystem::temp_directory_path() /
-        (std::string("zck_xml_") + testing::UnitTest::GetInstance()->current_test_info()->name() +
-         std::to_string(std::chrono::steady_clock::now().time_since_epoch().count()));
+    const test::ScratchFolder m_folder;
 };
 
 /// The settings of the sample key, as a host keeps them.
@@ -105,7 +91,7 @@ TEST_F(Document, AnOldFileIsReplaced) {
 
 TEST_F(Document, NamesOfFilesAreOfAnyScript) {
     EXPECT_EQ(SaveFile(*Tree("<a/>"), Path("\u00E4\u4E2D.xml"), false), S_OK);
-    EXPECT_TRUE(std::filesystem::exists(m_folder / std::filesystem::path(u8"\u00E4\u4E2D.xml")));
+    EXPECT_TRUE(std::filesystem::exists(m_folder.File("\u00E4\u4E2D.xml")));
     EXPECT_EQ(LoadFile(*CoXMLNode::Create(In("n")), Path("\u00E4\u4E2D.xml")), S_OK);
 }
 

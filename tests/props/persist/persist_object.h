@@ -3,9 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstring>
-#include <filesystem>
 #include <string>
 
 #include "keying/key/key.h"
@@ -14,6 +12,7 @@
 #include "props/persist/key_tree.h"
 #include "props/persist/persist_impl.h"
 #include "tests/support/sample_key.h"
+#include "tests/support/scratch_folder.h"
 #include "tests/xml/say.h"
 #include "xml/attribute_list.h"
 #include "xml/limits.h"
@@ -59,22 +58,13 @@ protected:
 class PersistTest : public testing::Test {
 protected:
     PersistTest() {
-        std::filesystem::create_directories(m_folder);
         EXPECT_EQ(CreateObject<CPersistObject>(nullptr, IID_IZPersist, m_persist.PutVoid()), S_OK);
         m_object = static_cast<CPersistObject *>(m_persist.get());
     }
-    ~PersistTest() override { std::filesystem::remove_all(m_folder); }
 
-    std::string Path(std::string_view name) const {
-        const std::u8string path = (m_folder / std::filesystem::path(std::u8string(name.begin(), name.end()))).u8string();
-        return {path.begin(), path.end()};
-    }
-    std::string Bytes(std::string_view name) const {
-        std::string bytes;
-        EXPECT_EQ(FileRead(In(Path(name)), XMLParse::kFileBytesMax, bytes), S_OK);
-        return bytes;
-    }
-    void Put(std::string_view name, std::string_view bytes) const { EXPECT_EQ(FileWrite(In(Path(name)), bytes), S_OK); }
+    std::string Path(std::string_view name) const { return m_folder.Path(name); }
+    std::string Bytes(std::string_view name) const { return m_folder.Bytes(name); }
+    void Put(std::string_view name, std::string_view bytes) const { m_folder.Put(name, bytes); }
 
     HRESULT SaveTo(std::string_view path, std::string_view param = {}, std::string_view object = {}) {
         return m_persist->PersistSaveToFile(Arg(object).get(), Arg(path).get(), Arg(param).get());
@@ -90,10 +80,7 @@ protected:
     /// The calls of the transfer step since the last question.
     std::string Calls() { return std::exchange(m_object->m_calls, {}); }
 
-    const std::filesystem::path m_folder =
-        std::filesystem::temp_directory_path() /
-        (std::string("zck_persist_") + testing::UnitTest::GetInstance()->current_test_info()->name() +
-         std::to_string(std::chrono::steady_clock::now().time_since_epoch().count()));
+    const test::ScratchFolder m_folder;
     ComPtr<IZPersist> m_persist;
     CPersistObject *m_object = nullptr;
 };
