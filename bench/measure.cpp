@@ -132,6 +132,11 @@ void RegisterPair(const std::string &name, FrameWork ref, FrameWork vec) {
     })->Iterations(1);
 }
 
+void CountNanoseconds(benchmark::State &state) {
+    state.counters["ns"] =
+        benchmark::Counter(1e-9, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+}
+
 int Main(int argc, char **argv) {
     char **const end = std::remove_if(argv + 1, argv + argc, [](const char *arg) { return std::strcmp(arg, "--quick") == 0; });
     g_quick = end != argv + argc;

@@ -77,6 +77,9 @@ constexpr int32_t kHeight = 1080;
 /// processor without vectors.
 void RegisterPair(const std::string &name, FrameWork ref, FrameWork vec);
 
+/// The counter `ns` of a benchmark whose loop does one work: nanoseconds of processor time.
+void CountNanoseconds(benchmark::State &state);
+
 /// Runs what was registered. Prints the counters as a table (0 as a dash); `--quick` and the arguments of Google Benchmark.
 int Main(int argc, char **argv);
 

@@ -26,15 +26,10 @@ CPropsStore &Store(int64_t more) {
     return store;
 }
 
-void Report(benchmark::State &state) {
-    state.counters["ns"] =
-        benchmark::Counter(1e-9, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
-}
-
 void IntByPropName(benchmark::State &state) {
     const CPropsStore &store = Store(state.range(0));
     for (auto _ : state) benchmark::DoNotOptimize(store.GetInt(kThreads, 6));
-    Report(state);
+    bench::CountNanoseconds(state);
 }
 BENCHMARK(IntByPropName)->Arg(0);
 BENCHMARK(IntByPropName)->Arg(100)->Name("IntByPropNameAmong108");
@@ -43,7 +38,7 @@ void IntByText(benchmark::State &state) {
     const CPropsStore &store = Store(state.range(0));
     const TextView name = ZCK_TEXT("process.threads");
     for (auto _ : state) benchmark::DoNotOptimize(store.GetInt(name, 6));
-    Report(state);
+    bench::CountNanoseconds(state);
 }
 BENCHMARK(IntByText)->Arg(0);
 BENCHMARK(IntByText)->Arg(100)->Name("IntByTextAmong108");
@@ -51,14 +46,14 @@ BENCHMARK(IntByText)->Arg(100)->Name("IntByTextAmong108");
 void BoolByPropName(benchmark::State &state) {
     const CPropsStore &store = Store(0);
     for (auto _ : state) benchmark::DoNotOptimize(store.GetBool(kOutput, true));
-    Report(state);
+    bench::CountNanoseconds(state);
 }
 BENCHMARK(BoolByPropName);
 
 void TextByPropName(benchmark::State &state) {
     const CPropsStore &store = Store(0);
     for (auto _ : state) store.VisitText(kBorders, [](TextView text) { benchmark::DoNotOptimize(text.data()); });
-    Report(state);
+    bench::CountNanoseconds(state);
 }
 BENCHMARK(TextByPropName);
 
@@ -66,7 +61,7 @@ void TextByText(benchmark::State &state) {
     const CPropsStore &store = Store(0);
     const TextView name = ZCK_TEXT("keying.borders");
     for (auto _ : state) benchmark::DoNotOptimize(store.GetText(name, TextView()).data());
-    Report(state);
+    bench::CountNanoseconds(state);
 }
 BENCHMARK(TextByText);
 
@@ -78,7 +73,7 @@ void FrameReads(benchmark::State &state) {
         store.VisitText(kBorders, [](TextView text) { benchmark::DoNotOptimize(text.data()); });
         benchmark::DoNotOptimize(store.GetInt(kThreads, 6));
     }
-    Report(state);
+    bench::CountNanoseconds(state);
 }
 BENCHMARK(FrameReads);
 
