@@ -52,6 +52,8 @@ std::string FormatNames() {
     return out;
 }
 
+bool Fits(int32_t width, int32_t height) { return int64_t{width} * height * 4 <= INT32_MAX; }
+
 [[noreturn]] void BadSpec(const std::string &text, const std::string &why) {
     FailUsage("--raw " + text + ": " + why + " (FORMAT:WxH[@RATE][:WORD...], such as UYVY:720x576@25:top)");
 }
@@ -155,7 +157,14 @@ RawSpec ParseRawSpec(const std::string &text) {
     if (cross == std::string::npos) BadSpec(text, "\"" + size + "\" is no size");
     spec.width = ParseSide(text, std::string_view(size).substr(0, cross));
     spec.height = ParseSide(text, std::string_view(size).substr(cross + 1));
+    if (!Fits(spec.width, spec.height)) BadSpec(text, "the size is too large");
     return spec;
+}
+
+void RequireFits(const std::string &name, int32_t width, int32_t height) {
+    if (Fits(width, height)) return;
+    Fail(name + ": the size " + std::to_string(width) + "x" + std::to_string(height) +
+         " is too large, a frame has 2 GB at most");
 }
 
 int32_t PipeRowBytes(eZFCC fcc, int32_t width) { return static_cast<int32_t>(PipeRow64(fcc, width)); }

@@ -46,6 +46,8 @@ struct RawSpec {
 
 /// Ends the program with a usage line when the text is malformed.
 RawSpec ParseRawSpec(const std::string &text);
+/// Ends the program with a line about `name` when no frame of this size can be keyed: at 4 bytes a pixel it has 2 GB at most.
+void RequireFits(const std::string &name, int32_t width, int32_t height);
 /// "25", "29.97" (which means 30000/1001) or "30000/1001".
 std::optional<Rational> ParseRate(std::string_view text);
 

@@ -45,6 +45,7 @@ public:
             Fail(m_pipe.Name() + ": the size " + std::to_string(m_info.width) + "x" + std::to_string(m_info.height) +
                  " is out of range");
         }
+        RequireFits(m_pipe.Name(), m_info.width, m_info.height);
         const YuvMeaning bySize = MeaningBySize(m_info.width, m_info.height);
         m_meaning = {bySize.kr, bySize.kb, m_meaning.fullRange};
         m_info.timeBase = {m_info.rate.den, m_info.rate.num};
