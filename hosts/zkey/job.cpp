@@ -9,6 +9,7 @@
 #include "hosts/zkey/channel.h"
 #include "hosts/zkey/failure.h"
 #include "hosts/zkey/media.h"
+#include "hosts/zkey/obstacles.h"
 #include "hosts/zkey/padding.h"
 #include "hosts/zkey/plugin_door.h"
 #include "hosts/zkey/progress.h"
@@ -46,7 +47,8 @@ class Job {
 public:
     explicit Job(const KeyCommand &command) : m_command(command), m_reader(OpenReader(command)) {
         m_info = m_reader->Info();
-        if (SameFile(command.input, command.output)) FailUsage("the output would overwrite the input " + command.input);
+        RequireFits(command.input, m_info.width, m_info.height);
+        RequireNothingOverwritten();
         if (IsStill(command.output, command.format)) m_limit = 1;
         if (command.frames > 0 && m_limit == 0) m_limit = command.frames;
         RequirePictureWithin(command.garbage.value_or(Borders{}));
@@ -68,6 +70,21 @@ public:
     }
 
 private:
+    void RequireNothingOverwritten() const {
+        const KeyCommand &c = m_command;
+        const auto check = [](const char *what, const std::string &written, const char *of, const std::string &read) {
+            if (WouldOverwrite(written, read)) FailUsage(std::string(what) + " would overwrite the " + of + " " + read);
+        };
+        check("the output", c.output, "input", c.input);
+        check("the output", c.output, "background", c.over);
+        check("the output", c.output, "key", c.keyFile);
+        check("--save-key", c.saveKey, "input", c.input);
+        check("--save-key", c.saveKey, "background", c.over);
+        if (!c.saveKey.empty() && (c.saveKey == c.output || SameFile(c.saveKey, c.output))) {
+            FailUsage("the output and the saved key cannot both be " + c.output);
+        }
+    }
+
     void RequirePictureWithin(const Borders &b) const {
         if (b.left + b.right < m_info.width && b.top + b.bottom < m_info.height) return;
         const auto text = [](int n) { return std::to_string(n); };
@@ -223,7 +240,13 @@ private:
             Note(m_command.output +
                  " is one picture, so only the first frame is keyed; a name with %04d in it makes a sequence");
         }
-        m_writer = OpenWriter({m_command.output, m_command.format, m_command.codec, m_finish, m_command.quiet, m_info});
+        const bool isNew = !Exists(m_command.output);
+        try {
+            m_writer = OpenWriter({m_command.output, m_command.format, m_command.codec, m_finish, m_command.quiet, m_info});
+        } catch (const Failure &) {
+            if (isNew && IsFile(m_command.output)) RemoveFile(m_command.output);
+            throw;
+        }
     }
 
     /// Three threads in a row. The first failure stops all of them and is thrown at the end.
@@ -260,14 +283,12 @@ private:
     }
 
     void RemoveOutput() {
+        const std::string unfinished = m_writer->Unfinished();
         m_writer.reset();
-        if (m_command.output == "-") return;
-        if (m_command.output.find('%') != std::string::npos) {
-            Note("the pictures of " + m_command.output + " that were written before stay");
-        } else if (IsFile(m_command.output)) {
-            RemoveFile(m_command.output);
-            Note(m_command.output + " could not be completed and is removed");
-        }
+        if (!IsFile(unfinished)) return;
+        RemoveFile(unfinished);
+        Note(unfinished + " could not be completed and is removed" +
+             (unfinished == m_command.output ? "" : "; the pictures before it stay"));
     }
 
     template <class Body>
@@ -329,12 +350,25 @@ private:
 
     ExitStatus Report() {
         m_progress->Done(m_command.output);
-        if (!Interrupted()) return kExitDone;
+        if (!Interrupted()) {
+            NoteCut();
+            return kExitDone;
+        }
         if (!m_command.quiet) {
             Note("stopped after " + std::to_string(m_progress->Frames()) + " frames; " + m_command.output +
                  " is complete up to there");
         }
         return kExitInterrupted;
+    }
+
+    /// Many kinds of clips that are cut off just end early. What a clip says of itself need not be exact.
+    void NoteCut() const {
+        const bool steady = int64_t{m_info.timeBase.num} * m_info.rate.num == int64_t{m_info.timeBase.den} * m_info.rate.den;
+        const int64_t said = m_info.frames;
+        const int64_t came = m_progress->Frames();
+        if (m_limit > 0 || !steady || said - came <= std::max<int64_t>(2, said / 20)) return;
+        Note(m_command.input + " says that it has about " + std::to_string(said) + " frames, but " + std::to_string(came) +
+             " came; it may be cut off");
     }
 
     const KeyCommand &m_command;

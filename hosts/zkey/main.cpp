@@ -4,6 +4,7 @@
 #include "hosts/zkey/failure.h"
 #include "hosts/zkey/help.h"
 #include "hosts/zkey/job.h"
+#include "hosts/zkey/pipe.h"
 #include "hosts/zkey/progress.h"
 #include "hosts/zkey/props_command.h"
 #include "hosts/zkey/system.h"
@@ -13,8 +14,8 @@ namespace {
 using zkey::ExitStatus;
 
 ExitStatus Print(const std::string &text) {
-    std::fputs(text.c_str(), stdout);
-    return std::fflush(stdout) == 0 ? zkey::kExitDone : zkey::kExitFailed;
+    zkey::PrintOut(text);
+    return zkey::kExitDone;
 }
 
 ExitStatus Run(const std::vector<std::string> &arguments) {
@@ -48,6 +49,9 @@ int main(int argc, char **argv) {
         return failure.Status();
     } catch (const std::bad_alloc &) {
         zkey::Note("out of memory");
+        return zkey::kExitFailed;
+    } catch (const std::exception &other) {
+        zkey::Note(other.what());
         return zkey::kExitFailed;
     }
 }

@@ -56,6 +56,8 @@ public:
     virtual void Write(const ImageView &picture, int64_t time) = 0;
     /// Completes the file. Without it a destructed writer leaves what there is.
     virtual void Close() = 0;
+    /// The file that is no good when writing fails: that of the whole output, or of one picture.
+    virtual std::string Unfinished() const = 0;
 };
 
 /// A background of the size of the clip.

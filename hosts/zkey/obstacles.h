@@ -9,5 +9,7 @@ namespace zkey {
 void RequireFile(const std::string &path);
 /// Ends the program with a line that gives the system's reason when no file can be written there. Leaves no file behind.
 void RequireWritable(const std::string &path);
+/// True when both are one file, or one is a picture of the sequence that the other names.
+bool WouldOverwrite(const std::string &written, const std::string &read);
 
 }    // namespace zkey

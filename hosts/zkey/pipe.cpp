@@ -88,4 +88,10 @@ void PipeWriter::Close() {
 
 void PipeWriter::FailWrite() const { Fail("cannot write " + m_name + ": " + std::strerror(errno)); }
 
+void PrintOut(const std::string &text) {
+    PipeWriter out("-");
+    out.Write(text.data(), text.size());
+    out.Close();
+}
+
 }    // namespace zkey

@@ -55,4 +55,7 @@ private:
     std::string m_name;
 };
 
+/// A text to standard output. Ends the program with a line when it cannot be written.
+void PrintOut(const std::string &text);
+
 }    // namespace zkey

@@ -123,6 +123,11 @@ void Keyer::SaveKey(const std::string &path) {
     RequireWritable(path);
     Require(m_persist->PersistSaveToFile(nullptr, Counted(path).get(), nullptr), "cannot save the key to " + path);
     if (!IsFile(path)) Fail("cannot save the key to " + path);
+    const std::string saved = StartOf(path);
+    if (saved.empty() || !FindKeyDoubts(saved).refusal.empty()) {
+        RemoveFile(path);
+        Fail("cannot save the key to " + path + ": it could not be completed and is removed; is there space left?");
+    }
 }
 
 std::vector<std::pair<std::string, std::string>> Keyer::Props() {

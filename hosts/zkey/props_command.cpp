@@ -1,9 +1,9 @@
 #include "hosts/zkey/props_command.h"
 
 #include <algorithm>
-#include <cstdio>
 
 #include "hosts/zkey/help.h"
+#include "hosts/zkey/pipe.h"
 #include "hosts/zkey/plugin_door.h"
 #include "hosts/zkey/properties.h"
 #include "hosts/zkey/stored_props.h"
@@ -104,8 +104,8 @@ std::string Show(const Request &r) {
 ExitStatus RunPropsCommand(const std::vector<std::string> &arguments) {
     const Request r = Parse(arguments);
     const std::string text = r.help ? PropsHelp() : r.store || r.forget ? Change(r) : Show(r);
-    std::fputs(text.c_str(), stdout);
-    return std::fflush(stdout) == 0 ? kExitDone : kExitFailed;
+    PrintOut(text);
+    return kExitDone;
 }
 
 }    // namespace zkey

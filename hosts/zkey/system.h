@@ -8,7 +8,8 @@
 
 namespace zkey {
 
-/// Enters the object model for threads without a message queue and makes the standard streams binary.
+/// Enters the object model for threads without a message queue, makes the standard streams binary, and sees to it that no other
+/// file gets the number of one that is closed.
 void SystemStart();
 /// The command line without the program's name, as UTF-8.
 std::vector<std::string> Arguments(int argc, char **argv);

@@ -7,7 +7,7 @@ namespace {
 /// Frames of 4 bytes a pixel, one after the other, without headers and padding.
 class RawWriter : public MediaWriter {
 public:
-    explicit RawWriter(const std::string &path) : m_pipe(path) {}
+    explicit RawWriter(const std::string &path) : m_path(path), m_pipe(path) {}
 
     void Write(const ImageView &picture, int64_t) override {
         for (int y = 0; y < picture.height; ++y) m_pipe.Write(picture.Row(y), static_cast<std::size_t>(picture.width) * 4);
@@ -15,7 +15,10 @@ public:
 
     void Close() override { m_pipe.Close(); }
 
+    std::string Unfinished() const override { return m_path; }
+
 private:
+    std::string m_path;
     PipeWriter m_pipe;
 };
 

@@ -31,7 +31,10 @@ uint8_t Sum(const int32_t (&c)[3], const uint8_t *bgra, int32_t base) {
 class Y4mWriter : public MediaWriter {
 public:
     explicit Y4mWriter(const Delivery &d)
-        : m_pipe(d.path), m_matte(d.finish == Finish::Matte), m_coefficients(MeaningBySize(d.source.width, d.source.height)) {
+        : m_path(d.path),
+          m_pipe(d.path),
+          m_matte(d.finish == Finish::Matte),
+          m_coefficients(MeaningBySize(d.source.width, d.source.height)) {
         const SourceInfo &s = d.source;
         const std::size_t pixels = static_cast<std::size_t>(s.width) * static_cast<std::size_t>(s.height);
         m_planes.resize(pixels * (m_matte ? 1 : 3));
@@ -63,7 +66,10 @@ public:
 
     void Close() override { m_pipe.Close(); }
 
+    std::string Unfinished() const override { return m_path; }
+
 private:
+    std::string m_path;
     PipeWriter m_pipe;
     bool m_matte;
     Coefficients m_coefficients;

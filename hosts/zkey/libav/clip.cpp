@@ -28,7 +28,7 @@ bool IsPicture(const AVFormatContext *format, const std::string &path) {
 Clip::Clip(const std::string &path, bool audio, const char *hint)
     : m_path(path), m_frame(av_frame_alloc()), m_packet(av_packet_alloc()) {
     av_log_set_level(AV_LOG_FATAL);
-    int error = avformat_open_input(&m_format, path.c_str(), nullptr, nullptr);
+    int error = avformat_open_input(&m_format, LibavPath(path).c_str(), nullptr, nullptr);
     if (error < 0) {
         Fail(error == AVERROR_INVALIDDATA ? path + " is no clip or picture that can be read" + hint
                                           : "cannot open " + path + ": " + LibavError(error));

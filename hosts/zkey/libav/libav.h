@@ -27,6 +27,9 @@ struct LibavDelete {
 template <class T>
 using Libav = std::unique_ptr<T, LibavDelete>;
 
+/// A path as the libraries have to see it: what stands before a colon would be the name of a protocol to them.
+inline std::string LibavPath(const std::string &path) { return path.find(':') < path.find('/') ? "file:" + path : path; }
+
 /// An error number of the libraries in words.
 inline std::string LibavError(int error) {
     char text[AV_ERROR_MAX_STRING_SIZE] = {};

@@ -18,7 +18,7 @@ public:
         : m_path(delivery.path), m_source(delivery.source), m_frame(av_frame_alloc()), m_packet(av_packet_alloc()) {
         av_log_set_level(AV_LOG_FATAL);
         const char *format = delivery.format.empty() ? nullptr : delivery.format.c_str();
-        if (avformat_alloc_output_context2(&m_format, nullptr, format, m_path.c_str()) < 0) {
+        if (avformat_alloc_output_context2(&m_format, nullptr, format, LibavPath(m_path).c_str()) < 0) {
             FailUsage("cannot write " + m_path + ": no such kind of file; known are .mov, .webm, .mkv, .mp4, .png and more");
         }
         try {
@@ -55,13 +55,22 @@ public:
         }
     }
 
+    std::string Unfinished() const override {
+        char picture[4096];
+        const bool one = av_get_frame_filename(picture, sizeof picture, m_path.c_str(), m_written + 1) < 0;
+        return one || !IsSequence() ? m_path : picture;
+    }
+
 private:
     void Release() {
         if (m_format == nullptr) return;
-        if (m_format->pb != nullptr && (m_format->oformat->flags & AVFMT_NOFILE) == 0) avio_closep(&m_format->pb);
+        if (m_format->pb != nullptr && !IsSequence()) avio_closep(&m_format->pb);
         avformat_free_context(m_format);
         m_format = nullptr;
     }
+
+    /// Each picture is a file of its own, which the libraries open by themselves.
+    bool IsSequence() const { return (m_format->oformat->flags & AVFMT_NOFILE) != 0; }
 
     void Check(int status) const {
         if (status < 0) Fail("cannot write " + m_path + ": " + LibavError(status));
@@ -167,8 +176,8 @@ private:
     }
 
     void OpenFile() {
-        if ((m_format->oformat->flags & AVFMT_NOFILE) == 0) {
-            Check(avio_open(&m_format->pb, m_path.c_str(), AVIO_FLAG_WRITE));
+        if (!IsSequence()) {
+            Check(avio_open(&m_format->pb, LibavPath(m_path).c_str(), AVIO_FLAG_WRITE));
         } else if (m_path.find('%') == std::string::npos) {
             av_opt_set(m_format->priv_data, "update", "1", 0);
         }
@@ -210,6 +219,7 @@ private:
             m_packet->stream_index = m_stream->index;
             Check(av_interleaved_write_frame(m_format, m_packet.get()));
             if (m_format->pb != nullptr) Check(m_format->pb->error);
+            ++m_written;
         }
     }
 
@@ -245,6 +255,7 @@ private:
     Libav<AVPacket> m_packet;
     Libav<AVPacket> m_held;    ///< sound that is not due yet
     Libav<SwsContext> m_scaler;
+    int m_written = 0;    ///< pictures that are in the output
     int64_t m_end = 0;    ///< when the last picture ends
 };
 

@@ -30,7 +30,14 @@ void OnInterrupt(int) {
 
 }    // namespace
 
-void SystemStart() {}
+void SystemStart() {
+    // A standard stream that was closed is taken the wrong way round, so that using it fails and no other file gets its number.
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(stream, F_GETFD) < 0) open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    }
+    // A file that grows beyond the limit gives a write error instead of the end of the program.
+    std::signal(SIGXFSZ, SIG_IGN);
+}
 
 std::vector<std::string> Arguments(int argc, char **argv) { return {argv + (argc > 0 ? 1 : 0), argv + argc}; }
 

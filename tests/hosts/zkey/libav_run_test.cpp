@@ -169,6 +169,36 @@ TEST(LibavRun, FilesThatCannotBeReadAreNamedAsWhatTheyAre) {
     }
 }
 
+TEST(LibavRun, AClipThatBreaksOffIsTold) {
+    const Scratch scratch;
+    const std::string clip = SceneClip(scratch, "in.mkv");
+    const std::string options = " -q -c green -o " + scratch.Path("out.mkv");
+    EXPECT_EQ(RunProgram(scratch, "key " + clip + options).error, "");
+    Bytes bytes = scratch.Read("in.mkv");
+    bytes.resize(bytes.size() / 2);
+    const std::string part = scratch.Write("part.mkv", bytes);
+    const Outcome run = RunProgram(scratch, "key " + part + options);
+    EXPECT_EQ(run.status, kExitDone);
+    EXPECT_NE(run.error.find("part.mkv says that it has about 6 frames, but "), std::string::npos) << run.error;
+    EXPECT_GT(Decode(scratch.Path("out.mkv")).frames, 0);
+    EXPECT_EQ(RunProgram(scratch, "key " + part + options + " --frames 2").error, "");
+}
+
+TEST(LibavRun, NamesMayHaveColons) {
+    const Scratch scratch;
+    const std::string clip = SceneClip(scratch, "in.mkv");
+    // Relative names: behind a slash a colon is none of a protocol.
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(scratch.Path(""));
+    std::filesystem::rename("in.mkv", "10:15.mkv");
+    for (const char *out : {"a:b.mkv", "c:d.png", "e:%d.png"}) {
+        const Outcome run = RunProgram(scratch, std::string("key 10:15.mkv -q -c green -o ") + out);
+        EXPECT_EQ(run.status, kExitDone) << run.error;
+    }
+    EXPECT_TRUE(std::filesystem::exists("a:b.mkv") && std::filesystem::exists("c:d.png") && std::filesystem::exists("e:6.png"));
+    std::filesystem::current_path(before);
+}
+
 TEST(LibavRun, CompositesAndMattesGoToOpaqueClips) {
     const Scratch scratch;
     const std::string input = SceneClip(scratch, "in.mkv");

@@ -281,6 +281,24 @@ TEST(LibavWriter, OpaqueClipsKeepTheirColours) {
     }
 }
 
+TEST(LibavWriter, KnowsThePictureThatIsNotDone) {
+    const Scratch scratch;
+    const Image image = Fade();
+    const std::string sequence = scratch.Path("s_%02d.png");
+    const auto writer = OpenWriter(To(sequence, Finish::Straight));
+    EXPECT_EQ(writer->Unfinished(), scratch.Path("s_01.png"));
+    for (int i = 0; i < 3; ++i) writer->Write(image.View(), i);
+    writer->Close();
+    EXPECT_TRUE(std::filesystem::exists(scratch.Path("s_03.png")));
+    EXPECT_EQ(writer->Unfinished(), scratch.Path("s_04.png"));
+    for (const char *name : {"one.png", "clip%02d.mov"}) {
+        const auto whole = OpenWriter(To(scratch.Path(name), Finish::Straight));
+        whole->Write(image.View(), 0);
+        whole->Close();
+        EXPECT_EQ(whole->Unfinished(), scratch.Path(name));
+    }
+}
+
 TEST(LibavWriter, AMatteIsGreyInAPng) {
     const Scratch scratch;
     Image image = Fade();
