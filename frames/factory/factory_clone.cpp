@@ -128,6 +128,8 @@ HRESULT CCoZFFactory_I::ConvertBegin(Source *local, eZFCC fcc, FramePtr &clone, 
     const int32_t size = FrameBufferSize(&props);
     if (size < 1 || !PixelsFit(props, static_cast<uint32_t>(size))) return kVfwEInvalidMediaType;
     if (!PixelsFit(job.sourceProps, job.sourceSize)) return kVfwEInvalidMediaType;
+    // Before the buffer: the size that such a record states is not one that pixels stand for.
+    if (!HasRows(job.sourceProps)) return E_UNEXPECTED;
     hr = clone->VideoAlloc(static_cast<uint32_t>(size));
     if (FAILED(hr)) return hr;
     const FramePixels target = clone->Pixels();

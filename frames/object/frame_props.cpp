@@ -88,7 +88,7 @@ HRESULT CCoZFrame2::VideoRecordSet(Z_VID_PROPS asked) {
     const bool ownValid = VideoPropsValid(&own);
     constexpr int32_t kOneField = eZI_DeinterlaceF1 | eZI_DeinterlaceF2;
     if (ownValid && FieldOrderSign(&own) != 0 && (asked.eInterlace & kOneField) != 0) {
-        if (!PixelsFit(own, VideoSize())) return kVfwEInvalidMediaType;
+        if (!PixelsFit(own, VideoSize()) || !HasRows(own)) return kVfwEInvalidMediaType;
         int32_t field = (asked.eInterlace & eZI_DeinterlaceF1) != 0 ? 0 : 1;
         if (FieldOrderSign(&own) < 0) field = 1 - field;
         if (IsRgbFormat(own.fccType) && own.nHeight < 0) field = 1 - field;
@@ -104,7 +104,7 @@ HRESULT CCoZFrame2::VideoRecordSet(Z_VID_PROPS asked) {
     const Z_VID_PROPS fitted = RecordFitted(asked, own, VideoSize());
     const bool turns = IsRgbFormat(fitted.fccType) && (fitted.nHeight < 0) != (own.nHeight < 0) && VideoSize() != 0;
     if (turns) {
-        if (!PixelsFit(own, VideoSize())) return kVfwEInvalidMediaType;
+        if (!PixelsFit(own, VideoSize()) || !HasRows(own)) return kVfwEInvalidMediaType;
         PixelsTurn(own, VideoData());
     }
     own = fitted;

@@ -50,6 +50,15 @@ HRESULT ConvertOtherwise(const PixelJob &job) {
     return SUCCEEDED(hr) ? S_OK : hr;
 }
 
+// The record as an operation on pixels reads it.
+Z_VID_PROPS RecordUsed(const Z_VID_PROPS &props) {
+    Z_VID_PROPS used = props;
+    VideoPropsUpdate(&used, false);
+    // One line with row bytes is one line; the update takes it for a request for a sign.
+    if (std::abs(static_cast<int64_t>(props.nHeight)) == 1 && props.nRowBytes != 0) used.nHeight = props.nHeight;
+    return used;
+}
+
 // Rows are never shorter than their pixels, as in a record that has been normalised.
 int64_t UsedRowBytes(const Z_VID_PROPS &props) {
     return std::max<int64_t>(props.nRowBytes, IsPackedFormat(props.fccType) ? RowBytes(props.fccType, props.nWidth) : 0);
@@ -77,12 +86,13 @@ Z_VID_PROPS ConvertedRecord(const Z_VID_PROPS &source, eZFCC fcc) {
 }
 
 bool PixelsFit(const Z_VID_PROPS &props, uint32_t size) {
-    Z_VID_PROPS used = props;
-    VideoPropsUpdate(&used, false);
-    // One line with row bytes is one line; the update takes it for a request for a sign.
-    if (std::abs(static_cast<int64_t>(props.nHeight)) == 1 && props.nRowBytes != 0) used.nHeight = props.nHeight;
-    return VideoBytesNeeded(used) <= size;
+    const Z_VID_PROPS used = RecordUsed(props);
+    if (props.nWidth < 0 || VideoBytesNeeded(used) > size) return false;
+    // Rows of planes are as long as the record says, and it may say anything.
+    return !IsPlanarFormat(used.fccType) || used.nRowBytes >= used.nWidth;
 }
+
+bool HasRows(const Z_VID_PROPS &props) { return RecordUsed(props).nRowBytes != 0; }
 
 HRESULT PixelsConvert(const PixelJob &job) {
     if (!PixelsFit(job.sourceProps, job.sourceSize) || !PixelsFit(job.targetProps, job.targetSize))

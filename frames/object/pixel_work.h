@@ -19,8 +19,12 @@ CloneWork CloneWorkOf(const Z_VID_PROPS &source, int32_t videoSize, eZFCC fcc);
 /// The record of a picture after conversion: RGB formats with the top row first.
 Z_VID_PROPS ConvertedRecord(const Z_VID_PROPS &source, eZFCC fcc);
 
-/// Whether a buffer holds all pixels that a record states, as an operation would read the record.
+/// Whether a buffer holds all pixels that a record states, as an operation would read the record. False for a negative width
+/// and for planes whose rows are shorter than the picture is wide.
 bool PixelsFit(const Z_VID_PROPS &props, uint32_t size);
+
+/// False when the length of the rows is neither told nor known, so that there is nothing to convert.
+bool HasRows(const Z_VID_PROPS &props);
 
 /// One conversion. The target's buffer is as large as `FrameBufferSize` of its record.
 struct PixelJob {
