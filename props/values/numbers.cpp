@@ -114,7 +114,8 @@ AutoNumber AutoNumberFromText(TextView text) noexcept {
         const int digit = HexDigit(text[at]);
         if (digit < 0 || static_cast<uint64_t>(digit) >= base) break;
         const uint64_t add = static_cast<uint64_t>(digit);
-        number.magnitude = number.magnitude > (kMost - add) / base ? kMost : number.magnitude * base + add;
+        number.tooLarge = number.tooLarge || number.magnitude > (kMost - add) / base;
+        number.magnitude = number.tooLarge ? kMost : number.magnitude * base + add;
     }
     if (at == firstDigit) return AutoNumber();
     number.used = at;
@@ -131,9 +132,7 @@ uint32_t Hex32FromText(TextView text) noexcept {
 
 uint64_t Hex64FromText(TextView text) noexcept {
     const AutoNumber number = AutoNumberFromText(text);
-    // The largest value is also what a number beyond 64 bits has become, and that one is not negated.
-    const bool most = number.magnitude == std::numeric_limits<uint64_t>::max();
-    return number.negative && !most ? 0U - number.magnitude : number.magnitude;
+    return number.negative && !number.tooLarge ? 0U - number.magnitude : number.magnitude;
 }
 
 int64_t Int64FromText(TextView text) noexcept {

@@ -24,6 +24,7 @@ int32_t IntFromText(TextView text) noexcept;
 /// A number in the base that its text tells: "0x" hexadecimal, a leading 0 octal, otherwise decimal.
 struct AutoNumber {
     uint64_t magnitude = 0;    ///< saturates at the largest value
+    bool tooLarge = false;     ///< it did
     bool negative = false;
     size_t used = 0;    ///< characters read, leading space and sign included; 0 when there was no digit
 };

@@ -69,6 +69,7 @@ TEST(AutoBase, LooksNoFurtherThanItsText) {
 TEST(AutoBase, ThirtyTwoBitsNegateAndSaturate) {
     EXPECT_EQ(Hex32FromText(In("-1")), 0xFFFFFFFFU);
     EXPECT_EQ(Hex32FromText(In("-0x10")), 0xFFFFFFF0U);
+    EXPECT_EQ(Hex32FromText(In("-0xFFFFFFFF")), 1U);
     EXPECT_EQ(Hex32FromText(In("0xFFFFFFFF")), 0xFFFFFFFFU);
     EXPECT_EQ(Hex32FromText(In("0x100000000")), 0xFFFFFFFFU);
     EXPECT_EQ(Hex32FromText(In("-99999999999999999999999")), 0xFFFFFFFFU);
@@ -79,7 +80,11 @@ TEST(AutoBase, SixtyFourBitsNegateAndSaturate) {
     EXPECT_EQ(Hex64FromText(In("-2")), 0xFFFFFFFFFFFFFFFEU);
     EXPECT_EQ(Hex64FromText(In("18446744073709551615")), 0xFFFFFFFFFFFFFFFFU);
     EXPECT_EQ(Hex64FromText(In("18446744073709551616")), 0xFFFFFFFFFFFFFFFFU);
+    EXPECT_EQ(Hex64FromText(In("-18446744073709551615")), 1U);
+    EXPECT_EQ(Hex64FromText(In("-0xFFFFFFFFFFFFFFFF")), 1U);
     EXPECT_EQ(Hex64FromText(In("-18446744073709551616")), 0xFFFFFFFFFFFFFFFFU);
+    EXPECT_EQ(Hex64FromText(In("-0xFFFFFFFFFFFFFFFF00")), 0xFFFFFFFFFFFFFFFFU);
+    EXPECT_EQ(Int64FromText(In("-9223372036854775807")), -std::numeric_limits<int64_t>::max());
     EXPECT_EQ(Int64FromText(In("-9223372036854775808")), std::numeric_limits<int64_t>::min());
     EXPECT_EQ(Int64FromText(In("-9223372036854775809")), std::numeric_limits<int64_t>::min());
     EXPECT_EQ(Int64FromText(In("9223372036854775807")), std::numeric_limits<int64_t>::max());

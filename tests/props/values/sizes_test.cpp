@@ -21,8 +21,15 @@ TEST(SizeFromText, UnitStandsDirectlyBehindTheNumber) {
     ExpectSize("12 px", 12, SizeUnit::None);
     ExpectSize("12PX", 12, SizeUnit::None);
     ExpectSize("12p", 12, SizeUnit::None);
-    ExpectSize("px", 0, SizeUnit::Pixels);
     ExpectSize("", 0, SizeUnit::None);
+}
+
+TEST(SizeFromText, UnitNeedsNoNumber) {
+    ExpectSize("px", 0, SizeUnit::Pixels);
+    ExpectSize("pt", 0, SizeUnit::Points);
+    ExpectSize("%", 0, SizeUnit::Percent);
+    ExpectSize(" px", 0, SizeUnit::None);
+    ExpectSize("-px", 0, SizeUnit::None);
 }
 
 TEST(SizeFromText, PercentageIsNotDivided) { ExpectSize("50%", 50, SizeUnit::Percent); }
