@@ -119,10 +119,12 @@ private:
         positions.insert(std::lower_bound(positions.begin(), positions.end(), position), position);
     }
 
-    /// Leaves an empty row of positions behind: that is as good as none, and cannot fail.
+    /// A key that nobody bears any more goes with its last position: names may come and go for as long as a list lives.
     void IndexDrop(uint64_t key, size_t position) noexcept {
-        Positions &positions = m_index->find(key)->second;
+        const auto found = m_index->find(key);
+        Positions &positions = found->second;
         positions.erase(std::lower_bound(positions.begin(), positions.end(), position));
+        if (positions.empty()) m_index->erase(found);
     }
 
     void ShiftIndex(size_t from, std::ptrdiff_t by) noexcept {

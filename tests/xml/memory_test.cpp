@@ -11,6 +11,7 @@
 namespace {
 
 thread_local int64_t t_taken = 0;
+thread_local int64_t t_given = 0;
 /// So many more are given; below 0 all.
 thread_local int64_t t_left = -1;
 
@@ -22,14 +23,19 @@ void *Take(size_t size) {
     throw std::bad_alloc();
 }
 
+void Give(void *block) noexcept {
+    t_given += block != nullptr ? 1 : 0;
+    std::free(block);
+}
+
 }    // namespace
 
 void *operator new(size_t size) { return Take(size); }
 void *operator new[](size_t size) { return Take(size); }
-void operator delete(void *block) noexcept { std::free(block); }
-void operator delete[](void *block) noexcept { std::free(block); }
-void operator delete(void *block, size_t) noexcept { std::free(block); }
-void operator delete[](void *block, size_t) noexcept { std::free(block); }
+void operator delete(void *block) noexcept { Give(block); }
+void operator delete[](void *block) noexcept { Give(block); }
+void operator delete(void *block, size_t) noexcept { Give(block); }
+void operator delete[](void *block, size_t) noexcept { Give(block); }
 
 namespace zck::XMLParse {
 namespace {
@@ -55,6 +61,26 @@ TEST(Memory, TheFirstTypedReadOfATextTakesNone) {
     const int64_t before = t_taken;
     EXPECT_EQ(node->IntGet(name), 12);
     EXPECT_EQ(t_taken, before);
+}
+
+TEST(Memory, NamesThatComeAndGoLeaveNone) {
+    const XMLNodePtr node = CoXMLNode::Create(In("a"));
+    // So many are found through the index.
+    for (int32_t i = 0; i < 40; ++i) node->IntSet(Text(In("stays")).append(TextFromInt(i)), i);
+    const XMLNodePtr child = node->ChildAdd(In("c"));
+    for (int32_t i = 0; i < 40; ++i) node->ChildAdd(In("b"));
+    const auto round = [&](int32_t i) {
+        const Text name = Text(In("n")).append(TextFromInt(i));
+        node->IntSet(name, i);
+        EXPECT_TRUE(node->AttributeRemove(name));
+        child->NameSet(name);
+        node->NodeFindOrCreate(Text(name).append(In("x")));
+        EXPECT_TRUE(node->NodeRemove(Text(name).append(In("x"))));
+    };
+    round(-1);
+    const int64_t held = t_taken - t_given;
+    for (int32_t i = 0; i < 1000; ++i) round(i);
+    EXPECT_EQ(t_taken - t_given, held);
 }
 
 /// Runs a call with 0, 1, 2... blocks of memory until it is content; it has to answer `E_OUTOFMEMORY` before.
