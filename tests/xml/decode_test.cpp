@@ -68,6 +68,21 @@ TEST(Decode, TheTestOf16BitTextLooksAtAFirstPart) {
 TEST(Decode, TwoBytesAreNo16BitText) {
     EXPECT_EQ(DecodeBytes("a\0"s), Text({'a', 0}));
     EXPECT_EQ(DecodeBytes("\xFF\xFE"s), TextFromCodePage("\xFF\xFE"));
+    EXPECT_EQ(Decoded("a\0b"s), "a");    // three are
+    EXPECT_EQ(Decoded("\0ab"s), "a");
+}
+
+// The signs of UTF-8 come before those of UTF-7, and both before a zero byte that would tell of 16-bit text.
+TEST(Decode, TheFirstSignDecides) {
+    EXPECT_EQ(DecodeBytes("\xEF\xBB\xBF"
+                          "a\0bcdefg"s),
+              Text({'a', 0, 'b', 'c', 'd', 'e', 'f', 'g'}));
+    for (const std::string word : {"utf-8", "UTF-8", "utf-7", "uTf-7"}) {
+        EXPECT_EQ(Decoded("+/v8-" + word + "?>"), "+/v8-" + word + "?>");
+        EXPECT_EQ(DecodeBytes("\0"s + word + "?>"), Text(1, 0).append(In(word + "?>")));
+    }
+    EXPECT_EQ(Decoded("+/v9-<a/>"), "\uFEFF<a/>");
+    EXPECT_EQ(DecodeBytes("+/v9-\0x"s), Text({0xFEFF, 0, 'x'}));
 }
 
 TEST(Decode, Utf7) {

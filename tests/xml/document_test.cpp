@@ -106,6 +106,9 @@ TEST_F(Document, AnEmptyTextIsUnexpectedBehindTheFile) {
     EXPECT_EQ(SaveFile(*text, Path("empty"), false), E_UNEXPECTED);
     EXPECT_EQ(Bytes("empty"), "");
     EXPECT_EQ(SaveFile(*text, In(""), false), E_UNEXPECTED);
+    BSTR out = reinterpret_cast<BSTR>(&out);
+    EXPECT_EQ(SaveFile(*text, In(""), false, &out), E_UNEXPECTED);
+    EXPECT_EQ(out, nullptr);
 }
 
 TEST_F(Document, WithoutAPathOnlyTheTextIsGiven) {

@@ -30,6 +30,8 @@ TEST(Entities, OfTheThirdUnitOnlyTheLowByteCounts) {
     EXPECT_EQ(Decoded("&a\u016D;;x"), "&x");
     EXPECT_EQ(Decoded("&r\u0165;;x"), "\u00AEx");
     EXPECT_EQ(Decoded("&a\u0170;;;x"), "\u0170;;;x");
+    // Of the others all of it.
+    for (const char *text : {"&n\u0162", "&c\u016F", "&q\u0175"}) EXPECT_EQ(Decoded(text), std::string(text).substr(2));
 }
 
 TEST(Entities, EndWithTheText) {
@@ -70,6 +72,7 @@ TEST(Entities, NumbersOutOfRange) {
     EXPECT_EQ(Decoded("a&#65536;b"), "ab");
     EXPECT_EQ(Decoded("&#65601;"), "A");
     EXPECT_EQ(DecodeText(In("&#99999999999999999999999;"), false), Text(1, OLECHAR{0xFFFF}));
+    EXPECT_EQ(DecodeText(In("&#4294967361;"), false), Text(1, OLECHAR{0xFFFF}));
     EXPECT_EQ(DecodeText(In("&#x1000000041;"), false), Text(1, OLECHAR{0xFFFF}));
     EXPECT_EQ(DecodeText(In("&#xFFFFFFFFFFFFFFFFFFFF1;"), false), Text(1, OLECHAR{0xFFFF}));
 }

@@ -212,6 +212,8 @@ TEST(Parser, EndIsBehindTheElement) {
     EXPECT_EQ(EndOf("<![CDATA[x]]>y", 14), 13U);
     // Comments count, those behind the element do not.
     EXPECT_EQ(EndOf("<!--c--><a><?x?>1</a><!--d-->", 29), 21U);
+    EXPECT_EQ(EndOf("<?dddd?><a><!--c--></a><b/>", 27), 23U);
+    EXPECT_EQ(EndOf("<!--c--><a><?dddd?></a><b/>", 27), 23U);
     // And the text ends where it is told to.
     EXPECT_EQ(EndOf("<a>1</a>2", 5), 5U);
 }
