@@ -351,7 +351,7 @@ private:
     ExitStatus Report() {
         m_progress->Done(m_command.output);
         if (!Interrupted()) {
-            NoteCut();
+            NoteDamage();
             return kExitDone;
         }
         if (!m_command.quiet) {
@@ -362,13 +362,18 @@ private:
     }
 
     /// Many kinds of clips that are cut off just end early. What a clip says of itself need not be exact.
-    void NoteCut() const {
+    void NoteDamage() const {
+        const int64_t lost = m_reader->Lost();
+        if (lost > 0) {
+            Note(m_command.input + ": " + std::to_string(lost) +
+                 (lost == 1 ? " picture is damaged and left out" : " pictures are damaged and left out"));
+        }
         const bool steady = int64_t{m_info.timeBase.num} * m_info.rate.num == int64_t{m_info.timeBase.den} * m_info.rate.den;
         const int64_t said = m_info.frames;
-        const int64_t came = m_progress->Frames();
+        const int64_t came = m_progress->Frames() + lost;
         if (m_limit > 0 || !steady || said - came <= std::max<int64_t>(2, said / 20)) return;
-        Note(m_command.input + " says that it has about " + std::to_string(said) + " frames, but " + std::to_string(came) +
-             " came; it may be cut off");
+        Note(m_command.input + " says that it has about " + std::to_string(said) + " frames, but " +
+             std::to_string(came - lost) + " came; it may be cut off");
     }
 
     const KeyCommand &m_command;

@@ -45,6 +45,8 @@ public:
     virtual bool Next(Arrival &arrival) = 0;
     /// Goes on with this picture of the clip, counted from 0, or with one near it. False where there is no way to get there.
     virtual bool JumpTo(int64_t /*picture*/) { return false; }
+    /// How many pictures were too damaged to be given so far.
+    virtual int64_t Lost() const { return 0; }
     /// Writes the fetched picture into a frame of the announced format and at least the announced size.
     virtual void Store(uint8_t *pixels, const Z_VID_PROPS &props) = 0;
 };

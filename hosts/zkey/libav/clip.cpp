@@ -12,6 +12,8 @@ namespace {
 
 // As many pictures are decoded at most on the way to the one that is wanted.
 constexpr int kMostPassed = 100;
+// As many pictures in a row may be damaged before the clip is given up.
+constexpr int kMostDamaged = 1000;
 
 AVRational SteadyRate(AVFormatContext *format, AVStream *stream) {
     const AVRational guess = av_guess_frame_rate(format, stream, nullptr);
@@ -96,7 +98,7 @@ void Clip::Describe(bool audio) {
 
 AVFrame *Clip::Next() {
     if (std::exchange(m_found, false)) return m_frame.get();
-    for (;;) {
+    for (int damaged = 0;;) {
         av_frame_unref(m_frame.get());
         const int got = avcodec_receive_frame(m_decoder.get(), m_frame.get());
         if (got == 0) {
@@ -109,6 +111,11 @@ AVFrame *Clip::Next() {
             return m_frame.get();
         }
         if (got == AVERROR_EOF) return nullptr;
+        // A damaged picture is left out; the decoder goes on with the next, but need not get anywhere.
+        if (got == AVERROR_INVALIDDATA && ++damaged < kMostDamaged) {
+            ++m_lost;
+            continue;
+        }
         if (got != AVERROR(EAGAIN)) Fail("cannot decode " + m_path + ": " + LibavError(got));
         if (!FeedDecoder()) return nullptr;
     }
@@ -146,10 +153,10 @@ bool Clip::FeedDecoder() {
         if (m_packet->stream_index == m_sound) {
             KeepSound();
         } else if (m_packet->stream_index == m_stream->index) {
-            // A damaged packet costs its own picture; the decoder goes on with the next.
             const int sent = avcodec_send_packet(m_decoder.get(), m_packet.get());
             av_packet_unref(m_packet.get());
             if (sent < 0 && sent != AVERROR_INVALIDDATA) Fail("cannot decode " + m_path + ": " + LibavError(sent));
+            if (sent < 0) ++m_lost;
             return true;
         }
         av_packet_unref(m_packet.get());

@@ -25,6 +25,8 @@ public:
     bool JumpTo(int64_t picture);
     /// When the picture that `Next` gave is shown, in units of the time base; always later than the one before.
     int64_t Time() const { return m_time; }
+    /// How many pictures were too damaged to be decoded.
+    int64_t Lost() const { return m_lost; }
 
 private:
     void Describe(bool audio);
@@ -46,6 +48,7 @@ private:
     int64_t m_stamp = AV_NOPTS_VALUE;    ///< time stamp of the last picture
     bool m_found = false;                ///< the picture of the last jump waits in m_frame
     int64_t m_time = -1;
+    int64_t m_lost = 0;
 };
 
 /// Matrix and range of a picture.

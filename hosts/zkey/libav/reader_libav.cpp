@@ -24,6 +24,8 @@ public:
 
     bool JumpTo(int64_t picture) override { return m_clip.JumpTo(picture); }
 
+    int64_t Lost() const override { return m_clip.Lost(); }
+
     void Store(uint8_t *pixels, const Z_VID_PROPS &props) override { m_packer.Store(pixels, props); }
 
 private:

@@ -19,7 +19,7 @@ constexpr int kHeight = 181;
 constexpr int kFrames = 6;
 
 /// A clip of the scene, as `zkey` itself writes it when nothing is keyed.
-std::string SceneClip(const Scratch &scratch, const std::string &name) {
+std::string SceneClip(const Scratch &scratch, const std::string &name, const std::string &options = "") {
     Bytes clip;
     zck::SceneParams p;
     p.width = kWidth;
@@ -30,10 +30,17 @@ std::string SceneClip(const Scratch &scratch, const std::string &name) {
         clip.insert(clip.end(), picture.pixels.begin(), picture.pixels.end());
     }
     scratch.Write("scene.raw", clip);
-    const Outcome run = RunProgram(scratch, "key " + scratch.Path("scene.raw") +
-                                                " --raw RGB32:322x181@30 --type Alpha --over black -o " + scratch.Path(name));
+    const Outcome run =
+        RunProgram(scratch, "key " + scratch.Path("scene.raw") + " --raw RGB32:322x181@30 --type Alpha --over black -o " +
+                                scratch.Path(name) + options);
     EXPECT_EQ(run.status, 0) << run.error;
     return scratch.Path(name);
+}
+
+/// Where a PNG starts, at this byte or behind it.
+std::size_t StartOfPng(const Bytes &bytes, std::size_t at) {
+    while (at + 3 < bytes.size() && !(bytes[at] == 0x89 && bytes[at + 1] == 'P' && bytes[at + 2] == 'N')) ++at;
+    return at;
 }
 
 struct Decoded {
@@ -182,6 +189,23 @@ TEST(LibavRun, AClipThatBreaksOffIsTold) {
     EXPECT_NE(run.error.find("part.mkv says that it has about 6 frames, but "), std::string::npos) << run.error;
     EXPECT_GT(Decode(scratch.Path("out.mkv")).frames, 0);
     EXPECT_EQ(RunProgram(scratch, "key " + part + options + " --frames 2").error, "");
+}
+
+TEST(LibavRun, DamagedPicturesAreLeftOutAndTold) {
+    const Scratch scratch;
+    SceneClip(scratch, "in.mov", " --codec png");
+    Bytes bytes = scratch.Read("in.mov");
+    // In the middle of the file lies the third or the fourth picture. The last one fails when the decoder is emptied.
+    std::size_t last = 0;
+    for (std::size_t at = 0; at + 3 < bytes.size(); at = StartOfPng(bytes, at + 1)) last = at;
+    for (const std::size_t at : {StartOfPng(bytes, bytes.size() / 2), last}) {
+        std::fill_n(bytes.begin() + static_cast<std::ptrdiff_t>(at), 4000, 0);
+    }
+    const Outcome run =
+        RunProgram(scratch, "key " + scratch.Write("bad.mov", bytes) + " -q -c green -o " + scratch.Path("out.mkv"));
+    EXPECT_EQ(run.status, kExitDone);
+    EXPECT_NE(run.error.find("bad.mov: 2 pictures are damaged and left out"), std::string::npos) << run.error;
+    EXPECT_EQ(Decode(scratch.Path("out.mkv")).frames, kFrames - 2);
 }
 
 TEST(LibavRun, NamesMayHaveColons) {
