@@ -13,6 +13,8 @@ using zck::Bstr;
 using zck::Text;
 using zck::TextView;
 
+inline constexpr TextView kNothing;    // a view of nothing
+
 inline Text T(std::string_view utf8) { return zck::TextFromUtf8(utf8); }
 inline Bstr B(std::string_view utf8) { return Bstr(T(utf8)); }
 inline std::string Say(TextView text) { return zck::Utf8FromText(text); }
