@@ -62,6 +62,8 @@ bool Takes(const AVCodec &codec, AVPixelFormat format) {
 
 /// The format of this encoder that loses least.
 AVPixelFormat BestPixels(const AVCodec &codec, bool alpha) {
+    // This one takes full range only, whatever it lists.
+    if (codec.id == AV_CODEC_ID_MJPEG) return AV_PIX_FMT_YUVJ420P;
     if (codec.pix_fmts == nullptr) return alpha ? AV_PIX_FMT_BGRA : AV_PIX_FMT_BGR0;
     // Encoders that do both take 4:2:0 when there is a choice: not every player shows more.
     if (!alpha && Takes(codec, AV_PIX_FMT_YUV420P)) return AV_PIX_FMT_YUV420P;

@@ -94,7 +94,7 @@ private:
         m_encoder->thread_count = 0;
         if (IsYuv()) {
             const bool high = MeaningBySize(m_source.width, m_source.height).IsBt709();
-            const bool jpeg = choice.pixels == AV_PIX_FMT_YUVJ444P;
+            const bool jpeg = choice.pixels == AV_PIX_FMT_YUVJ444P || choice.pixels == AV_PIX_FMT_YUVJ420P;
             m_encoder->colorspace = high && !jpeg ? AVCOL_SPC_BT709 : AVCOL_SPC_SMPTE170M;
             m_encoder->color_primaries = high ? AVCOL_PRI_BT709 : AVCOL_PRI_SMPTE170M;
             m_encoder->color_trc = high ? AVCOL_TRC_BT709 : AVCOL_TRC_SMPTE170M;

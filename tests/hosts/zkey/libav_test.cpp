@@ -264,9 +264,11 @@ TEST(LibavWriter, OpaqueClipsKeepTheirColours) {
     const Scratch scratch;
     Image image = Fade();
     for (std::size_t i = 3; i < image.bytes.size(); i += 4) image.bytes[i] = 255;
-    for (const char *name : {"a.mp4", "b.mkv", "c.mov", "d.webm", "e.jpg", "f.bmp", "g.png", "h.tif"}) {
+    for (const char *name :
+         {"a.mp4", "b.mkv", "c.mov", "d.webm", "e.jpg", "f.bmp", "g.png", "h.tif", "mjpeg.avi", "mjpeg.mov"}) {
         SCOPED_TRACE(name);
-        WriteFrames(To(scratch.Path(name), Finish::Over), image, 1);
+        const bool mjpeg = std::string_view(name).starts_with("mjpeg");
+        WriteFrames(To(scratch.Path(name), Finish::Over, mjpeg ? "mjpeg" : ""), image, 1);
         Clip clip(scratch.Path(name), false);
         const AVFrame *frame = clip.Next();
         ASSERT_NE(frame, nullptr);
