@@ -1,4 +1,6 @@
 // Clones of our own frames, on both roads.
+#include <cstdlib>
+
 #include "frames/object/frame.h"
 #include "tests/frames/object/frame_fixture.h"
 
@@ -187,6 +189,16 @@ TEST_F(FrameClones, SameFormatIsAPlainClone) {
     const auto clone = Clone(m_frame.get(), eZFC_VideoRef, eZFCC_UYVY);
     EXPECT_EQ(VideoOf(m_frame).address, VideoOf(clone).address);
     EXPECT_EQ(VideoOf(m_frame).address, VideoOf(As<IZFrame>(CloneF(eZFC_VideoRef, eZFCC_UYVY))).address);
+}
+
+// From one line on a bottom-up picture is turned, into its own format as well, and a reference to it gets pixels of its own.
+TEST_F(FrameClones, BottomUpPicturesOfOneLineAreTurnedToo) {
+    for (const int32_t height : {1, 2, -1, -2}) {
+        const ComPtr<IZFrame_I> frame = Frame(Record(eZFCC_RGB32, 8, height));
+        const auto clone = Clone(frame.get(), eZFC_VideoRef, eZFCC_RGB32);
+        EXPECT_EQ(-std::abs(height), PropsOf(clone).vidProps.nHeight);
+        EXPECT_EQ(height < 0, VideoOf(clone).address == VideoOf(frame).address) << height;
+    }
 }
 
 // Formats of the same bytes: the clone shares the pixels and has another label.
