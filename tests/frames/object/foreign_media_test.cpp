@@ -72,5 +72,37 @@ TEST_F(ForeignMedia, RefusalsAreHandedOnWithoutAClone) {
     EXPECT_EQ(1U, (m_source->AddRef(), m_source->Release()));
 }
 
+// A clone by reference names the section of its source, of whichever family that is.
+TEST_F(ForeignMedia, TheSectionIsAskedOfEitherFamily) {
+    ForeignState state;
+    state.props.vidProps = Record(eZFCC_UYVY, 64, 48);
+    state.video = Pattern(64 * 48 * 2);
+    state.section = 0x1234567890;
+    ComPtr<IZFrame_I> quorvex;
+    const auto first = ForeignCreate<ForeignQuorvex, IZFrame_I>(state);
+    ASSERT_EQ(S_OK, m_factory->FrameCloneConvert(first.get(), quorvex.Put(), eZFC_VideoRef, eZFCC_Default));
+    ComPtr<IZFFrame> clone;
+    const auto second = ForeignCreate<ForeignTessilu, IZFFrame>(state);
+    ASSERT_EQ(S_OK, As<IZFFactory>(m_factory)->ZFCloneConvert(second.get(), clone.Put(), eZFC_VideoRef, eZFCC_Default));
+    const auto tessilu = As<IZFrame_I>(clone);
+    for (const auto &frame : {quorvex, tessilu}) {
+        int64_t id = 0;
+        EXPECT_EQ(S_OK, frame->FrameBufferIdGet(&id));
+        EXPECT_EQ(state.section, id);
+        ZF_INFO info = {};
+        EXPECT_EQ(S_OK, As<IZFFrame>(frame)->ZFInfoGet(&info));
+        EXPECT_EQ(state.section, info.llSectionId);
+    }
+    // One that has none, and one that does not say.
+    int64_t id = 7;
+    state.section = 0;
+    EXPECT_EQ(kErrorEmpty, quorvex->FrameBufferIdGet(&id));
+    EXPECT_EQ(kErrorEmpty, tessilu->FrameBufferIdGet(&id));
+    EXPECT_EQ(0, id);
+    state.section = 5;
+    state.infoStatus = E_FAIL;
+    EXPECT_EQ(kErrorEmpty, tessilu->FrameBufferIdGet(&id));
+}
+
 }    // namespace
 }    // namespace zck::test
