@@ -143,8 +143,6 @@ TEST_F(SampleBuffers, PropertiesByIdentifier) {
 
 class PlanarClones : public Frames {};
 
-Shape ShapeOf(const Z_VID_PROPS &p) { return {p.fccType, p.nWidth, p.nHeight, p.nRowBytes}; }
-
 // The bytes of a new picture converted from another one.
 Bytes Converted(const Bytes &src, const Z_VID_PROPS &from, const Z_VID_PROPS &to) {
     Bytes dst(static_cast<size_t>(BufferSize(&to)), 0);

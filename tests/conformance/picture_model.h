@@ -19,6 +19,7 @@ struct Shape {
 
     int32_t Rows() const { return height < 0 ? -height : height; }
 };
+inline Shape ShapeOf(const Z_VID_PROPS &p) { return {p.fccType, p.nWidth, p.nHeight, p.nRowBytes}; }
 
 bool Is420(eZFCC fcc);
 bool IsGroups(eZFCC fcc);    // packed 4:2:2 of eight bits

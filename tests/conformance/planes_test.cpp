@@ -1,13 +1,10 @@
-// Pictures as planes and back, conversions without a route, conversions on several threads.
+// Pictures as planes and back.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <string>
 
 #include "imaging/colour/planar_image.h"
-#include "imaging/colour/planar_plan.h"
-#include "imaging/convert/copy_frame.h"
-#include "imaging/convert/img_convert.h"
 #include "tests/conformance/both_levels.h"
 #include "tests/conformance/dice.h"
 #include "tests/conformance/media_model.h"
@@ -25,8 +22,6 @@ constexpr HRESULT kBadMedia = static_cast<HRESULT>(0x80040248);
 constexpr size_t kGuard = 64;
 constexpr eZFCC kHalves[] = {eZFCC_I420, eZFCC_YV12, eZFCC_NV12};
 constexpr eZFCC kFull[] = {eZFCC_YUY2, eZFCC_YVYU, eZFCC_UYVY, eZFCC_HDYC, eZFCC_RGB24, eZFCC_RGB32, eZFCC_ARGB32};
-
-Shape ShapeOf(const Z_VID_PROPS &p) { return {p.fccType, p.nWidth, p.nHeight, p.nRowBytes}; }
 
 // The sample that a picture has in a plane.
 int Sample(const Bytes &memory, const Shape &shape, int32_t plane, int32_t x, int32_t y) {
@@ -266,174 +261,6 @@ TEST(Planes, PackingRefusals) {
     EXPECT_EQ(dst, Bytes(1024, 3));
     EXPECT_EQ(PackPlanes(&full.image, dst.data(), 128, eZFCC_UYVY, 32), S_OK);
     EXPECT_EQ(PackPlanes(&half.image, dst.data(), 96, eZFCC_I420, 16), S_OK);
-}
-
-// Conversions of whole pictures without a route.
-const std::vector<eZFCC> &Pictures() {
-    static const std::vector<eZFCC> all = {eZFCC_I420, eZFCC_YV12, eZFCC_NV12,  eZFCC_YVYU,  eZFCC_YUY2,
-                                           eZFCC_UYVY, eZFCC_HDYC, eZFCC_RGB24, eZFCC_RGB32, eZFCC_ARGB32};
-    return all;
-}
-
-TEST(WithoutRoute, EveryPairAgreesWithTheModel) {
-    const uint32_t seed = 92004;
-    Dice dice(seed);
-    zck::ImgConvertState state;
-    for (int round = 0; round < 25; ++round)
-        for (const eZFCC from : Pictures())
-            for (const eZFCC to : Pictures()) {
-                const int32_t w = dice(1, 60), h = dice(1, 8);
-                Z_VID_PROPS sp = Picture(from, w, h), tp = Picture(to, w, h);
-                for (Z_VID_PROPS *p : {&sp, &tp}) {
-                    if (Rgb(p->fccType) && dice(0, 1) != 0) p->nHeight = -h;
-                    if (dice(0, 2) == 0) p->nRowBytes += dice(0, 20);
-                    p->eInterlace = dice(0, 1) != 0 ? eZI_Field1First : eZI_Field2First;    // of no meaning here
-                }
-                const Shape a = ShapeOf(sp), b = ShapeOf(tp);
-                const Bytes src = dice.Noise(BytesOf(a));
-                const Bytes before = dice.Noise(BytesOf(b) + 2 * kGuard);
-                Bytes want(before.begin() + kGuard, before.end() - kGuard);
-                const HRESULT should = PictureModel(src, a, want, b, nullptr, nullptr);
-                BothLevels([&] {
-                    Bytes all = before;
-                    ASSERT_EQ(zck::ImgConvert(&state, src.data(), static_cast<int64_t>(src.size()), all.data() + kGuard,
-                                              static_cast<int64_t>(want.size()), &sp, &tp),
-                              should)
-                        << Words(sp) << "\n"
-                        << Words(tp);
-                    for (size_t i = 0; i < all.size(); ++i) {
-                        const bool inside = i >= kGuard && i < kGuard + want.size();
-                        ASSERT_EQ(all[i], inside ? want[i - kGuard] : before[i])
-                            << Words(sp) << "\n"
-                            << Words(tp) << "\nat " << static_cast<int64_t>(i) - static_cast<int64_t>(kGuard);
-                    }
-                });
-                ASSERT_FALSE(HasFatalFailure()) << "seed " << seed;
-            }
-}
-
-TEST(WithoutRoute, BadInputWritesNothing) {
-    zck::ImgConvertState state;
-    Bytes src(8192, 1), dst(8192, 2);
-    const Z_VID_PROPS i420 = Picture(eZFCC_I420, 16, 8), uyvy = Picture(eZFCC_UYVY, 16, 8);
-    const auto convert = [&](const Z_VID_PROPS &a, int64_t have, const Z_VID_PROPS &b, int64_t room) {
-        return zck::ImgConvert(&state, src.data(), have, dst.data(), room, &a, &b);
-    };
-    EXPECT_EQ(zck::ImgConvert(nullptr, src.data(), 8192, dst.data(), 8192, &i420, &uyvy), E_INVALIDARG);
-    EXPECT_EQ(zck::ImgConvert(&state, nullptr, 8192, dst.data(), 8192, &i420, &uyvy), E_INVALIDARG);
-    EXPECT_EQ(zck::ImgConvert(&state, src.data(), 8192, nullptr, 8192, &i420, &uyvy), E_INVALIDARG);
-    EXPECT_EQ(zck::ImgConvert(&state, src.data(), 8192, dst.data(), 8192, nullptr, &uyvy), E_INVALIDARG);
-    EXPECT_EQ(zck::ImgConvert(&state, src.data(), 8192, dst.data(), 8192, &i420, nullptr), E_INVALIDARG);
-    EXPECT_EQ(convert(i420, 191, uyvy, 8192), kBadMedia);
-    EXPECT_EQ(convert(i420, 192, uyvy, 255), kBadMedia);
-    EXPECT_EQ(convert(uyvy, 256, i420, 191), kBadMedia);
-    Z_VID_PROPS p = i420;
-    p.nHeight = 6;
-    EXPECT_EQ(convert(p, 8192, uyvy, 8192), E_INVALIDARG);
-    p = i420;
-    p.nWidth = 14;
-    EXPECT_EQ(convert(p, 8192, uyvy, 8192), E_INVALIDARG);
-    p = i420;
-    p.nRowBytes = 0;
-    EXPECT_EQ(convert(p, 8192, uyvy, 8192), E_UNEXPECTED);
-    p = {};
-    EXPECT_EQ(convert(p, 8192, uyvy, 8192), E_UNEXPECTED);
-    for (const eZFCC fcc : {eZFCC_v210, eZFCC_r210, eZFCC_RGB8}) {
-        const Z_VID_PROPS odd = Picture(fcc, 16, 8);
-        EXPECT_EQ(convert(odd, 8192, uyvy, 8192), S_OK) << std::hex << fcc;
-        EXPECT_EQ(convert(i420, 8192, odd, 8192), S_OK) << std::hex << fcc;
-    }
-    EXPECT_EQ(convert(Picture(eZFCC_I420, 1, 8), 8192, Picture(eZFCC_RGB32, 1, 8), 8192), S_FALSE);
-    EXPECT_EQ(dst, Bytes(8192, 2));
-}
-
-TEST(WithoutRoute, RowByRowIsTheSame) {
-    const uint32_t seed = 92005;
-    Dice dice(seed);
-    for (int round = 0; round < 120; ++round)
-        for (const eZFCC from : {eZFCC_I420, eZFCC_YV12, eZFCC_NV12, eZFCC_YVYU})
-            for (const eZFCC to : {eZFCC_RGB32, eZFCC_ARGB32}) {
-                const int32_t w = dice(2, 80), h = dice(1, 9);
-                Z_VID_PROPS sp = Picture(from, w, h), tp = Picture(to, w, dice(0, 1) != 0 ? h : -h);
-                if (dice(0, 1) != 0) sp.nRowBytes += dice(0, 4) * 2;
-                const Shape a = ShapeOf(sp), b = ShapeOf(tp);
-                const Bytes src = dice.Noise(BytesOf(a));
-                Bytes want(BytesOf(b), 0);
-                ASSERT_EQ(PictureModel(src, a, want, b, nullptr, nullptr), S_OK);
-                BothLevels([&] {
-                    zck::PlanarPlan plan;
-                    ASSERT_EQ(plan.Prepare(&sp, static_cast<int64_t>(src.size()), &tp, static_cast<int64_t>(want.size())), S_OK)
-                        << Words(sp) << "\n"
-                        << Words(tp);
-                    ASSERT_EQ(plan.Width(), w);
-                    ASSERT_EQ(plan.Rows(), h);
-                    ASSERT_TRUE(plan.RowsIndependent());
-                    Bytes got(want.size(), 0xEE);
-                    const int32_t middle = dice(0, h);
-                    plan.RunRows(src.data(), got.data(), middle, h);
-                    for (int32_t y = 0; y < middle; ++y) plan.RunRows(src.data(), got.data(), y, y + 1);
-                    ASSERT_EQ(got, want) << Words(sp) << "\n" << Words(tp) << " seed " << seed;
-                });
-                ASSERT_FALSE(HasFatalFailure());
-            }
-}
-
-TEST(WithoutRoute, RowByRowRefusals) {
-    zck::PlanarPlan plan;
-    const Z_VID_PROPS i420 = Picture(eZFCC_I420, 16, 8), rgb = Picture(eZFCC_RGB32, 16, -8);
-    EXPECT_EQ(plan.Prepare(nullptr, 192, &rgb, 512), E_POINTER);
-    EXPECT_EQ(plan.Prepare(&i420, 192, nullptr, 512), E_POINTER);
-    EXPECT_EQ(plan.Prepare(&i420, 191, &rgb, 512), kBadMedia);
-    EXPECT_EQ(plan.Prepare(&i420, 192, &rgb, 511), kBadMedia);
-    EXPECT_EQ(plan.Prepare(&i420, 192, &rgb, 512), S_OK);
-    for (const eZFCC fcc : {eZFCC_RGB24, eZFCC_UYVY, eZFCC_I420, eZFCC_v210}) {
-        const Z_VID_PROPS p = Picture(fcc, 16, 8);
-        EXPECT_EQ(plan.Prepare(&i420, 192, &p, 4096), kNoRoute) << std::hex << fcc;
-    }
-    for (const eZFCC fcc : {eZFCC_RGB32, eZFCC_UYVY, eZFCC_v210}) {
-        const Z_VID_PROPS p = Picture(fcc, 16, 8);
-        EXPECT_EQ(plan.Prepare(&p, 4096, &rgb, 512), kNoRoute) << std::hex << fcc;
-    }
-    Z_VID_PROPS p = i420;
-    p.nRowBytes = 0;
-    EXPECT_EQ(plan.Prepare(&p, 192, &rgb, 512), E_UNEXPECTED);
-}
-
-TEST(OnThreads, BytesAndStatusesAreThoseOfOne) {
-    const uint32_t seed = 92006;
-    Dice dice(seed);
-    const eZFCC all[] = {eZFCC_RGB32, eZFCC_ARGB32, eZFCC_RGB24, eZFCC_UYVY, eZFCC_HDYC, eZFCC_YUY2, eZFCC_v210};
-    for (const eZFCC from : all)
-        for (const eZFCC to : all)
-            for (const int32_t h : {1, 3, 240, 243, -243}) {
-                const int32_t w = h == 240 ? 720 : dice(300, 420);
-                Z_VID_PROPS sp = Picture(from, w, Rgb(from) ? h : std::abs(h)), tp = Picture(to, w, Rgb(to) ? h : std::abs(h));
-                const eZInterlace orders[] = {eZI_Progressive, eZI_Field1First, eZI_Field2First};
-                sp.eInterlace = orders[dice(0, 2)];
-                tp.eInterlace = orders[dice(0, 2)];
-                const auto size = [](const Z_VID_PROPS &p) {
-                    return static_cast<size_t>(p.nRowBytes) * static_cast<size_t>(std::abs(p.nHeight));
-                };
-                const Bytes src = dice.Noise(size(sp)), before = dice.Noise(size(tp) + 2 * kGuard);
-                Bytes want(before.begin() + kGuard, before.end() - kGuard), all2 = before;
-                const HRESULT should = ConvertModel(src, want, sp, tp).hr;
-                ASSERT_EQ(zck::CopyFrameCC_Thread(src.data(), static_cast<int64_t>(src.size()), all2.data() + kGuard,
-                                                  static_cast<int64_t>(want.size()), &sp, &tp),
-                          should)
-                    << Words(sp) << "\n"
-                    << Words(tp);
-                const Bytes got(all2.begin() + kGuard, all2.end() - kGuard);
-                ASSERT_TRUE(got == want) << Words(sp) << "\n" << Words(tp) << " seed " << seed;
-                for (size_t i = 0; i < kGuard; ++i) {
-                    ASSERT_EQ(all2[i], before[i]);
-                    ASSERT_EQ(all2[all2.size() - 1 - i], before[all2.size() - 1 - i]);
-                }
-            }
-    const Z_VID_PROPS p = Picture(eZFCC_I420, 320, 240), q = Picture(eZFCC_RGB32, 320, 240);
-    Bytes a(320 * 240 * 2), b(320 * 240 * 4);
-    EXPECT_EQ(zck::CopyFrameCC_Thread(a.data(), 115200, b.data(), 307200, &p, &q), kNoRoute);
-    EXPECT_EQ(zck::CopyFrameCC_Thread(nullptr, 115200, b.data(), 307200, &p, &q), E_POINTER);
-    EXPECT_EQ(zck::CopyFrameCC_Thread(b.data(), 307199, b.data(), 307200, &q, &q), kBadMedia);
 }
 
 }    // namespace
