@@ -71,6 +71,10 @@ public:
     Z_AV_PROPS &Props() noexcept { return m_props; }
     FramePixels Pixels() const noexcept;
 
+    /// To be held by whoever fills the pixels of a frame that others know already. Operations of `IZFFrame` that read pixels
+    /// wait for it, those of `IZFrame` do not.
+    CriticalSection &AsyncSection() noexcept { return m_csAsync; }
+
     /// The pixels of a frame that others know too.
     FramePixels PixelsGet() noexcept;
 
@@ -235,7 +239,7 @@ private:
     CBLOBHolder<CCoTaskAlloc> m_audioRef;
     ComPtr<IUnknown> m_pSource;
     ComPtr<IZFrames_I> m_pFactory;
-    CriticalSection m_csAsync;    // held by whoever fills the frame asynchronously
+    CriticalSection m_csAsync;
     FrameRWLock m_lockMedia;
     FrameRWLock m_lockData;
     TextMap m_mapText;
