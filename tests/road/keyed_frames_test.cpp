@@ -8,75 +8,13 @@
 #include <string>
 #include <vector>
 
+#include "tests/road/keyer.h"
 #include "tests/road/scalar_walk.h"
-#include "zchromakey/zchromakey.h"
 
 namespace zck {
 namespace {
 
 using Bytes = std::vector<uint8_t>;
-
-/// The plug-in behind its door, in synchronous mode.
-class Keyer {
-public:
-    Keyer() {
-        IClassFactory *factory = nullptr;
-        EXPECT_EQ(DllGetClassObject(CLSID_ZChromaKey, IID_IClassFactory, reinterpret_cast<void **>(&factory)), S_OK);
-        EXPECT_EQ(factory->CreateInstance(nullptr, IID_IZPlugin, reinterpret_cast<void **>(&m_plugin)), S_OK);
-        factory->Release();
-        EXPECT_EQ(m_plugin->QueryInterface(IID_IZChromaKey, reinterpret_cast<void **>(&m_key)), S_OK);
-        EXPECT_EQ(m_plugin->QueryInterface(IID_IZProps, reinterpret_cast<void **>(&m_props)), S_OK);
-        EXPECT_EQ(ZFramesCreate(IID_IZFrames, reinterpret_cast<void **>(&m_frames)), S_OK);
-        Set("output.thread", "false");
-    }
-    Keyer(const Keyer &) = delete;
-    Keyer &operator=(const Keyer &) = delete;
-    ~Keyer() {
-        m_props->Release();
-        m_key->Release();
-        m_plugin->Release();
-        m_frames->Release();
-    }
-
-    void Set(const char *name, const std::string &value) {
-        BSTR bsName = Text(name);
-        BSTR bsValue = Text(value);
-        EXPECT_EQ(m_props->PropsSet(bsName, bsValue), S_OK);
-        SysFreeString(bsName);
-        SysFreeString(bsValue);
-    }
-
-    HRESULT Run(const Z_VID_PROPS &props, const Bytes &pixels, CHROMA_KEY_RAW key, Bytes *result) {
-        EXPECT_EQ(m_key->KeyRawSet(&key), S_OK);
-        Z_VID_PROPS record = props;
-        IZFrame *in = nullptr;
-        EXPECT_EQ(m_frames->FrameCreateFromProps(&record, reinterpret_cast<int64_t>(pixels.data()), &in, nullptr), S_OK);
-        IZFrame *out = nullptr;
-        const HRESULT hr = m_plugin->OnMediaReceive(0, nullptr, in, &out);
-        in->Release();
-        result->clear();
-        if (out == nullptr) return hr;
-        int32_t bytes = 0;
-        int64_t address = 0;
-        out->FrameVideoGetBytes(&bytes, &address);
-        const auto *data = reinterpret_cast<const uint8_t *>(address);
-        result->assign(data, data + bytes);
-        out->Release();
-        return hr;
-    }
-
-private:
-    static BSTR Text(const std::string &ascii) {
-        BSTR text = SysAllocStringLen(nullptr, static_cast<uint32_t>(ascii.size()));
-        for (std::size_t i = 0; i < ascii.size(); ++i) text[i] = static_cast<OLECHAR>(ascii[i]);
-        return text;
-    }
-
-    IZPlugin *m_plugin = nullptr;
-    IZChromaKey *m_key = nullptr;
-    IZProps *m_props = nullptr;
-    IZFrames *m_frames = nullptr;
-};
 
 Z_VID_PROPS PropsOf(int width, int height, eZInterlace interlace = eZI_Progressive, int padding = 0) {
     Z_VID_PROPS props{};
@@ -219,7 +157,8 @@ void Compare(Keyer &keyer, const Z_VID_PROPS &props, const Case &test, int threa
     plane->resize(expected.size() / 4);
     const HRESULT status = walk::KeyFrame(expected, *plane, clone, test.key, threads);
     Bytes keyed;
-    const HRESULT hr = keyer.Run(props, picture, test.key, &keyed);
+    keyer.KeySet(test.key);
+    const HRESULT hr = keyer.Run(props, picture, &keyed);
     if (status < 0) {
         EXPECT_EQ(hr, status);
         return;

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "tests/road/keyer.h"
 #include "tests/road/scalar_walk.h"
 #include "tests/scene/scene.h"
 
@@ -51,87 +52,15 @@ Z_VID_PROPS PictureProps() {
     return props;
 }
 
-/// A counted string of plain characters.
-class Word {
-public:
-    explicit Word(const std::string &ascii) : m_text(SysAllocStringLen(nullptr, static_cast<uint32_t>(ascii.size()))) {
-        for (std::size_t i = 0; i < ascii.size(); ++i) m_text[i] = static_cast<OLECHAR>(ascii[i]);
+CHROMA_KEY_RAW Load(Keyer &keyer, const SavedKey &saved, int threads) {
+    keyer.Set("process.threads", std::to_string(threads));
+    CHROMA_KEY_RAW raw = keyer.KeyLoad(std::string(ZCK_SOURCE_DIR "/tests/road/keys/") + saved.file);
+    if (saved.spillByPixel) {
+        raw.bColorCancel = 2;
+        keyer.KeySet(raw);
     }
-    Word(const Word &) = delete;
-    Word &operator=(const Word &) = delete;
-    ~Word() { SysFreeString(m_text); }
-    BSTR get() const { return m_text; }
-
-private:
-    BSTR m_text;
-};
-
-/// One keyer behind the door, in synchronous mode.
-class Keyer {
-public:
-    Keyer() {
-        IClassFactory *factory = nullptr;
-        EXPECT_EQ(DllGetClassObject(CLSID_ZChromaKey, IID_IClassFactory, reinterpret_cast<void **>(&factory)), S_OK);
-        EXPECT_EQ(factory->CreateInstance(nullptr, IID_IZPlugin, reinterpret_cast<void **>(&m_plugin)), S_OK);
-        factory->Release();
-        Query(IID_IZChromaKey, &m_key);
-        Query(IID_IZProps, &m_props);
-        Query(IID_IZPersist, &m_persist);
-        EXPECT_EQ(ZFramesCreate(IID_IZFrames, reinterpret_cast<void **>(&m_frames)), S_OK);
-    }
-    Keyer(const Keyer &) = delete;
-    Keyer &operator=(const Keyer &) = delete;
-    ~Keyer() {
-        m_frames->Release();
-        m_persist->Release();
-        m_props->Release();
-        m_key->Release();
-        m_plugin->Release();
-    }
-
-    CHROMA_KEY_RAW Load(const SavedKey &saved, int threads) {
-        EXPECT_EQ(m_props->PropsSet(Word("output.thread").get(), Word("false").get()), S_OK);
-        EXPECT_EQ(m_props->PropsSet(Word("process.threads").get(), Word(std::to_string(threads)).get()), S_OK);
-        const std::string path = std::string(ZCK_SOURCE_DIR "/tests/road/keys/") + saved.file;
-        EXPECT_EQ(m_persist->PersistLoad(nullptr, Word(path).get(), nullptr), S_OK) << path;
-        CHROMA_KEY_RAW raw = {};
-        EXPECT_EQ(m_key->KeyRawGet(&raw), S_OK);
-        if (saved.spillByPixel) {
-            raw.bColorCancel = 2;
-            EXPECT_EQ(m_key->KeyRawSet(&raw), S_OK);
-        }
-        return raw;
-    }
-
-    Bytes Run() {
-        Z_VID_PROPS props = PictureProps();
-        IZFrame *in = nullptr;
-        EXPECT_EQ(m_frames->FrameCreateFromProps(&props, reinterpret_cast<int64_t>(Picture().data()), &in, nullptr), S_OK);
-        IZFrame *out = nullptr;
-        EXPECT_EQ(m_plugin->OnMediaReceive(0, nullptr, in, &out), S_OK);
-        in->Release();
-        if (out == nullptr) return {};
-        int32_t bytes = 0;
-        int64_t address = 0;
-        EXPECT_EQ(out->FrameVideoGetBytes(&bytes, &address), S_OK);
-        const auto *data = reinterpret_cast<const uint8_t *>(address);
-        const Bytes frame(data, data + bytes);
-        out->Release();
-        return frame;
-    }
-
-private:
-    template <class T>
-    void Query(REFIID riid, T **out) {
-        EXPECT_EQ(m_plugin->QueryInterface(riid, reinterpret_cast<void **>(out)), S_OK);
-    }
-
-    IZPlugin *m_plugin = nullptr;
-    IZChromaKey *m_key = nullptr;
-    IZProps *m_props = nullptr;
-    IZPersist *m_persist = nullptr;
-    IZFrames *m_frames = nullptr;
-};
+    return raw;
+}
 
 bool IsAsWalked(const Bytes &frame, const CHROMA_KEY_RAW &raw, int threads) {
     Bytes expected = Picture();
@@ -194,8 +123,9 @@ void ExpectSavedFrame(const SavedKey &saved, int thread) {
     SCOPED_TRACE(std::string(saved.file) + (saved.spillByPixel ? ", spill by pixel" : "") + ", threads " +
                  std::to_string(threads));
     Keyer keyer;
-    const CHROMA_KEY_RAW raw = keyer.Load(saved, threads);
-    const Bytes frame = keyer.Run();
+    const CHROMA_KEY_RAW raw = Load(keyer, saved, threads);
+    Bytes frame;
+    EXPECT_EQ(keyer.Run(PictureProps(), Picture(), &frame), S_OK);
     ExpectCutOut(frame);
     const bool asWalked = saved.witness == Witness::Walk && IsAsWalked(frame, raw, threads);
     const uint64_t hash = Hash(frame);

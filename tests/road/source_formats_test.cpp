@@ -4,11 +4,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <cstring>
 #include <string>
 #include <vector>
 
-#include "zchromakey/zchromakey.h"
+#include "tests/road/keyer.h"
 
 namespace zck {
 namespace {
@@ -97,17 +96,11 @@ Bytes Rgb(const Scene &s, bool exchanged) {
     return bytes;
 }
 
-class Keyer {
+// A keyer that takes the screen out.
+class ScreenKeyer : public Keyer {
 public:
-    Keyer() {
-        IClassFactory *factory = nullptr;
-        EXPECT_EQ(DllGetClassObject(CLSID_ZChromaKey, IID_IClassFactory, reinterpret_cast<void **>(&factory)), S_OK);
-        EXPECT_EQ(factory->CreateInstance(nullptr, IID_IZPlugin, reinterpret_cast<void **>(&m_plugin)), S_OK);
-        factory->Release();
-        EXPECT_EQ(m_plugin->QueryInterface(IID_IZChromaKey, reinterpret_cast<void **>(&m_key)), S_OK);
-        EXPECT_EQ(m_plugin->QueryInterface(IID_IZProps, reinterpret_cast<void **>(&m_props)), S_OK);
-        EXPECT_EQ(ZFramesCreate(IID_IZFrames, reinterpret_cast<void **>(&m_frames)), S_OK);
-        Set("output.thread", "false");
+    explicit ScreenKeyer(const char *threads) {
+        Set("process.threads", threads);
         CHROMA_KEY_RAW key = {};
         key.eType = eCKT_RGB;
         key.nKeysUsed = 1;
@@ -116,62 +109,20 @@ public:
         key.arrKeys[0].nDelta = 0x00283828;
         key.arrKeys[0].nSmoothRange = 24;
         key.nMaxTransparent = 255;
-        EXPECT_EQ(m_key->KeyRawSet(&key), S_OK);
-    }
-    Keyer(const Keyer &) = delete;
-    Keyer &operator=(const Keyer &) = delete;
-    ~Keyer() {
-        m_props->Release();
-        m_key->Release();
-        m_plugin->Release();
-        m_frames->Release();
+        KeySet(key);
     }
 
-    void Set(const char *name, const char *value) {
-        BSTR bsName = Text(name);
-        BSTR bsValue = Text(value);
-        EXPECT_EQ(m_props->PropsSet(bsName, bsValue), S_OK);
-        SysFreeString(bsName);
-        SysFreeString(bsValue);
-    }
-
-    Bytes Run(eZFCC fcc, const Bytes &pixels, int32_t rowBytes, eZInterlace interlace) {
+    Bytes Keyed(eZFCC fcc, const Bytes &pixels, int32_t rowBytes, eZInterlace interlace) {
         Z_VID_PROPS props = {};
         props.fccType = fcc;
         props.nWidth = kWidth;
         props.nHeight = fcc == eZFCC_ARGB32 ? -kHeight : kHeight;
         props.nRowBytes = rowBytes;
         props.eInterlace = interlace;
-        IZFrame *in = nullptr;
-        EXPECT_EQ(m_frames->FrameCreateFromProps(&props, reinterpret_cast<int64_t>(pixels.data()), &in, nullptr), S_OK);
-        if (in == nullptr) return {};
-        IZFrame *out = nullptr;
-        EXPECT_EQ(m_plugin->OnMediaReceive(0, nullptr, in, &out), S_OK);
-        in->Release();
-        if (out == nullptr) return {};
-        int32_t bytes = 0;
-        int64_t address = 0;
-        out->FrameVideoGetBytes(&bytes, &address);
-        Z_AV_PROPS made = {};
-        out->FrameAVPropsGet(&made);
-        EXPECT_EQ(made.vidProps.fccType, eZFCC_ARGB32);
-        const auto *data = reinterpret_cast<const uint8_t *>(address);
-        Bytes result(data, data + bytes);
-        out->Release();
+        Bytes result;
+        EXPECT_EQ(Run(props, pixels, &result), S_OK);
         return result;
     }
-
-private:
-    static BSTR Text(const char *ascii) {
-        BSTR text = SysAllocStringLen(nullptr, static_cast<uint32_t>(std::strlen(ascii)));
-        for (std::size_t i = 0; ascii[i] != 0; ++i) text[i] = static_cast<OLECHAR>(ascii[i]);
-        return text;
-    }
-
-    IZPlugin *m_plugin = nullptr;
-    IZChromaKey *m_key = nullptr;
-    IZProps *m_props = nullptr;
-    IZFrames *m_frames = nullptr;
 };
 
 std::vector<Source> Sources(const Scene &s) {
@@ -187,10 +138,9 @@ TEST(SourceFormats, EachFormatComesOutKeyed) {
     const Scene scene = MakeScene();
     for (const char *threads : {"1", "3"})
         for (const eZInterlace interlace : {eZI_Progressive, eZI_Field1First}) {
-            Keyer keyer;
-            keyer.Set("process.threads", threads);
-            const Bytes straight = keyer.Run(eZFCC_ARGB32, Rgb(scene, false), 4 * kWidth, interlace);
-            const Bytes exchanged = keyer.Run(eZFCC_ARGB32, Rgb(scene, true), 4 * kWidth, interlace);
+            ScreenKeyer keyer(threads);
+            const Bytes straight = keyer.Keyed(eZFCC_ARGB32, Rgb(scene, false), 4 * kWidth, interlace);
+            const Bytes exchanged = keyer.Keyed(eZFCC_ARGB32, Rgb(scene, true), 4 * kWidth, interlace);
             ASSERT_EQ(straight.size(), std::size_t{4} * kWidth * kHeight);
             // A matte: clear at the edge, solid in the middle.
             const std::size_t middle = 4 * (kHeight / 2 * kWidth + kWidth / 2) + 3;
@@ -198,7 +148,7 @@ TEST(SourceFormats, EachFormatComesOutKeyed) {
             ASSERT_EQ(straight[middle], 255);
             for (const Source &source : Sources(scene)) {
                 SCOPED_TRACE(testing::Message() << std::hex << source.fcc << ", threads " << threads);
-                const Bytes found = keyer.Run(source.fcc, source.pixels, source.rowBytes, interlace);
+                const Bytes found = keyer.Keyed(source.fcc, source.pixels, source.rowBytes, interlace);
                 const Bytes &expected = source.exchanged ? exchanged : straight;
                 ASSERT_EQ(found.size(), expected.size());
                 int worst = 0;
@@ -217,11 +167,10 @@ TEST(SourceFormats, EachFormatComesOutKeyed) {
 TEST(SourceFormats, FormatsOfTheSameSamplesAgreeToTheByte) {
     const Scene scene = MakeScene();
     const std::vector<Source> sources = Sources(scene);
-    Keyer keyer;
-    keyer.Set("process.threads", "2");
-    const Bytes uyvy = keyer.Run(eZFCC_UYVY, sources[0].pixels, 2 * kWidth, eZI_Progressive);
+    ScreenKeyer keyer("2");
+    const Bytes uyvy = keyer.Keyed(eZFCC_UYVY, sources[0].pixels, 2 * kWidth, eZI_Progressive);
     for (const Source &source : sources) {
-        const Bytes found = keyer.Run(source.fcc, source.pixels, source.rowBytes, eZI_Progressive);
+        const Bytes found = keyer.Keyed(source.fcc, source.pixels, source.rowBytes, eZI_Progressive);
         if (source.exchanged)
             EXPECT_NE(found, uyvy);
         else
