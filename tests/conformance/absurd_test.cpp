@@ -31,10 +31,10 @@ public:
     }
     // Mostly a number that could be meant, else one that cannot.
     int32_t Near(int32_t meant) {
-        const int32_t far[] = {
+        const int32_t absurd[] = {
             0,   1,     -1,    2,       -2,       3,       meant - 1,  meant + 1, -meant,    meant / 2,     meant * 2,     -4,
             255, 65535, 65536, 1 << 24, -1 << 24, 1 << 30, -(1 << 30), INT32_MAX, INT32_MIN, INT32_MIN + 1, INT32_MAX - 1, 719};
-        return (*this)(0, 2) != 0 ? meant : OneOf(far);
+        return (*this)(0, 2) != 0 ? meant : OneOf(absurd);
     }
     Bytes Noise(size_t n) {
         Bytes bytes(n);
