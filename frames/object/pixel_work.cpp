@@ -108,7 +108,11 @@ HRESULT PixelsConvert(const PixelJob &job) {
 
 void PixelsFill(const Z_VID_PROPS &props, uint8_t *pixels, uint32_t size, uint32_t color, bool bZeroed) {
     if (!bZeroed) std::memset(pixels, 0, size);
-    if (PixelsFit(props, size)) FillImage(&props, pixels, color, 1.0);
+    if (!PixelsFit(props, size)) return;
+    // Rows of a negative length lie in the block like all others; a fill from its start would run out of it.
+    Z_VID_PROPS rows = props;
+    rows.nRowBytes = std::abs(rows.nRowBytes);
+    FillImage(&rows, pixels, color, 1.0);
 }
 
 void PixelsKeepField(const Z_VID_PROPS &props, uint8_t *pixels, int32_t field) {

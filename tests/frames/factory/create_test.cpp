@@ -222,6 +222,15 @@ struct SoundCase {
     int32_t bytes;
 };
 
+TEST_F(Factory, RowsOfNegativeLengthAreFilledInsideTheBlock) {
+    // A record that asks for no format keeps the row length that it came with.
+    Z_VID_PROPS props = Record(eZFCC_ARGB32, 16, -8);
+    props.eVideoFormat = eZVF_Disabled;
+    props.nRowBytes = -64;
+    const auto frame = Create(props, "solid_color=White");
+    EXPECT_EQ(std::vector<uint8_t>(size_t{16} * 8 * 4, 0xFF), VideoOf(frame).Copy());
+}
+
 TEST_F(Factory, SoundFromOptions) {
     const SoundCase cases[] = {
         {"", 0, 0, 0, 0},
