@@ -3,6 +3,7 @@
 #include <cstring>
 #include <limits>
 
+#include "frames/media/pixel_format.h"
 #include "frames/media/video_props.h"
 #include "keying/key/key.h"
 #include "keying/pipeline/image_view.h"
@@ -39,6 +40,14 @@ HRESULT FetchAll(uint8_t *pixels, const Z_VID_PROPS &props, const RowSource *sou
         if (FAILED(hr)) return hr;
     }
     return S_OK;
+}
+
+// Some stages step from row to row by whole pixels. Where a row is none, what a slice reads and writes drifts into the rows
+// of the others, and only a fixed order of the slices gives the same bytes each time.
+bool SlicesDrift(const Z_VID_PROPS &props, const Z_VID_PROPS &slice, int32_t count) {
+    const int32_t bits = PixelBits(props.fccType);
+    if (bits != 0 && int64_t{props.nRowBytes} * 8 % bits != 0) return true;
+    return AlphaStride(slice) != int64_t{count} * AlphaStride(props);
 }
 
 // Slices own their rows and nothing else; a single slice owns the plane.
@@ -113,6 +122,7 @@ HRESULT CSliceThreads::Dispatch(uint8_t *pixels, uint8_t *alpha, const Z_VID_PRO
         frame.byRows = hr == S_OK;
         hr = S_OK;
     }
+    frame.inTurn = !frame.byRows && n > 1 && SlicesDrift(props, frame.props, n);
     if (!frame.byRows) hr = FetchAll(pixels, props, source, pixelBytes);
     if (FAILED(hr)) return hr;
     if (!keys) return S_FALSE;

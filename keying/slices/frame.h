@@ -15,6 +15,7 @@ struct CSliceThreads::Frame {
     Z_VID_PROPS props = {};    // of a slice: rows N times as far apart, one N-th of them
     int32_t count = 0;         // N, as it was when the frame came
     bool bWriteAlpha = false;
+    bool inTurn = false;    // slot 0 works on all slices, one after another
 
     // The frame as rows, when it has a shape for that; the slots then have bands instead of slices.
     bool byRows = false;

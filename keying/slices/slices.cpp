@@ -71,6 +71,15 @@ void CSliceThreads::Body(void *owner, int32_t index, CWorkerThread &self) {
 }
 
 void CSliceThreads::Work(int32_t index, CWorkerThread &self) {
+    Frame &frame = *m_frame;
+    if (!frame.inTurn) {
+        WorkSlot(index, self);
+    } else if (index == 0) {
+        for (int32_t i = 0; i < frame.count && self.Running(); ++i) WorkSlot(i, self);
+    }
+}
+
+void CSliceThreads::WorkSlot(int32_t index, const CWorkerThread &self) {
     const auto i = static_cast<size_t>(index);
     Frame &frame = *m_frame;
     if (frame.slicePixels[i] == nullptr || frame.sliceAlpha[i] == nullptr) {

@@ -38,8 +38,9 @@ public:
 
     /// Keys the frame in place and leaves its final alpha in `alpha` (|`nHeight`| rows of `AlphaStride` bytes): slice i of N
     /// has the rows i, i + N and so on; the |`nHeight`| mod N rows at the bottom belong to no slice and keep the alpha that the
-    /// plane held. With more than one slice `FinishAlpha` follows. In the end every pixel is multiplied by its alpha. The field
-    /// treatment is the frame's, whatever the key says.
+    /// plane held. They are worked on at the same time, or one after another where a row is no whole number of pixels and they
+    /// reach into each other. With more than one slice `FinishAlpha` follows. In the end every pixel is multiplied by its
+    /// alpha. The field treatment is the frame's, whatever the key says.
     ///
     /// With `source` the rows of the frame are fetched into `pixels` first, all of them, also for a type that keys nothing;
     /// only after a failure the frame is incomplete.
@@ -58,6 +59,7 @@ private:
     struct Frame;
     static void Body(void *owner, int32_t index, CWorkerThread &self);
     void Work(int32_t index, CWorkerThread &self);
+    void WorkSlot(int32_t index, const CWorkerThread &self);
     HRESULT WorkComb(int32_t index);
     HRESULT WorkBand(int32_t index, const CWorkerThread &self);
     bool AwaitEdges(const CWorkerThread &self);

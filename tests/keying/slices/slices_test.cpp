@@ -400,6 +400,27 @@ TEST(Slices, the_count_may_change_with_each_frame) {
     }
 }
 
+// What a slice measures and writes drifts into the rows of the others there.
+TEST(Slices, rows_of_no_whole_pixels_give_the_same_bytes_each_time) {
+    CHROMA_KEY_RAW key = GreenKey();
+    key.bColorCancel = 1;
+    key.arrKeys[0].nCancelPower = 60;
+    for (const int32_t odd : {1, 2, 3}) {
+        Z_VID_PROPS props = Props(48, 40);
+        props.nRowBytes += odd;
+        for (const int32_t n : {2, 3, 4, 7}) {
+            Pool pool(n);
+            std::vector<uint8_t> first;
+            for (int32_t again = 0; again < 20; ++again) {
+                Frame frame(props, 0);
+                ASSERT_EQ(S_OK, frame.Dispatch(pool, key));
+                if (first.empty()) first = frame.pixels.Bytes();
+                ASSERT_EQ(first, frame.pixels.Bytes()) << odd << " " << n;
+            }
+        }
+    }
+}
+
 struct Source {
     std::atomic<int32_t> count[64] = {};
     int32_t failing = -1;
