@@ -2,53 +2,16 @@
 
 #include <gtest/gtest.h>
 
-#include "keying/slices/finish_alpha.h"
 #include "platform/status.h"
-#include "tests/keying/pipeline/image_fixture.h"
+#include "tests/keying/slices/slices_frame.h"
 
 namespace zck {
 namespace {
 
+using test::Frame;
 using test::GreenKey;
-using test::Guarded;
+using test::Pool;
 using test::Props;
-
-uint8_t Multiplied(int32_t c, int32_t a) {
-    const int32_t t = c * a;
-    return static_cast<uint8_t>((t + (t >> 8) + 1) >> 8);
-}
-
-/// A frame with a plane that holds `held`.
-struct Frame {
-    explicit Frame(const Z_VID_PROPS &p, uint8_t held = 0x55)
-        : props(p), pixels(test::PixelBytes(p)), alpha(test::AlphaBytes(p), held) {
-        test::FillScene(pixels.Data(), pixels.Size(), 5);
-        before = pixels.Bytes();
-    }
-    HRESULT Dispatch(CSliceThreads &pool, const CHROMA_KEY_RAW &key, const RowSource *source = nullptr) {
-        return pool.Dispatch(pixels.Data(), alpha.Data(), &props, &key, true, false, source);
-    }
-    size_t At(int32_t x, int32_t y) const { return static_cast<size_t>(y * props.nRowBytes + 4 * x); }
-    uint8_t Alpha(int32_t x, int32_t y) const { return alpha.Data()[y * AlphaStride(props) + x]; }
-    uint8_t Byte(int32_t x, int32_t y, size_t j) const { return pixels.Data()[At(x, y) + j]; }
-    uint8_t Old(int32_t x, int32_t y, size_t j) const { return before[At(x, y) + j]; }
-    /// The pixel has this alpha, and its old colour times it.
-    bool Left(int32_t x, int32_t y, int32_t a) const {
-        for (size_t j = 0; j < 3; ++j) {
-            if (Byte(x, y, j) != Multiplied(Old(x, y, j), a)) return false;
-        }
-        return Byte(x, y, 3) == a;
-    }
-
-    Z_VID_PROPS props;
-    Guarded pixels;
-    Guarded alpha;
-    std::vector<uint8_t> before;
-};
-
-struct Pool : CSliceThreads {
-    explicit Pool(int32_t n) { SetThreadCount(n); }
-};
 
 TEST(Slices, thread_count_has_limits) {
     CSliceThreads pool;
@@ -419,122 +382,6 @@ TEST(Slices, rows_of_no_whole_pixels_give_the_same_bytes_each_time) {
             }
         }
     }
-}
-
-struct Source {
-    std::atomic<int32_t> count[64] = {};
-    int32_t failing = -1;
-    static HRESULT Fetch(void *context, int32_t row, uint8_t *dst) {
-        auto &source = *static_cast<Source *>(context);
-        ++source.count[row];
-        if (row == source.failing) return E_FAIL;
-        dst[0] = static_cast<uint8_t>(row);
-        return S_OK;
-    }
-};
-
-TEST(Slices, a_source_is_asked_for_each_row_once) {
-    for (const int32_t n : {1, 2, 3, 7, 16}) {
-        for (const int32_t edges : {0, 3}) {
-            for (const int32_t h : {3, 41, 64}) {
-                for (const eCK_Type type : {eCKT_RGB, eCKT_Auto}) {
-                    Pool pool(n);
-                    Source source;
-                    const RowSource rows{&source, Source::Fetch};
-                    Z_VID_PROPS props = Props(16, h);
-                    props.eInterlace = n == 3 ? eZI_Field1First : eZI_Progressive;
-                    Frame frame(props);
-                    CHROMA_KEY_RAW key = GreenKey();
-                    key.eType = type;
-                    key.nEdgesSmooth = edges;
-                    EXPECT_EQ(type == eCKT_Auto ? S_FALSE : S_OK, frame.Dispatch(pool, key, &rows));
-                    for (int32_t y = 0; y < 64; ++y) EXPECT_EQ(y < h ? 1 : 0, source.count[y]) << n << " " << y;
-                }
-            }
-        }
-    }
-}
-
-TEST(Slices, a_failing_source_fails_the_frame) {
-    for (const int32_t n : {1, 2, 4}) {
-        for (const int32_t edges : {0, 3}) {
-            for (const int32_t row : {0, 20, 31, 63}) {
-                Pool pool(n);
-                Source source;
-                source.failing = row;
-                const RowSource rows{&source, Source::Fetch};
-                Frame frame(Props(16, 64));
-                CHROMA_KEY_RAW key = GreenKey();
-                key.nEdgesSmooth = edges;
-                EXPECT_EQ(E_FAIL, frame.Dispatch(pool, key, &rows));
-                source.failing = -1;
-                EXPECT_EQ(S_OK, frame.Dispatch(pool, key, &rows));
-            }
-        }
-    }
-}
-
-TEST(FinishAlpha, merges_the_plane) {
-    Frame frame(Props(27, 3, eZFCC_RGB32));
-    CHROMA_KEY_RAW key = GreenKey();
-    EXPECT_EQ(S_OK, FinishAlpha(frame.pixels.Data(), frame.alpha.Data(), &frame.props, &key));
-    for (int32_t x = 0; x < 27; ++x) EXPECT_EQ(x >= 16 && x < 24 ? frame.Old(x, 1, 3) : 0x55, frame.Byte(x, 1, 3));
-}
-
-TEST(FinishAlpha, ends_early_without_interior) {
-    for (const auto &[w, h] : {std::pair{2, 9}, {9, 2}}) {
-        Frame frame(Props(w, h));
-        CHROMA_KEY_RAW key = GreenKey();
-        key.nEdgesSmooth = 1;
-        key.nInverseKey = 1;
-        EXPECT_EQ(StatusOf(0xFFFFFFFA), FinishAlpha(frame.pixels.Data(), frame.alpha.Data(), &frame.props, &key));
-        EXPECT_EQ(frame.before, frame.pixels.Bytes());
-        EXPECT_EQ(0x55, frame.Alpha(0, 0));
-    }
-}
-
-TEST(FinishAlpha, smoothing_never_grows_and_keeps_the_border) {
-    // One opaque dot of 3 by 3 in the middle: eroded to a point, boxed, then bound by the plane.
-    Frame frame(Props(32, 16), 0);
-    for (int32_t y = 6; y < 9; ++y) {
-        for (int32_t x = 10; x < 13; ++x) frame.alpha.Data()[y * 32 + x] = 255;
-    }
-    for (int32_t x = 0; x < 32; ++x) frame.alpha.Data()[x] = 77;
-    CHROMA_KEY_RAW key = GreenKey();
-    key.nEdgesSmooth = 2;
-    EXPECT_EQ(S_OK, FinishAlpha(frame.pixels.Data(), frame.alpha.Data(), &frame.props, &key));
-    // The point of 255 becomes a box of ((255 + 5) * 455) >> 12 = 28, and the Gauss filter makes that of it.
-    EXPECT_EQ(28, frame.Alpha(11, 7));
-    EXPECT_EQ((28 * 12 + 7 + 1) >> 4, frame.Alpha(10, 7));
-    EXPECT_EQ((28 * 9 + 7 + 1) >> 4, frame.Alpha(10, 6));
-    EXPECT_EQ((28 + 7 + 1) >> 4, frame.Alpha(9, 5));
-    EXPECT_EQ(0, frame.Alpha(8, 7));
-    EXPECT_EQ(77, frame.Alpha(5, 0));
-    EXPECT_EQ((77 * 4 + 7 + 1) >> 4, frame.Alpha(5, 1));
-}
-
-TEST(FinishAlpha, treats_fields_apart_by_the_key) {
-    // Lines of 0 and 255 in turn: smoothed together they blend, apart they stay.
-    Frame frame(Props(16, 12), 0);
-    for (int32_t y = 0; y < 12; y += 2) std::fill_n(frame.alpha.Data() + 16 * y, 16, uint8_t{255});
-    const auto stripes = frame.alpha.Bytes();
-    CHROMA_KEY_RAW key = GreenKey();
-    key.nEdgesSmooth = 1;
-    key.nInterlacedVideo = 1;
-    EXPECT_EQ(S_OK, FinishAlpha(frame.pixels.Data(), frame.alpha.Data(), &frame.props, &key));
-    EXPECT_EQ(stripes, frame.alpha.Bytes());
-    key.nInterlacedVideo = 0;
-    EXPECT_EQ(S_OK, FinishAlpha(frame.pixels.Data(), frame.alpha.Data(), &frame.props, &key));
-    EXPECT_NE(stripes, frame.alpha.Bytes());
-}
-
-TEST(FinishAlpha, returns_the_first_failure_of_two_fields) {
-    Frame frame(Props(16, 5));
-    CHROMA_KEY_RAW key = GreenKey();
-    key.nEdgesSmooth = 1;
-    key.nInterlacedVideo = 1;
-    EXPECT_EQ(StatusOf(0xFFFFFFFA), FinishAlpha(frame.pixels.Data(), frame.alpha.Data(), &frame.props, &key));
-    EXPECT_EQ(frame.before, frame.pixels.Bytes());
 }
 
 }    // namespace
