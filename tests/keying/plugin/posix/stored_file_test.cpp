@@ -66,14 +66,14 @@ TEST_F(StoredFile, WithoutPermissionTheDefaultsStay) {
     // The way to the file is open, so that its own mode decides.
     for (fs::path folder = File().parent_path(); folder != fs::temp_directory_path(); folder = folder.parent_path())
         fs::permissions(folder, fs::perms(0755));
-    // The superuser may read every file.
+    // The superuser may read every file, so this one steps down where the system lets it.
     const uid_t user = geteuid();
     for (const auto mode : {fs::perms(0444), fs::perms::none}) {
         fs::permissions(File(), mode);
-        if (user == 0 && seteuid(65534) != 0) GTEST_SKIP() << "cannot stop being the superuser";
+        const bool may = user == 0 && seteuid(65534) != 0;
         const std::string tree = TreeNow();
         ASSERT_EQ(seteuid(user), 0);
-        EXPECT_EQ(tree == defaults, mode == fs::perms::none) << tree;
+        EXPECT_EQ(tree == defaults, mode == fs::perms::none && !may) << tree;
     }
 }
 
