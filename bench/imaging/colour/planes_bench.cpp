@@ -1,49 +1,18 @@
 // A 1920 by 1080 frame into planes and back, reference and vector version side by side. I420 and YV12 are only wrapped on their
 // way in, so they are not there.
 #include <string>
-#include <vector>
 
-#include "bench/measure.h"
-#include "frames/media/pixel_format.h"
+#include "bench/imaging/colour/frames.h"
 #include "imaging/colour/planar_image.h"
 #include "platform/processor.h"
 
 namespace zck {
 namespace {
 
-using bench::kHeight;
-using bench::kWidth;
-using Ring = std::vector<std::vector<uint8_t>>;
-
-constexpr size_t kFrameBytes = size_t{4} * kWidth * kHeight;
-
-struct Format {
-    eZFCC fcc;
-    const char *name;
-};
 constexpr Format kLoaded[] = {{eZFCC_UYVY, "UYVY"},   {eZFCC_YUY2, "YUY2"},   {eZFCC_YVYU, "YVYU"},
                               {eZFCC_RGB24, "RGB24"}, {eZFCC_RGB32, "RGB32"}, {eZFCC_NV12, "NV12"}};
 constexpr Format kPacked[] = {{eZFCC_UYVY, "UYVY"},   {eZFCC_YUY2, "YUY2"}, {eZFCC_YVYU, "YVYU"}, {eZFCC_RGB24, "RGB24"},
                               {eZFCC_RGB32, "RGB32"}, {eZFCC_NV12, "NV12"}, {eZFCC_I420, "I420"}};
-
-Ring &Sources() {
-    static Ring ring(bench::kRing, bench::Noise(kFrameBytes));
-    return ring;
-}
-
-Ring &Targets() {
-    static Ring ring(bench::kRing, std::vector<uint8_t>(kFrameBytes, 1));
-    return ring;
-}
-
-Z_VID_PROPS Record(eZFCC fcc) {
-    Z_VID_PROPS p = {};
-    p.fccType = fcc;
-    p.nWidth = kWidth;
-    p.nHeight = IsRgbFormat(fcc) ? -kHeight : kHeight;
-    p.nRowBytes = IsPlanarFormat(fcc) ? kWidth : RowBytes(fcc, kWidth);
-    return p;
-}
 
 void Load(size_t round, eZFCC fcc) {
     const Z_VID_PROPS p = Record(fcc);

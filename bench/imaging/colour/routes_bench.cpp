@@ -1,10 +1,8 @@
 // Every conversion at one size over a 1920 by 1080 frame, reference and vector version side by side. "same" are the routes that
 // frames take between packed formats, "part" those of `ColorConvertViews`, which serves planes.
 #include <string>
-#include <vector>
 
-#include "bench/measure.h"
-#include "frames/media/pixel_format.h"
+#include "bench/imaging/colour/frames.h"
 #include "imaging/colour/color_convert.h"
 #include "imaging/colour/convert.h"
 #include "platform/processor.h"
@@ -12,40 +10,10 @@
 namespace zck {
 namespace {
 
-using bench::kHeight;
-using bench::kWidth;
-constexpr size_t kFrameBytes = size_t{4} * kWidth * kHeight;
-
-struct Format {
-    eZFCC fcc;
-    const char *name;
-};
-
 constexpr Format kPacked[] = {{eZFCC_RGB32, "RGB32"}, {eZFCC_RGB24, "RGB24"}, {eZFCC_UYVY, "UYVY"},
                               {eZFCC_HDYC, "HDYC"},   {eZFCC_YUY2, "YUY2"},   {eZFCC_v210, "v210"}};
 constexpr Format kPlanar[] = {{eZFCC_YVYU, "YVYU"}, {eZFCC_I420, "I420"}, {eZFCC_YV12, "YV12"}, {eZFCC_NV12, "NV12"}};
 constexpr Format kPartners[] = {{eZFCC_RGB32, "RGB32"}, {eZFCC_RGB24, "RGB24"}, {eZFCC_UYVY, "UYVY"}, {eZFCC_YUY2, "YUY2"}};
-
-using Ring = std::vector<std::vector<uint8_t>>;
-
-Ring &Sources() {
-    static Ring ring(bench::kRing, bench::Noise(kFrameBytes));
-    return ring;
-}
-
-Ring &Targets() {
-    static Ring ring(bench::kRing, std::vector<uint8_t>(kFrameBytes, 1));
-    return ring;
-}
-
-Z_VID_PROPS Record(eZFCC fcc) {
-    Z_VID_PROPS p = {};
-    p.fccType = fcc;
-    p.nWidth = kWidth;
-    p.nHeight = IsRgbFormat(fcc) ? -kHeight : kHeight;
-    p.nRowBytes = RowBytes(fcc, kWidth);
-    return p;
-}
 
 void Same(size_t round, eZFCC from, eZFCC to) {
     const Z_VID_PROPS sp = Record(from);
