@@ -1,19 +1,12 @@
 // The tables are contracts with hosts: the order of the slots must not move.
 #include <gtest/gtest.h>
 
-#include <cstring>
-
+#include "tests/support/slot.h"
 #include "zchromakey/zchromakey.h"
 
 namespace {
 
-// In the ABI of both compilers a pointer to a virtual function starts with 1 + 8 * slot.
-template <class Function>
-uintptr_t Slot(Function function) {
-    uintptr_t word = 0;
-    std::memcpy(&word, &function, sizeof(word));
-    return (word - 1) / 8;
-}
+using zck::test::Slot;
 
 TEST(PublicSlots, Props) {
     EXPECT_EQ(3U, Slot(&IZProps::PropsSet));

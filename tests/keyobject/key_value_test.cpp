@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "platform/settings.h"
+#include "tests/support/outer.h"
 #include "tests/support/settings_place.h"
 #include "zchromakey/module.h"
 
@@ -100,22 +101,8 @@ TEST_F(KeyValue, AStreamKnowsItsClass) {
     EXPECT_EQ(size.QuadPart, 2 * std::strlen("<m_config/>") + 16);
 }
 
-/// Counts itself, and hands all questions but its identity to the object inside.
-struct Outer : IUnknown {
-    IUnknown *inner = nullptr;
-    ULONG count = 1;
-    HRESULT Z_STDCALL QueryInterface(REFIID riid, void **ppv) override {
-        if (riid != IID_IUnknown) return inner->QueryInterface(riid, ppv);
-        AddRef();
-        *ppv = this;
-        return S_OK;
-    }
-    ULONG Z_STDCALL AddRef() override { return ++count; }
-    ULONG Z_STDCALL Release() override { return --count; }
-};
-
 TEST_F(KeyValue, MayBeAPartOfAnOuterObject) {
-    Outer outer;
+    test::Outer outer;
     void *nothing = nullptr;
     EXPECT_EQ(CreateObject<CCoZKeyValue>(&outer, IID_IZKey, &nothing), CLASS_E_NOAGGREGATION);
     ASSERT_EQ(CreateObject<CCoZKeyValue>(&outer, IID_IUnknown, reinterpret_cast<void **>(&outer.inner)), S_OK);

@@ -4,22 +4,14 @@
 #include <cstring>
 #include <vector>
 
+#include "tests/module/held.h"
+#include "tests/support/outer.h"
 #include "zchromakey/zchromakey.h"
 
 namespace {
 
-template <class T>
-struct Held {
-    T *p = nullptr;
-    Held() = default;
-    Held(const Held &) = delete;
-    Held &operator=(const Held &) = delete;
-    ~Held() {
-        if (p != nullptr) p->Release();
-    }
-    void **Out() { return reinterpret_cast<void **>(&p); }
-    T *operator->() const { return p; }
-};
+using zck::test::Held;
+using zck::test::Outer;
 
 TEST(Door, ThePluginIsMadeByItsClassFactory) {
     {
@@ -69,22 +61,6 @@ TEST(Door, UnknownClassesAndInterfacesAreRefused) {
     EXPECT_EQ(out, nullptr);
     EXPECT_EQ(factory->CreateInstance(nullptr, IID_IZPlugin, nullptr), E_POINTER);
 }
-
-/// A controlling unknown that holds the inner unknown of an aggregated object.
-struct Outer : IUnknown {
-    IUnknown *inner = nullptr;
-    ULONG count = 1;
-    HRESULT Z_STDCALL QueryInterface(REFIID riid, void **ppv) override {
-        if (riid == IID_IUnknown) {
-            AddRef();
-            *ppv = this;
-            return S_OK;
-        }
-        return inner->QueryInterface(riid, ppv);
-    }
-    ULONG Z_STDCALL AddRef() override { return ++count; }
-    ULONG Z_STDCALL Release() override { return --count; }
-};
 
 TEST(Door, AnAggregatedPluginSpeaksForItsOuterObject) {
     Held<IClassFactory> factory;

@@ -4,24 +4,14 @@
 #include <cstdint>
 #include <vector>
 
+#include "tests/module/held.h"
+#include "tests/support/outer.h"
 #include "zchromakey/zchromakey.h"
 
 namespace {
 
-template <class T>
-struct Held {
-    T *p = nullptr;
-    Held() = default;
-    Held(const Held &) = delete;
-    Held &operator=(const Held &) = delete;
-    ~Held() { Drop(); }
-    void Drop() {
-        if (p != nullptr) p->Release();
-        p = nullptr;
-    }
-    void **Out() { return reinterpret_cast<void **>(&p); }
-    T *operator->() const { return p; }
-};
+using zck::test::Held;
+using zck::test::Outer;
 
 class Unload : public testing::Test {
 protected:
@@ -128,20 +118,6 @@ TEST_F(Unload, ALockCountsByItself) {
     ASSERT_EQ(DllGetClassObject(CLSID_ZKey, IID_IClassFactory, factory.Out()), S_OK);
     ASSERT_EQ(factory->LockServer(0), S_OK);
 }
-
-/// A controlling unknown that holds the inner unknown of an aggregated object.
-struct Outer : IUnknown {
-    IUnknown *inner = nullptr;
-    ULONG count = 1;
-    HRESULT Z_STDCALL QueryInterface(REFIID riid, void **ppv) override {
-        if (riid != IID_IUnknown) return inner->QueryInterface(riid, ppv);
-        AddRef();
-        *ppv = this;
-        return S_OK;
-    }
-    ULONG Z_STDCALL AddRef() override { return ++count; }
-    ULONG Z_STDCALL Release() override { return --count; }
-};
 
 TEST_F(Unload, AKeyObjectMayBeAPartOfAnotherObject) {
     Held<IClassFactory> factory;

@@ -1,19 +1,12 @@
 // The table of a node is a contract with other modules: the order of its slots must not move.
 #include <gtest/gtest.h>
 
-#include <cstring>
-
+#include "tests/support/slot.h"
 #include "xml/node_views.h"
 
 namespace {
 
-// In the ABI of both compilers a pointer to a virtual function starts with 1 + 8 * slot.
-template <class Function>
-uintptr_t Slot(Function function) {
-    uintptr_t word = 0;
-    std::memcpy(&word, &function, sizeof(word));
-    return (word - 1) / 8;
-}
+using zck::test::Slot;
 
 TEST(NodeSlots, Attributes) {
     EXPECT_EQ(3U, Slot(&IZAttributes::AttributesGetCount));

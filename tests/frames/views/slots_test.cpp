@@ -1,7 +1,6 @@
 // The tables are contracts with hosts: the order of the slots and the identifiers must not move.
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <set>
 #include <string>
 
@@ -10,16 +9,11 @@
 #include "frames/views/frame_shell.h"
 #include "frames/views/frames_i.h"
 #include "frames/views/sample_buffer.h"
+#include "tests/support/slot.h"
 
 namespace {
 
-// In the ABI of both compilers a pointer to a virtual function starts with 1 + 8 * slot.
-template <class Function>
-uintptr_t Slot(Function function) {
-    uintptr_t word = 0;
-    std::memcpy(&word, &function, sizeof(word));
-    return (word - 1) / 8;
-}
+using zck::test::Slot;
 
 TEST(Slots, QuorvexFrameContinuesThePublicTable) {
     EXPECT_EQ(3U, Slot(&IZFrame_I::FrameAVPropsGet));
