@@ -1,4 +1,4 @@
-// The editing of a key, which is not there yet.
+// The editing of a key on the picture, which is not there yet.
 #include "keyobject/key_value.h"
 
 namespace zck {
@@ -12,13 +12,6 @@ HRESULT Absent(IUnknown **out) noexcept {
 
 }    // namespace
 
-HRESULT CCoZKeyValue::KeyFrameSet(IUnknown *, IUnknown *) { return E_NOTIMPL; }
-
-HRESULT CCoZKeyValue::KeyFrameGet(IUnknown **_ppZFrameRes, IUnknown **_ppZFrameBG) {
-    Absent(_ppZFrameBG);
-    return Absent(_ppZFrameRes);
-}
-
 HRESULT CCoZKeyValue::KeyDetect(BSTR, IUnknown **_ppZFrameRes) { return Absent(_ppZFrameRes); }
 
 HRESULT CCoZKeyValue::KeyAddPoint(int32_t, int32_t, BSTR, IUnknown **_ppZFrameRes) { return Absent(_ppZFrameRes); }
@@ -27,27 +20,6 @@ HRESULT CCoZKeyValue::KeyExcludePoint(int32_t, int32_t, BSTR, IUnknown **_ppZFra
 
 HRESULT CCoZKeyValue::KeyAddRect(int32_t, int32_t, int32_t, int32_t, BSTR, IUnknown **_ppZFrameRes) {
     return Absent(_ppZFrameRes);
-}
-
-HRESULT CCoZKeyValue::KeyAdjustSet(eCK_Adjust, double, IUnknown **_ppZFrameRes) { return Absent(_ppZFrameRes); }
-
-HRESULT CCoZKeyValue::KeyAdjustGet(eCK_Adjust, double *_pdblValue) {
-    if (_pdblValue != nullptr) *_pdblValue = 0;
-    return E_NOTIMPL;
-}
-
-HRESULT CCoZKeyValue::KeyStepBack(int32_t, IUnknown **_ppZFrameRes) { return Absent(_ppZFrameRes); }
-
-HRESULT CCoZKeyValue::KeyStepFwd(int32_t, IUnknown **_ppZFrameRes) { return Absent(_ppZFrameRes); }
-
-HRESULT CCoZKeyValue::KeyReset(IUnknown **_ppZFrameRes) { return Absent(_ppZFrameRes); }
-
-HRESULT CCoZKeyValue::KeyRawSet(CHROMA_KEY_RAW *, CK_ADJUST *) { return E_NOTIMPL; }
-
-HRESULT CCoZKeyValue::KeyRawGet(CHROMA_KEY_RAW *_pvmKey, CK_ADJUST *_pKeyAdjust) {
-    if (_pvmKey != nullptr) *_pvmKey = {};
-    if (_pKeyAdjust != nullptr) *_pKeyAdjust = {};
-    return E_NOTIMPL;
 }
 
 }    // namespace zck

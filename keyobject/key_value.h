@@ -1,6 +1,10 @@
 // `CCoZKeyValue`: the key object.
 #pragma once
 
+#include <mutex>
+
+#include "keyobject/key_frames.h"
+#include "keyobject/key_step.h"
 #include "platform/object.h"
 #include "props/persist/persist_impl.h"
 #include "props/store/props_impl.h"
@@ -10,6 +14,11 @@ namespace zck {
 
 /// The operator's side of a key. Free-threaded and aggregatable. Its properties start empty: the keyer that makes it copies its
 /// own. Its configuration is an empty element, and loading one changes nothing: a key is kept by the keyer.
+///
+/// Locks: every edit holds the edit lock from its start to its end, preview included, so that two edits run one after the
+/// other. Nothing else waits for it: readers see the step before or after an edit, which works on a copy and puts it in place
+/// under the step lock. Of the step lock and the frame lock none is held inside the other, nor while a frame is called. A
+/// frame may call back, also with an edit of its own.
 class CCoZKeyValue : public CoObject<IZKey, IZPropsImpl<CCoZKeyValue>, IZPersistImpl<CCoZKeyValue, XMLParse::XMLNodePtr>> {
 public:
     // IZKey
@@ -36,6 +45,31 @@ public:
 
 protected:
     void *InterfaceFind(REFIID riid) noexcept override { return PersistViewFind(riid); }
+
+private:
+    KeyStep StepNow() const;
+    void StepPut(const KeyStep &step);
+    /// The preview of the present step, as an object for a caller.
+    HRESULT Render(IUnknown **out);
+    /// Runs `edit` with the edit lock held; `out`, which must be there, is cleared first.
+    template <class Body>
+    HRESULT Edit(IUnknown **out, Body edit) noexcept;
+
+    CriticalSection m_editLock;
+    KeyHistory m_history;    // of the edit lock
+    mutable CriticalSection m_stepLock;
+    KeyStep m_step;    // of the step lock
+    KeyFrames m_frames;
 };
+
+template <class Body>
+HRESULT CCoZKeyValue::Edit(IUnknown **out, Body edit) noexcept {
+    if (out == nullptr) return E_POINTER;
+    *out = nullptr;
+    return Guarded([&]() -> HRESULT {
+        const std::lock_guard guard(m_editLock);
+        return edit();
+    });
+}
 
 }    // namespace zck

@@ -115,41 +115,20 @@ TEST_F(KeyValue, MayBeAPartOfAnOuterObject) {
     outer.inner->Release();
 }
 
-TEST_F(KeyValue, EditingIsNotThereYet) {
+TEST_F(KeyValue, PicksAndDetectionAreNotThereYet) {
     IUnknown *const filled = m_key.get();
-    IUnknown *out = filled;
-    IUnknown *other = filled;
-    EXPECT_EQ(m_key->KeyFrameSet(nullptr, nullptr), E_NOTIMPL);
-    EXPECT_EQ(m_key->KeyFrameGet(&out, &other), E_NOTIMPL);
-    EXPECT_EQ(out, nullptr);
-    EXPECT_EQ(other, nullptr);
     const std::pair<const char *, HRESULT (*)(IZKey *, IUnknown **)> slots[] = {
         {"KeyDetect", [](IZKey *key, IUnknown **frame) { return key->KeyDetect(nullptr, frame); }},
         {"KeyAddPoint", [](IZKey *key, IUnknown **frame) { return key->KeyAddPoint(0, 0, nullptr, frame); }},
         {"KeyExcludePoint", [](IZKey *key, IUnknown **frame) { return key->KeyExcludePoint(0, 0, nullptr, frame); }},
         {"KeyAddRect", [](IZKey *key, IUnknown **frame) { return key->KeyAddRect(0, 0, 1, 1, nullptr, frame); }},
-        {"KeyAdjustSet", [](IZKey *key, IUnknown **frame) { return key->KeyAdjustSet(eCKA_Power, 1, frame); }},
-        {"KeyStepBack", [](IZKey *key, IUnknown **frame) { return key->KeyStepBack(1, frame); }},
-        {"KeyStepFwd", [](IZKey *key, IUnknown **frame) { return key->KeyStepFwd(1, frame); }},
-        {"KeyReset", [](IZKey *key, IUnknown **frame) { return key->KeyReset(frame); }},
     };
     for (const auto &[name, call] : slots) {
-        out = filled;
+        IUnknown *out = filled;
         EXPECT_EQ(call(m_key.get(), &out), E_NOTIMPL) << name;
         EXPECT_EQ(out, nullptr) << name;
         EXPECT_EQ(call(m_key.get(), nullptr), E_NOTIMPL) << name;
     }
-    double value = 1;
-    EXPECT_EQ(m_key->KeyAdjustGet(eCKA_Power, &value), E_NOTIMPL);
-    EXPECT_EQ(value, 0);
-    CHROMA_KEY_RAW raw = {};
-    raw.nKeysUsed = 1;
-    CK_ADJUST adjust = {};
-    adjust.dblPower = 1;
-    EXPECT_EQ(m_key->KeyRawSet(&raw, &adjust), E_NOTIMPL);
-    EXPECT_EQ(m_key->KeyRawGet(&raw, &adjust), E_NOTIMPL);
-    EXPECT_EQ(raw.nKeysUsed, 0);
-    EXPECT_EQ(adjust.dblPower, 0);
 }
 
 }    // namespace
