@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <mutex>
 
+#include "frames/media/record_view.h"
 #include "frames/object/frame.h"
-#include "frames/object/record_view.h"
 
 namespace zck {
 namespace {

@@ -1,4 +1,4 @@
-#include "frames/object/record_view.h"
+#include "frames/media/record_view.h"
 
 #include <algorithm>
 #include <cmath>
