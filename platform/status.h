@@ -1,26 +1,26 @@
-// Statuses: the codes that the library answers besides the public ones, the way from a system error to a status, and the
+// Statuses: the short names that the rooms use for the public codes, the way from a system error to a status, and the
 // guard that keeps exceptions of the standard library inside.
 #pragma once
 
 #include <new>
 
-#include "zchromakey/com.h"
+#include "zchromakey/statuses.h"
 
 namespace zck {
 
 /// A status from its printed form.
 constexpr HRESULT StatusOf(uint32_t code) { return static_cast<HRESULT>(code); }
 
-constexpr HRESULT kVfwEInvalidSubtype = StatusOf(0x80040201);      ///< the pixel format is not served
-constexpr HRESULT kVfwEWrongState = StatusOf(0x80040227);          ///< not in a state for this operation
-constexpr HRESULT kVfwEInvalidMediaType = StatusOf(0x80040248);    ///< the description does not fit the buffer
-constexpr HRESULT kErrorFileNotFound = StatusOf(0x80070002);
-constexpr HRESULT kErrorAccessDenied = StatusOf(0x80070005);
-constexpr HRESULT kErrorDiskFull = StatusOf(0x80070070);
-constexpr HRESULT kErrorAlreadyExists = StatusOf(0x800700B7);
-constexpr HRESULT kErrorInvalidIndex = StatusOf(0x80070585);
-constexpr HRESULT kErrorTimeout = StatusOf(0x800705B4);
-constexpr HRESULT kErrorEmpty = StatusOf(0x800710D2);    ///< nothing is there to be given
+constexpr HRESULT kVfwEInvalidSubtype = Z_E_UNSUPPORTED_FORMAT;
+constexpr HRESULT kVfwEWrongState = Z_E_WRONG_STATE;
+constexpr HRESULT kVfwEInvalidMediaType = Z_E_INVALID_VIDEO_PROPS;
+constexpr HRESULT kErrorFileNotFound = Z_E_FILE_NOT_FOUND;
+constexpr HRESULT kErrorAccessDenied = Z_E_ACCESS_DENIED;
+constexpr HRESULT kErrorDiskFull = Z_E_DISK_FULL;
+constexpr HRESULT kErrorAlreadyExists = Z_E_ALREADY_EXISTS;
+constexpr HRESULT kErrorInvalidIndex = Z_E_INVALID_INDEX;
+constexpr HRESULT kErrorTimeout = Z_E_TIMEOUT;
+constexpr HRESULT kErrorEmpty = Z_E_EMPTY;
 
 /// The status of a system error number: `GetLastError` values on Windows, `errno` values elsewhere. Always a failure in
 /// the form 0x8007xxxx, and `fallback` for 0 and for a number that has no such form.

@@ -81,7 +81,7 @@ bool Utf8ToText(std::string_view utf8, Text &out) {
 }    // namespace
 
 Bstr::Bstr(TextView text) {
-    const HRESULT hr = BstrCopyTo(text, &m_text);
+    const HRESULT hr = BstrCopyTo(text, Put());
     if (FAILED(hr)) throw std::bad_alloc();
 }
 

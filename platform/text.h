@@ -6,7 +6,7 @@
 #include <type_traits>
 #include <utility>
 
-#include "zchromakey/com.h"
+#include "zchromakey/holders.h"
 
 namespace zck {
 
@@ -28,39 +28,14 @@ constexpr const Unit *PickLiteral(const char16_t *narrow, const wchar_t *wide) n
 /// The view of a counted string, zeros inside included; empty for null.
 inline TextView ViewOf(BSTR text) noexcept { return text != nullptr ? TextView(text, SysStringLen(text)) : TextView(); }
 
-/// Owns a counted string, or null.
-class Bstr {
+/// `ZBstr` as the library uses it: made from a view, which may hold zeros, and seen as one.
+class Bstr : public ZBstr {
 public:
     Bstr() noexcept = default;
     /// A copy of the text; throws `std::bad_alloc` when there is no memory.
     explicit Bstr(TextView text);
-    Bstr(Bstr &&other) noexcept : m_text(other.Detach()) {}
-    Bstr &operator=(Bstr &&other) noexcept {
-        std::swap(m_text, other.m_text);
-        return *this;
-    }
-    Bstr(const Bstr &) = delete;
-    Bstr &operator=(const Bstr &) = delete;
-    ~Bstr() { SysFreeString(m_text); }
 
-    BSTR get() const noexcept { return m_text; }
-    TextView view() const noexcept { return ViewOf(m_text); }
-    explicit operator bool() const noexcept { return m_text != nullptr; }
-    /// The place for an output argument; what was held is freed first.
-    BSTR *Put() noexcept {
-        Reset();
-        return &m_text;
-    }
-    void Attach(BSTR text) noexcept {
-        Reset();
-        m_text = text;
-    }
-    /// Gives the string to the caller, who frees it with `SysFreeString`.
-    BSTR Detach() noexcept { return std::exchange(m_text, nullptr); }
-    void Reset() noexcept { SysFreeString(Detach()); }
-
-private:
-    BSTR m_text = nullptr;
+    TextView view() const noexcept { return ViewOf(get()); }
 };
 
 /// Hands out a text as a counted string. `E_POINTER` for a null place, `E_OUTOFMEMORY`.

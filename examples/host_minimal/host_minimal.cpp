@@ -7,56 +7,19 @@
 
 namespace {
 
-// A reference to an object, given back at the end of the scope.
-template <class Interface>
-class Ref {
-public:
-    Ref() = default;
-    Ref(const Ref &) = delete;
-    Ref &operator=(const Ref &) = delete;
-    ~Ref() {
-        if (m_p != nullptr) m_p->Release();
-    }
-
-    Interface *get() const { return m_p; }
-    Interface *operator->() const { return m_p; }
-    Interface **Put() { return &m_p; }
-    void **PutVoid() { return reinterpret_cast<void **>(&m_p); }
-
-private:
-    Interface *m_p = nullptr;
-};
-
-HRESULT SetProperty(IZProps *props, const OLECHAR *name, const OLECHAR *value) {
-    BSTR bsName = SysAllocString(name);
-    BSTR bsValue = SysAllocString(value);
-    const HRESULT hr = props->PropsSet(bsName, bsValue);
-    SysFreeString(bsName);
-    SysFreeString(bsValue);
-    return hr;
-}
-
-// Text literals of 16-bit units have another prefix on each system; the letters used here are the same in all.
-struct Text {
-    OLECHAR units[32] = {};
-    explicit Text(const char *ascii) {
-        for (int i = 0; i < 31 && ascii[i] != '\0'; ++i) units[i] = static_cast<OLECHAR>(ascii[i]);
-    }
-};
-
 // The keyer, ready to take a green screen away.
-HRESULT MakeKeyer(Ref<IZPlugin> &plugin) {
-    Ref<IClassFactory> factory;
+HRESULT MakeKeyer(ZComPtr<IZPlugin> &plugin) {
+    ZComPtr<IClassFactory> factory;
     HRESULT hr = DllGetClassObject(CLSID_ZChromaKey, IID_IClassFactory, factory.PutVoid());
     if (FAILED(hr)) return hr;
     hr = factory->CreateInstance(nullptr, IID_IZPlugin, plugin.PutVoid());
     if (FAILED(hr)) return hr;
 
     // Each call shall return its own frame; by default a frame comes back one call later, keyed by another thread.
-    Ref<IZProps> props;
+    ZComPtr<IZProps> props;
     hr = plugin->QueryInterface(IID_IZProps, props.PutVoid());
     if (FAILED(hr)) return hr;
-    hr = SetProperty(props.get(), Text("output.thread").units, Text("false").units);
+    hr = props->PropsSet(ZBstr("output.thread").get(), ZBstr("false").get());
     if (FAILED(hr)) return hr;
 
     CHROMA_KEY_RAW key = {};
@@ -66,14 +29,14 @@ HRESULT MakeKeyer(Ref<IZPlugin> &plugin) {
     key.arrKeys[0].nDelta = 0x00303030;    // transparent within 48 steps of it in each channel,
     key.arrKeys[0].nSmoothRange = 32;      // opaque from 32 steps further on
     key.nMaxTransparent = 255;
-    Ref<IZChromaKey> chromaKey;
+    ZComPtr<IZChromaKey> chromaKey;
     hr = plugin->QueryInterface(IID_IZChromaKey, chromaKey.PutVoid());
     if (FAILED(hr)) return hr;
     return chromaKey->KeyRawSet(&key);
 }
 
 // A picture whose left half is green and whose right half is skin; bytes in memory are blue, green, red, unused.
-HRESULT MakeFrame(int32_t width, int32_t height, Ref<IZFrame> &frame) {
+HRESULT MakeFrame(int32_t width, int32_t height, ZComPtr<IZFrame> &frame) {
     std::vector<uint32_t> pixels;
     for (int32_t i = 0; i < width * height; ++i) pixels.push_back(i % width < width / 2 ? 0xFF30B020 : 0xFFE0A080);
 
@@ -85,7 +48,7 @@ HRESULT MakeFrame(int32_t width, int32_t height, Ref<IZFrame> &frame) {
     props.eInterlace = eZI_Progressive;
     props.dblRate = 25.0;
 
-    Ref<IZFrames> frames;
+    ZComPtr<IZFrames> frames;
     const HRESULT hr = ZFramesCreate(IID_IZFrames, frames.PutVoid());
     if (FAILED(hr)) return hr;
     return frames->FrameCreateFromProps(&props, reinterpret_cast<int64_t>(pixels.data()), frame.Put(), nullptr);
@@ -94,9 +57,9 @@ HRESULT MakeFrame(int32_t width, int32_t height, Ref<IZFrame> &frame) {
 }    // namespace
 
 int main() {
-    Ref<IZPlugin> plugin;
-    Ref<IZFrame> frame;
-    Ref<IZFrame> keyed;
+    ZComPtr<IZPlugin> plugin;
+    ZComPtr<IZFrame> frame;
+    ZComPtr<IZFrame> keyed;
     HRESULT hr = MakeKeyer(plugin);
     if (SUCCEEDED(hr)) hr = MakeFrame(64, 32, frame);
     if (SUCCEEDED(hr)) hr = plugin->OnMediaReceive(0, nullptr, frame.get(), keyed.Put());

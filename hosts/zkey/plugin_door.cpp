@@ -41,27 +41,27 @@ std::string StatusText(HRESULT status) {
     char number[16];
     std::snprintf(number, sizeof number, "0x%08X", static_cast<unsigned>(status));
     const char *words = "the keyer refuses";
-    switch (static_cast<uint32_t>(status)) {
-        case 0x80004001:
+    switch (status) {
+        case E_NOTIMPL:
             words = "this build of the library cannot do that";
             break;
-        case 0x8007000E:
+        case E_OUTOFMEMORY:
             words = "out of memory";
             break;
-        case 0x80070057:
+        case E_INVALIDARG:
             words = "invalid argument";
             break;
-        case 0x80040201:
+        case Z_E_UNSUPPORTED_FORMAT:
             words = "the keyer has no conversion for this pixel format";
             break;
-        case 0x80040248:
+        case Z_E_INVALID_VIDEO_PROPS:
             words = "the frame is smaller than its description";
             break;
-        case 0x800705B4:
+        case Z_E_TIMEOUT:
             words = "the keyer's threads did not answer in time";
             break;
-        case 0x80040154:
-        case 0x80040111:
+        case Z_E_CLASS_NOT_REGISTERED:
+        case CLASS_E_CLASSNOTAVAILABLE:
             words = "the keyer's library has no such class";
             break;
         default:

@@ -1,7 +1,6 @@
 #include "hosts/zkey/properties.h"
 
 #include <algorithm>
-#include <array>
 
 #include "hosts/zkey/failure.h"
 #include "hosts/zkey/padding.h"
@@ -9,8 +8,6 @@
 
 namespace zkey {
 namespace {
-
-using Accepts = bool (*)(const std::string &);
 
 bool IsWholeIn(std::string_view text, int32_t least, int32_t most) {
     int32_t value = 0;
@@ -30,79 +27,90 @@ bool IsReal(const std::string &text) {
 }
 
 /// Nothing, or one to four numbers of pixels.
-bool IsBorders(const std::string &text) {
+/// Nothing, or one to four numbers of pixels.
+bool IsBorders(const std::string &text, int32_t least, int32_t most) {
     const std::vector<std::string_view> words = BorderWords(text);
     return words.size() <= 4 &&
-           std::all_of(words.begin(), words.end(), [](std::string_view w) { return IsWholeIn(w, 0, 32768); });
+           std::all_of(words.begin(), words.end(), [&](std::string_view w) { return IsWholeIn(w, least, most); });
 }
 
-struct Known {
-    Property property;
-    Accepts accepts;
+bool Accepts(const ZPropertyInfo &p, const std::string &value) {
+    switch (p.eKind) {
+        case eZPK_Boolean:
+            return IsBoolean(value);
+        case eZPK_Integer:
+            return IsWholeIn(value, p.nMin, p.nMax);
+        case eZPK_Real:
+            return IsReal(value);
+        case eZPK_Borders:
+            return IsBorders(value, p.nMin, p.nMax);
+        default:
+            return p.eKind == eZPK_Text;
+    }
+}
+
+/// What zkey does with a property of its own accord.
+struct Remark {
+    const char *name;
+    const char *text;
 };
-
-constexpr std::array<Known, 13> kProperties = {{
-    {{"background", "text", "checker", "behind previews of a key: \"checker\", the name of a colour, or a picture's file",
-      false},
-     [](const std::string &) { return true; }},
-    {{"detect.blocks", "1 to 32768", "48", "how finely a picture is divided when a key is looked for in it", false},
-     [](const std::string &v) { return IsWholeIn(v, 1, 32768); }},
-    {{"detect.threshold", "0 to 255", "16", "how much the colours of one block may differ", false},
-     [](const std::string &v) { return IsWholeIn(v, 0, 255); }},
-    {{"detect.key_diff", "number", "1.0", "how far the colours of a key lie apart", false}, IsReal},
-    {{"detect.max_keys", "1 to 16", "1", "how many colours a key gets", false},
-     [](const std::string &v) { return IsWholeIn(v, 1, 16); }},
-    {{"output.thread", "boolean", "true",
-      "results come one call late, from a thread of the keyer; zkey key has threads of its own and sets false", false},
-     IsBoolean},
-    {{"process.threads", "1 to 16", "2", "threads that key one picture; zkey key takes the processors unless it is stored",
-      false},
-     [](const std::string &v) { return IsWholeIn(v, 1, 16); }},
-    {{"keying.borders", "left top right bottom", "",
-      "pixels at the borders that are not keyed and stay opaque; zkey key --garbage makes them transparent", false},
-     IsBorders},
-    {{"dll-version", "text", "", "version of the library", true}, nullptr},
-    {{"dll-file-version", "text", "", "version of its file", true}, nullptr},
-    {{"dll-path", "text", "", "where it lies", true}, nullptr},
-    {{"dll-date", "text", "", "when it was built", true}, nullptr},
-    {{nullptr, nullptr, nullptr, nullptr, false}, nullptr},
-}};
-
-/// The table as people see it.
-constexpr auto kTable = [] {
-    std::array<Property, kProperties.size()> table{};
-    for (std::size_t i = 0; i < table.size(); ++i) table[i] = kProperties[i].property;
-    return table;
-}();
+constexpr Remark kRemarks[] = {
+    {"output.thread", "; zkey key has threads of its own and sets false"},
+    {"process.threads", "; zkey key takes the processors unless it is stored"},
+    {"keying.borders", "; zkey key --garbage makes them transparent"},
+};
 
 std::string SettableNames() {
     std::string out;
-    for (const Property &p : kTable) {
-        if (p.name != nullptr && !p.readOnly) out += (out.empty() ? "" : ", ") + std::string(p.name);
+    for (const ZPropertyInfo &p : kZProperties) {
+        if (!IsReadOnly(p)) out += (out.empty() ? "" : ", ") + std::string(p.pszName);
     }
     return out;
 }
 
 }    // namespace
 
-const Property *PropertyTable() { return kTable.data(); }
-
-const Property *FindProperty(std::string_view name) {
-    for (const Property &p : kTable) {
-        if (p.name != nullptr && SameWord(p.name, name)) return &p;
+const ZPropertyInfo *FindProperty(std::string_view name) {
+    for (const ZPropertyInfo &p : kZProperties) {
+        if (SameWord(p.pszName, name)) return &p;
     }
     return nullptr;
+}
+
+bool IsReadOnly(const ZPropertyInfo &property) { return property.eKind == eZPK_Computed; }
+
+std::string KindOf(const ZPropertyInfo &property) {
+    switch (property.eKind) {
+        case eZPK_Boolean:
+            return "boolean";
+        case eZPK_Integer:
+            return std::to_string(property.nMin) + " to " + std::to_string(property.nMax);
+        case eZPK_Real:
+            return "number";
+        case eZPK_Borders:
+            return "left top right bottom";
+        default:
+            return "text";
+    }
+}
+
+std::string MeaningOf(const ZPropertyInfo &property) {
+    std::string out = property.pszMeaning;
+    for (const Remark &remark : kRemarks) {
+        if (SameWord(remark.name, property.pszName)) out += remark.text;
+    }
+    return out;
 }
 
 std::string StoredInForce(const std::vector<std::pair<std::string, std::string>> &kept) {
     std::string out;
     for (const auto &[name, value] : kept) {
-        const Property *p = FindProperty(name);
-        if (p != nullptr && SameWord(p->byDefault, value)) continue;
+        const ZPropertyInfo *p = FindProperty(name);
+        if (p != nullptr && SameWord(p->pszDefault, value)) continue;
         out += (out.empty() ? "" : ", ") + name + "=" + value;
         if (p == nullptr) {
             out += " (unknown)";
-        } else if (!p->readOnly && !kProperties[static_cast<std::size_t>(p - kTable.data())].accepts(value)) {
+        } else if (!IsReadOnly(*p) && !Accepts(*p, value)) {
             out += " (does not suit it)";
         }
     }
@@ -110,13 +118,12 @@ std::string StoredInForce(const std::vector<std::pair<std::string, std::string>>
 }
 
 void CheckProperty(const std::string &option, const std::string &name, const std::string &value) {
-    const Property *property = FindProperty(name);
+    const ZPropertyInfo *property = FindProperty(name);
     if (property == nullptr) FailUsage(option + ": the keyer has no property \"" + name + "\"; it has " + SettableNames());
-    if (property->readOnly) FailUsage(option + ": " + property->name + " can only be read");
-    const Known &known = kProperties[static_cast<std::size_t>(property - kTable.data())];
-    if (!known.accepts(value)) {
-        FailUsage(option + ": \"" + value + "\" does not suit " + property->name + "; give " +
-                  (SameWord(property->type, "boolean") ? "true or false" : property->type));
+    if (IsReadOnly(*property)) FailUsage(option + ": " + property->pszName + " can only be read");
+    if (!Accepts(*property, value)) {
+        FailUsage(option + ": \"" + value + "\" does not suit " + property->pszName + "; give " +
+                  (property->eKind == eZPK_Boolean ? "true or false" : KindOf(*property)));
     }
 }
 

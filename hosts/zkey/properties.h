@@ -1,4 +1,4 @@
-// What the keyer's properties mean. The library keeps names and values only, and takes any; this program knows better.
+// The keyer's properties for people. The library keeps any name and any value; this program refuses those that make no sense.
 #pragma once
 
 #include <string>
@@ -6,20 +6,17 @@
 #include <utility>
 #include <vector>
 
+#include "zchromakey/properties.h"
+
 namespace zkey {
 
-struct Property {
-    const char *name;
-    const char *type;    ///< for people: "boolean", "1 to 16" and so on
-    const char *byDefault;
-    const char *meaning;
-    bool readOnly;
-};
-
-/// All properties; the last entry has no name.
-const Property *PropertyTable();
 /// Null for a name that the keyer does not know. Letters are compared without regard to case.
-const Property *FindProperty(std::string_view name);
+const ZPropertyInfo *FindProperty(std::string_view name);
+bool IsReadOnly(const ZPropertyInfo &property);
+/// For people: "boolean", "1 to 16" and so on.
+std::string KindOf(const ZPropertyInfo &property);
+/// For people: the meaning, and what zkey does with the property.
+std::string MeaningOf(const ZPropertyInfo &property);
 
 /// One line about stored properties that a fresh keyer has and that say other than by default, or that are nonsense; nothing
 /// when there are none. `kept` is what the keyer keeps, without what the command line sets anyway.

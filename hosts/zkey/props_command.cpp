@@ -33,8 +33,8 @@ Request Parse(const std::vector<std::string> &arguments) {
         } else {
             const std::size_t equals = a.find('=');
             const std::string name = a.substr(0, equals);
-            const Property *p = FindProperty(name);
-            r.props.emplace_back(p == nullptr ? name : p->name, std::nullopt);
+            const ZPropertyInfo *p = FindProperty(name);
+            r.props.emplace_back(p == nullptr ? name : p->pszName, std::nullopt);
             if (equals == std::string::npos) continue;
             r.props.back().second = a.substr(equals + 1);
             CheckProperty("props", name, *r.props.back().second);
@@ -53,15 +53,15 @@ Request Parse(const std::vector<std::string> &arguments) {
     return r;
 }
 
-std::string Describe(const Property &p, const std::string &value) {
-    std::string out = std::string(p.name) + "=" + value + "\n    " + p.meaning + "\n    ";
-    if (p.readOnly) return out + "can only be read\n";
-    out += std::string(p.type) + ", by default " + (p.byDefault[0] == '\0' ? "empty" : p.byDefault);
-    if (const auto stored = StoredProperty(p.name)) {
+std::string Describe(const ZPropertyInfo &p, const std::string &value) {
+    std::string out = std::string(p.pszName) + "=" + value + "\n    " + MeaningOf(p) + "\n    ";
+    if (IsReadOnly(p)) return out + "can only be read\n";
+    out += KindOf(p) + ", by default " + (p.pszDefault[0] == '\0' ? "empty" : p.pszDefault);
+    if (const auto stored = StoredProperty(p.pszName)) {
         out += ", stored as " + (stored->empty() ? "empty" : *stored);
         // The library takes what it finds; nobody checked a line that was written by hand.
         try {
-            CheckProperty("", p.name, *stored);
+            CheckProperty("", p.pszName, *stored);
         } catch (const Failure &) {
             out += ", which does not suit it";
         }
@@ -72,8 +72,8 @@ std::string Describe(const Property &p, const std::string &value) {
 std::string Change(const Request &r) {
     std::string out;
     for (const auto &[name, value] : r.props) {
-        const Property *p = FindProperty(name);
-        if (p != nullptr && p->readOnly) FailUsage("--forget: " + name + " can only be read");
+        const ZPropertyInfo *p = FindProperty(name);
+        if (p != nullptr && IsReadOnly(*p)) FailUsage("--forget: " + name + " can only be read");
         const bool was = StoreProperty(name, value);
         if (value) {
             out += name + "=" + *value + " is stored in " + StoredPlace() + "\n";
@@ -92,7 +92,7 @@ std::string Show(const Request &r) {
         out += Describe(*FindProperty(name), keyer.Prop(name).value_or(""));
     }
     if (!r.props.empty()) return out;
-    for (const Property *p = PropertyTable(); p->name != nullptr; ++p) out += Describe(*p, keyer.Prop(p->name).value_or(""));
+    for (const ZPropertyInfo &p : kZProperties) out += Describe(p, keyer.Prop(p.pszName).value_or(""));
     for (const auto &[name, value] : keyer.Props()) {
         if (FindProperty(name) == nullptr) out += name + "=" + value + "\n    stored, but the keyer does not know it\n";
     }

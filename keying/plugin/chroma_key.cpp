@@ -4,6 +4,7 @@
 
 #include "keying/key/key.h"
 #include "platform/status.h"
+#include "zchromakey/properties.h"
 
 namespace zck {
 
@@ -14,25 +15,13 @@ constexpr uint32_t kStopTimeoutMs = 10000;
 /// Where the user's properties are stored.
 constexpr TextView kSettingsKey = ZCK_TEXT("Software\\Orvane\\Quorvex\\ZChromaKey");
 
-struct DefaultProperty {
-    TextView name;
-    TextView value;
-};
-
-/// In the order in which a listing shows them.
-constexpr DefaultProperty kDefaults[] = {
-    {ZCK_TEXT("background"), ZCK_TEXT("checker")},  {ZCK_TEXT("detect.blocks"), ZCK_TEXT("48")},
-    {ZCK_TEXT("detect.threshold"), ZCK_TEXT("16")}, {ZCK_TEXT("detect.key_diff"), ZCK_TEXT("1.0")},
-    {ZCK_TEXT("detect.max_keys"), ZCK_TEXT("1")},   {ZCK_TEXT("output.thread"), ZCK_TEXT("true")},
-    {ZCK_TEXT("process.threads"), ZCK_TEXT("2")},   {ZCK_TEXT("keying.borders"), ZCK_TEXT("")},
-};
-
 }    // namespace
 
 CCoZChromaKey::CCoZChromaKey() : m_outputDone(true, true), m_key{}, m_adjust(AdjustDefaults()), m_outputThread(&OutputThread) {
-    for (const DefaultProperty &property : kDefaults) {
+    for (const ZPropertyInfo &property : kZProperties) {
+        if (property.eKind == eZPK_Computed) continue;
         bool changed = false;
-        m_props.Set(property.name, Bstr(property.value).get(), changed);
+        m_props.Set(TextFromUtf8(property.pszName), ZBstr(property.pszDefault).get(), changed);
     }
     // What cannot be read leaves the defaults.
     m_props.LoadStored(kSettingsKey);

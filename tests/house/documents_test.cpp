@@ -9,6 +9,7 @@
 #include <iterator>
 
 #include "tests/house/layers.h"
+#include "zchromakey/properties.h"
 
 namespace house {
 namespace {
@@ -48,6 +49,25 @@ TEST(Documents, CodeInTheReadmeIsCodeOfTheExample) {
     const std::vector<std::string> blocks = CodeBlocks(readme, "cpp");
     EXPECT_GE(blocks.size(), 3u);
     for (const std::string &block : blocks) EXPECT_THAT(example, HasSubstr(block));
+}
+
+TEST(Documents, ThePropertiesAreThoseOfTheTable) {
+    const std::string readme = ReadText(ZCK_SOURCE_DIR "/README.md");
+    for (const ZPropertyInfo &p : kZProperties) {
+        const std::string name = "`" + std::string(p.pszName) + "`";
+        if (p.eKind == eZPK_Computed) {
+            EXPECT_THAT(readme, HasSubstr(name));
+            continue;
+        }
+        const std::string range = std::to_string(p.nMin) + " to " + std::to_string(p.nMax);
+        const std::string kind = p.eKind == eZPK_Integer   ? range
+                                 : p.eKind == eZPK_Boolean ? "boolean"
+                                 : p.eKind == eZPK_Real    ? "number"
+                                 : p.eKind == eZPK_Borders ? "left top right bottom"
+                                                           : "text";
+        const std::string byDefault = *p.pszDefault == '\0' ? " " : " " + std::string(p.pszDefault) + " ";
+        EXPECT_THAT(readme, HasSubstr("| " + name + " | " + kind + " |" + byDefault + "|"));
+    }
 }
 
 TEST(Documents, WhatIsNotThereIsListed) {

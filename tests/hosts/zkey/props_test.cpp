@@ -21,9 +21,9 @@ TEST(Props, EachHasValueKindDefaultAndMeaning) {
     const Scratch scratch;
     const Outcome all = RunProgram(scratch, "props");
     EXPECT_EQ(all.status, 0) << all.error;
-    for (const Property *p = PropertyTable(); p->name != nullptr; ++p) {
-        EXPECT_TRUE(Says(all.out, std::string(p->name) + "=")) << p->name;
-        EXPECT_TRUE(Says(all.out, p->meaning)) << p->name;
+    for (const ZPropertyInfo &p : kZProperties) {
+        EXPECT_TRUE(Says(all.out, std::string(p.pszName) + "=")) << p.pszName;
+        EXPECT_TRUE(Says(all.out, p.pszMeaning)) << p.pszName;
     }
     EXPECT_TRUE(Says(all.out, "detect.blocks=48\n")) << all.out;
     EXPECT_TRUE(Says(all.out, "1 to 16, by default 2\n")) << all.out;
@@ -39,10 +39,10 @@ TEST(Props, TheTableHoldsWhatTheKeyerKeeps) {
     const auto kept = keyer.Props();
     EXPECT_EQ(kept.size(), 8U);
     for (const auto &[name, value] : kept) {
-        const Property *p = FindProperty(name);
+        const ZPropertyInfo *p = FindProperty(name);
         ASSERT_NE(p, nullptr) << name;
-        EXPECT_FALSE(p->readOnly) << name;
-        EXPECT_EQ(p->byDefault, value) << name;
+        EXPECT_FALSE(IsReadOnly(*p)) << name;
+        EXPECT_EQ(p->pszDefault, value) << name;
         CheckProperty("", name, value);
     }
 }
