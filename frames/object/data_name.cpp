@@ -11,13 +11,13 @@ int DigitOf(OLECHAR c) {
     return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
 }
 
-// Hexadecimal digits from the start of the text; a longer number keeps its last eight.
+// Hexadecimal digits from the start of the text, saturated at 32 bits.
 int32_t HexValue(TextView text) {
     uint32_t value = 0;
     for (const OLECHAR c : text) {
         const int digit = DigitOf(c);
         if (digit < 0) break;
-        value = value << 4 | static_cast<uint32_t>(digit);
+        value = value > UINT32_MAX >> 4 ? UINT32_MAX : value << 4 | static_cast<uint32_t>(digit);
     }
     return static_cast<int32_t>(value);
 }

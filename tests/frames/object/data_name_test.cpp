@@ -46,6 +46,15 @@ TEST(DataName, NamesThatAreNoCodesKeepFourCharacters) {
     EXPECT_EQ(Code('a', '\xE9', 'b', 'c'), CodeFromName(ZCK_TEXT("a\u00E9bc")));
 }
 
+TEST(DataName, NumbersOfMoreThanEightDigitsSaturate) {
+    const auto highest = static_cast<int32_t>(0xFFFFFFFF);
+    EXPECT_EQ(highest, CodeFromName(ZCK_TEXT("0x100000000")));
+    EXPECT_EQ(highest, CodeFromName(ZCK_TEXT("#123456789ABCDEF01")));
+    EXPECT_EQ(highest, CodeFromName(ZCK_TEXT("{1C87CEAAF-75BE}")));
+    EXPECT_EQ(highest - 1, CodeFromName(ZCK_TEXT("0x0000FFFFFFFE")));
+    EXPECT_EQ(0x12345678, CodeFromName(ZCK_TEXT("0x00012345678")));
+}
+
 TEST(DataName, IdentifiersInBraces) {
     const GUID id = {0xC87CEAAF, 0x75BE, 0x0BC4, {0x84, 0xEB, 0xAC, 0x27, 0x98, 0x50, 0x76, 0x02}};
     const Text name = NameFromIdentifier(id);
