@@ -118,7 +118,9 @@ void PixelsFill(const Z_VID_PROPS &props, uint8_t *pixels, uint32_t size, uint32
 void PixelsKeepField(const Z_VID_PROPS &props, uint8_t *pixels, int32_t field) {
     const int64_t rows = std::abs(static_cast<int64_t>(props.nHeight));
     const int64_t step = UsedRowBytes(props);
-    const int64_t bytes = static_cast<int64_t>(props.nWidth) * (PixelBits(props.fccType) / 8);
+    // Planes have one byte a pixel, whatever all planes together take.
+    const int64_t pixelBytes = IsPlanarFormat(props.fccType) ? 1 : PixelBits(props.fccType) / 8;
+    const int64_t bytes = props.nWidth * pixelBytes;
     for (int64_t pair = 0; pair < rows / 2 - 1; ++pair) {
         uint8_t *row = pixels + (2 * pair + 1 + field) * step;
         for (int64_t x = 0; x < bytes; ++x) {

@@ -153,6 +153,31 @@ TEST_F(CheckedProps, OneFieldIsMadeFromTheOther) {
     }
 }
 
+TEST_F(CheckedProps, OneFieldOfPlanesIsMadeFromTheOther) {
+    constexpr int32_t kWidth = 10;
+    constexpr int32_t kHeight = 8;
+    for (const eZFCC fcc : {eZFCC_NV12, eZFCC_YV12, eZFCC_I420, kFccY422}) {
+        Z_VID_PROPS own = {};
+        own.fccType = fcc;
+        own.nWidth = kWidth;
+        own.nHeight = kHeight;
+        own.nRowBytes = kWidth;
+        own.eInterlace = eZI_Field1First;
+        const auto frame = Frame(own);
+        std::vector<uint8_t> expected = VideoOf(frame).Copy();
+        for (size_t y = 1; y + 1 < kHeight; y += 2) {
+            for (size_t x = 0; x < kWidth; ++x) {
+                const int32_t sum = expected[(y - 1) * kWidth + x] + expected[(y + 1) * kWidth + x];
+                expected[y * kWidth + x] = static_cast<uint8_t>(sum / 2 + (sum % 4 == 3 ? 1 : 0));
+            }
+        }
+        Z_VID_PROPS asked = own;
+        asked.eInterlace = eZI_DeinterlaceF1;
+        EXPECT_EQ(S_OK, Set(frame, asked)) << fcc;
+        EXPECT_EQ(expected, VideoOf(frame).Copy()) << fcc;
+    }
+}
+
 TEST_F(CheckedProps, ProgressivePicturesKeepBothFields) {
     const auto frame = Frame(Record(eZFCC_UYVY, 10, 8));
     Z_VID_PROPS asked = Video(frame);
