@@ -43,10 +43,10 @@ HRESULT CWorkerThread::Start(void *owner, int32_t index) noexcept {
         thread->body = m_body;
         thread->owner = owner;
         thread->index = index;
+        auto holder = std::make_unique<std::shared_ptr<Thread>>(thread);
         m_owner = owner;
         m_index = index;
         m_thread = thread;
-        auto holder = std::make_unique<std::shared_ptr<Thread>>(thread);
         const HRESULT hr = SystemThread::Start(Entry, holder.get(), thread->system);
         if (FAILED(hr)) {
             m_thread.reset();

@@ -81,16 +81,32 @@ void *ThreadMain(void *argument) {
 
 class PosixThread final : public SystemThread {
 public:
-    PosixThread(pthread_t thread, std::shared_ptr<Run> run) noexcept : m_thread(thread), m_run(std::move(run)) {}
+    explicit PosixThread(std::shared_ptr<Run> run) noexcept : m_run(std::move(run)) {}
     ~PosixThread() override {
-        if (m_ended) {
-            pthread_join(m_thread, nullptr);
-        } else {
-            pthread_detach(m_thread);
-        }
+        if (m_state == State::Ended) pthread_join(m_thread, nullptr);
+        if (m_state == State::Running) pthread_detach(m_thread);
     }
 
-    bool WaitEnd(uint32_t ms, bool) noexcept override { return m_ended = m_run->ended.Wait(ms); }
+    /// Returns the system's error. Allocates all it needs before the thread runs: from then on nothing fails.
+    int Start() {
+        auto holder = std::make_unique<std::shared_ptr<Run>>(m_run);
+        int error = 0;
+        {
+            const SignalsBlocked blocked;
+            error = pthread_create(&m_thread, nullptr, ThreadMain, holder.get());
+        }
+        if (error != 0) return error;
+        static_cast<void>(holder.release());    // the thread has it now
+        m_state = State::Running;
+        m_run->started.Wait(kInfinite);
+        return 0;
+    }
+
+    bool WaitEnd(uint32_t ms, bool) noexcept override {
+        const bool ended = m_run->ended.Wait(ms);
+        if (ended) m_state = State::Ended;
+        return ended;
+    }
 
     // The thread's stack stays mapped: others may hold pointers into it. The wait is for a thread that sits in a system call
     // which no signal interrupts.
@@ -106,9 +122,11 @@ public:
     uint32_t Id() const noexcept override { return m_run->id; }
 
 private:
-    pthread_t m_thread;
+    enum class State { NotStarted, Running, Ended };
+
+    pthread_t m_thread{};
     std::shared_ptr<Run> m_run;
-    bool m_ended = false;
+    State m_state = State::NotStarted;
 };
 
 }    // namespace
@@ -118,17 +136,9 @@ HRESULT SystemThread::Start(Entry entry, void *argument, std::unique_ptr<SystemT
         auto run = std::make_shared<Run>();
         run->entry = entry;
         run->argument = argument;
-        auto holder = std::make_unique<std::shared_ptr<Run>>(run);
-        pthread_t thread{};
-        int error = 0;
-        {
-            const SignalsBlocked blocked;
-            error = pthread_create(&thread, nullptr, ThreadMain, holder.get());
-        }
-        if (error != 0) return SystemErrorStatus(error, E_FAIL);
-        static_cast<void>(holder.release());    // the thread has it now
-        run->started.Wait(kInfinite);
-        out = std::make_unique<PosixThread>(thread, std::move(run));
+        auto made = std::make_unique<PosixThread>(std::move(run));
+        if (const int error = made->Start()) return SystemErrorStatus(error, E_FAIL);
+        out = std::move(made);
         return S_OK;
     });
 }
