@@ -111,14 +111,8 @@ HRESULT CCoZFFactory_I::ZFFrameLocal(IUnknown *_pFrame, IZFFrame **_ppFrameRes, 
     return HandOut(hr, clone, _ppFrameRes);
 }
 
-// Makes the clone with the source's description and sound, the target's record, and a buffer for the target's pixels.
-template <class Source>
-HRESULT CCoZFFactory_I::ConvertBegin(Source *local, eZFCC fcc, FramePtr &clone, ConvertJob &job) {
-    FramePixels pixels;
-    HRESULT hr = CCoZFrame2::Create(this, clone);
-    if (SUCCEEDED(hr)) hr = clone->MediaTakeWhole(local, pixels);
-    if (FAILED(hr)) return hr;
-    Z_VID_PROPS &props = clone->Props().vidProps;
+// Fills the source's side and both descriptions of a job in; `props` comes with the source's and goes with the target's.
+HRESULT CCoZFFactory_I::ConvertPlan(const FramePixels &pixels, eZFCC fcc, Z_VID_PROPS &props, ConvertJob &job) {
     job.sourceProps = props;
     job.source = pixels.data;
     job.sourceSize = pixels.data != nullptr ? pixels.size : 0;
@@ -130,13 +124,40 @@ HRESULT CCoZFFactory_I::ConvertBegin(Source *local, eZFCC fcc, FramePtr &clone, 
     if (!PixelsFit(job.sourceProps, job.sourceSize)) return kVfwEInvalidMediaType;
     // Before the buffer: the size that such a record states is not one that pixels stand for.
     if (!HasRows(job.sourceProps)) return E_UNEXPECTED;
-    hr = clone->VideoAlloc(static_cast<uint32_t>(size));
+    job.targetSize = static_cast<uint32_t>(size);
+    return S_OK;
+}
+
+// Makes the clone with the source's description and sound, the target's record, and a buffer for the target's pixels.
+template <class Source>
+HRESULT CCoZFFactory_I::ConvertBegin(Source *local, eZFCC fcc, FramePtr &clone, ConvertJob &job) {
+    FramePixels pixels;
+    HRESULT hr = CCoZFrame2::Create(this, clone);
+    if (SUCCEEDED(hr)) hr = clone->MediaTakeWhole(local, pixels);
+    if (SUCCEEDED(hr)) hr = ConvertPlan(pixels, fcc, clone->Props().vidProps, job);
+    if (SUCCEEDED(hr)) hr = clone->VideoAlloc(job.targetSize);
     if (FAILED(hr)) return hr;
     const FramePixels target = clone->Pixels();
     job.target = target.data;
-    job.targetSize = target.size;
     job.bZeroed = target.section->IsFresh();
     return S_OK;
+}
+
+// Converts the pixels of one moment: a frame of this process is taken again, and no writer of it comes in between. `fits` tells
+// whether the clone's buffer is still of the right size; otherwise nothing was done.
+template <class Source>
+HRESULT CCoZFFactory_I::ConvertNow(Source *local, eZFCC fcc, CCoZFrame2 &clone, ConvertJob &job, bool &fits) {
+    const std::lock_guard lock(m_csConvert);
+    fits = true;
+    const auto own = QueryFor<CCoZFrame2>(local);
+    if (!own) return PixelsConvert(job);
+    const uint32_t room = job.targetSize;
+    FramePixels pixels;
+    return clone.MediaTakeFor(*own, true, pixels, [&] {
+        const HRESULT hr = ConvertPlan(pixels, fcc, clone.Props().vidProps, job);
+        fits = FAILED(hr) || job.targetSize == room;
+        return SUCCEEDED(hr) && fits ? PixelsConvert(job) : hr;
+    });
 }
 
 // The same rule for both families; their roads differ in what a plain clone takes over.
@@ -144,17 +165,25 @@ template <class Source>
 HRESULT CCoZFFactory_I::CloneAs(Source *source, int32_t type, eZFCC fcc, FramePtr &out) {
     return Guarded([&] {
         CloneWork work = CloneWork::Plain;
+        int32_t size = 0;
         if (fcc != eZFCC_Default) {
             Z_VID_PROPS props = {};
-            int32_t size = 0;
             const HRESULT hr = PictureOf(source, props, size);
             if (FAILED(hr)) return hr;
             work = CloneWorkOf(props, size, fcc);
         }
+        FramePtr clone;
+        if (work != CloneWork::Convert) {
+            const HRESULT hr = CloneAlong(this, source, type, clone);
+            if (FAILED(hr)) return hr;
+            Z_VID_PROPS &props = clone->Props().vidProps;
+            // A frame of ours may have been turned or named anew since.
+            if (QueryFor<CCoZFrame2>(source)) work = CloneWorkOf(props, size, fcc);
+            if (work == CloneWork::Relabel) props.fccType = fcc;
+        }
         if (work == CloneWork::Convert) return CloneConverted(source, fcc, out);
-        const HRESULT hr = CloneAlong(this, source, type, out);
-        if (SUCCEEDED(hr) && work == CloneWork::Relabel) out->Props().vidProps.fccType = fcc;
-        return hr;
+        out.Swap(clone);
+        return S_OK;
     });
 }
 
@@ -163,13 +192,11 @@ template <class Source>
 HRESULT CCoZFFactory_I::CloneConverted(Source *source, eZFCC fcc, FramePtr &out) {
     ComPtr<Source> local;
     FramePtr clone;
-    ConvertJob job;
     HRESULT hr = MakeLocal(source, false, local);
-    if (SUCCEEDED(hr)) hr = ConvertBegin(local.get(), fcc, clone, job);
-    if (FAILED(hr)) return hr;
-    {
-        const std::lock_guard lock(m_csConvert);
-        hr = PixelsConvert(job);
+    for (bool fits = false; SUCCEEDED(hr) && !fits;) {
+        ConvertJob job;
+        hr = ConvertBegin(local.get(), fcc, clone, job);
+        if (SUCCEEDED(hr)) hr = ConvertNow(local.get(), fcc, *clone, job, fits);
     }
     if (SUCCEEDED(hr)) hr = clone->DataTakeFrom(local.get());
     if (SUCCEEDED(hr)) out.Swap(clone);

@@ -145,7 +145,7 @@ HRESULT CCoZFFactory_I::ZFFrameWrap(Z_VID_PROPS *_pVidProps, int32_t _cbVideo, i
     const HRESULT hr = CCoZFrame2::Create(this, frame);
     if (FAILED(hr)) return hr;
     frame->Props().vidProps = *_pVidProps;
-    frame->VideoBorrow({PointerFrom<>(_pbVideo), static_cast<uint32_t>(_cbVideo), nullptr}, 0, _pKeeper);
+    frame->VideoBorrow({PointerFrom<>(_pbVideo), static_cast<uint32_t>(_cbVideo), nullptr, nullptr}, 0, _pKeeper);
     return HandOut(frame, _ppFrameRes);
 }
 

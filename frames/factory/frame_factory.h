@@ -68,8 +68,11 @@ private:
     template <class Source>
     HRESULT CloneConverted(Source *source, eZFCC fcc, FramePtr &out);
     template <class Source>
+    HRESULT ConvertNow(Source *local, eZFCC fcc, CCoZFrame2 &clone, ConvertJob &job, bool &fits);
+    template <class Source>
     HRESULT ConvertBegin(Source *local, eZFCC fcc, FramePtr &clone, ConvertJob &job);
 
+    static HRESULT ConvertPlan(const FramePixels &pixels, eZFCC fcc, Z_VID_PROPS &props, ConvertJob &job);
     HRESULT ShellBegin(IZFrame_I *local, int32_t type, eZFCC fcc, FramePtr &clone, ConvertJob &job);
 
     IPCBufferHeap m_heap;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <shared_mutex>
 
 #include "frames/memory/blob_holder.h"
 #include "frames/memory/ipc_buffer.h"
@@ -17,18 +18,21 @@
 
 namespace zck {
 
-/// Pixels in this process. `section`, where it is known, keeps the memory from being reused for another frame.
+/// Pixels in this process. `section`, where it is known, keeps the memory from being reused for another frame; `keeper` is
+/// what a frame that borrows them itself keeps alive for them.
 struct FramePixels {
     uint8_t *data = nullptr;
     uint32_t size = 0;
     ComPtr<IPCBuffer> section;
+    ComPtr<IUnknown> keeper;
 };
 
 /// A frame. Made by the factory and by its own clones only.
 ///
 /// Where the pixels are, and who keeps them alive:
 ///   own: `m_pSharedBuffer` is a section of the factory's pool, `m_pSource` is empty; the section goes back to the pool.
-///   borrowed: `m_video` points into the memory of `m_pSource`, whose section, if it is known, is counted in `m_pBorrowed`.
+///   borrowed: `m_video` points into the memory of `m_pSource`, whose section, if it is known, is counted in `m_pBorrowed`. A
+///     clone of a borrower borrows from the same source, so that chains of clones have no depth.
 ///   borrowed across processes: `m_pSharedBuffer` is the source's section opened here, `m_pSource` is the source.
 ///   external: `m_video` points at a caller's block, `m_pSource` is the caller's keeper, or empty.
 ///
@@ -57,6 +61,15 @@ public:
     HRESULT AudioAssign(const void *data, uint32_t size) noexcept;
     /// Takes time, description and sound of a frame of this process, and tells where its pixels are; no pixel is touched.
     HRESULT MediaTake(CCoZFrame2 &source, bool audio, FramePixels &pixels) noexcept;
+    /// The same with a copy of the pixels, all of one moment. Without memory for them the frame has none, and `S_OK` comes.
+    HRESULT MediaCopy(CCoZFrame2 &source, bool audio, FramePixels &pixels) noexcept;
+    /// The same, and runs `work` before a writer of the source can come in between. `work` calls no other object.
+    template <class Work>
+    HRESULT MediaTakeFor(CCoZFrame2 &source, bool audio, FramePixels &pixels, Work &&work) {
+        const std::shared_lock lock(source.m_lockMedia);
+        const HRESULT hr = source.MediaGive(*this, audio, pixels);
+        return SUCCEEDED(hr) ? work() : hr;
+    }
     /// The same of a foreign frame, which is asked for what the clone's type wants and no more.
     HRESULT MediaTake(IZFrame_I *source, int32_t type, FramePixels &pixels) noexcept;
     HRESULT MediaTake(IZFFrame *source, bool audio, FramePixels &pixels, ZF_INFO &info) noexcept;

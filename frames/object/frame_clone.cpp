@@ -38,6 +38,7 @@ HRESULT CCoZFrame2::CloneMedia(IZFrame_I *source, int32_t type, uint32_t offset)
     FramePixels pixels;
     HRESULT hr = S_OK;
     if (const auto own = QueryFor<CCoZFrame2>(source)) {
+        if ((type & eZFC_Video) != 0) return MediaCopy(*own, audio, pixels);
         hr = MediaTake(*own, audio, pixels);
     } else {
         uint32_t process = 0;
@@ -51,8 +52,23 @@ HRESULT CCoZFrame2::CloneMedia(IZFrame_I *source, int32_t type, uint32_t offset)
 }
 
 HRESULT CCoZFrame2::MediaTake(CCoZFrame2 &source, bool audio, FramePixels &pixels) noexcept {
-    const std::shared_lock lock(source.m_lockMedia);
-    return source.MediaGive(*this, audio, pixels);
+    return MediaTakeFor(source, audio, pixels, [] { return S_OK; });
+}
+
+// The section is got without the source's lock, as the factory is called for it.
+HRESULT CCoZFrame2::MediaCopy(CCoZFrame2 &source, bool audio, FramePixels &pixels) noexcept {
+    bool whole = false;
+    while (!whole) {
+        const uint32_t size = source.PixelsGet().size;
+        const bool room = size != 0 && SUCCEEDED(VideoAlloc(size));
+        const HRESULT hr = MediaTakeFor(source, audio, pixels, [&] {
+            whole = pixels.size == size;
+            if (whole && room) CopyBytes(m_video.Data(), pixels.data, size);
+            return S_OK;
+        });
+        if (FAILED(hr)) return hr;
+    }
+    return S_OK;
 }
 
 HRESULT CCoZFrame2::MediaGive(CCoZFrame2 &clone, bool audio, FramePixels &pixels) {
@@ -98,14 +114,14 @@ HRESULT CCoZFrame2::DataTakeFrom(IZFrame_I *source) noexcept {
     return FrameDataCopyFrom(source, 2) == E_OUTOFMEMORY ? E_OUTOFMEMORY : S_OK;
 }
 
-// Pixels of this process: copied, or shared with the source. A copy that finds no section leaves the clone without pixels,
-// and the clone succeeds all the same.
+// Pixels of this process: copied, or shared with the source or whom it borrows them from. A copy that finds no section leaves
+// the clone without pixels, and the clone succeeds all the same.
 void CCoZFrame2::ClonePixels(const FramePixels &pixels, IUnknown *source, int32_t type, uint32_t offset) {
     if (pixels.size == 0) return;
     if ((type & eZFC_Video) != 0) {
         if (SUCCEEDED(VideoAlloc(pixels.size))) CopyBytes(m_video.Data(), pixels.data, pixels.size);
     } else if ((type & eZFC_VideoRef) != 0) {
-        VideoBorrow(pixels, offset, source);
+        VideoBorrow(pixels, offset, pixels.keeper ? pixels.keeper.get() : source);
     }
 }
 
@@ -136,7 +152,7 @@ HRESULT CCoZFrame2::CloneRemoteVideo(IZFrame_I *source, int32_t type, uint32_t o
     size = std::min(size, room - start);
     if (size == 0) return S_OK;
     if ((type & eZFC_Video) != 0) {
-        ClonePixels({section->DataPointer(start), size, nullptr}, nullptr, eZFC_Video, 0);
+        ClonePixels({section->DataPointer(start), size, nullptr, nullptr}, nullptr, eZFC_Video, 0);
         return S_OK;
     }
     m_video.Attach(section->DataPointer(0), start + size);

@@ -17,13 +17,16 @@ HRESULT CCoZFrame2::CloneTessilu(IZFrames_I *factory, IZFFrame *source, int32_t 
         if (FAILED(hr)) return hr;
         FramePixels pixels;
         ZF_INFO info = {};
-        hr = clone->MediaTake(source, (type & eZFC_Audio) != 0, pixels, info);
+        const auto own = (type & eZFC_Video) != 0 ? QueryFor<CCoZFrame2>(source) : nullptr;
+        const bool audio = (type & eZFC_Audio) != 0;
+        hr = own ? source->ZFInfoGet(&info) : clone->MediaTake(source, audio, pixels, info);
+        if (SUCCEEDED(hr) && own) hr = clone->MediaCopy(*own, audio, pixels);
         // A frame of another process travels in the block form, which is not there yet.
         if (SUCCEEDED(hr) && info.nProcessId != CurrentProcessId()) hr = E_NOTIMPL;
         if (FAILED(hr)) return hr;
         clone->PropsPrune(pixels.size != 0, type);
         // An offset that reaches the size is dropped on purpose.
-        clone->ClonePixels(pixels, source, type, offset < pixels.size ? offset : 0);
+        if (!own) clone->ClonePixels(pixels, source, type, offset < pixels.size ? offset : 0);
         if (info.nDataCount > 0 || info.nTextCount > 0) clone->CloneNamed(source, info);
         if ((type & eZFC_Obj) != 0) clone->CloneObjects(source, info.nObjectCount, false);
         out.Swap(clone);

@@ -56,8 +56,8 @@ HRESULT CCoZFrame2::FrameBufferIdGet(int64_t *_pnBufferId) {
     ComPtr<IUnknown> source;
     {
         const std::shared_lock lock(m_lockMedia);
-        if (m_pSharedBuffer) {
-            *_pnBufferId = static_cast<int64_t>(m_pSharedBuffer->BufferId());
+        if (const ComPtr<IPCBuffer> section = Pixels().section) {
+            *_pnBufferId = static_cast<int64_t>(section->BufferId());
             return S_OK;
         }
         source = m_pSource;
@@ -84,7 +84,11 @@ HRESULT CCoZFrame2::FrameVideoCopyGet(int32_t *_pcbSize, int64_t *_ppbVideo) {
 HRESULT CCoZFrame2::FrameVideoOffsetGet(int32_t *_pnOffset) {
     if (_pnOffset == nullptr) return E_POINTER;
     const std::shared_lock lock(m_lockMedia);
-    *_pnOffset = static_cast<int32_t>(m_nVideoOffset);
+    const FramePixels pixels = Pixels();
+    // Borrowed memory may start anywhere in its section.
+    const std::ptrdiff_t start =
+        pixels.section && m_video.Data() != nullptr ? m_video.Data() - pixels.section->DataPointer(0) : 0;
+    *_pnOffset = static_cast<int32_t>(start + m_nVideoOffset);
     return S_OK;
 }
 

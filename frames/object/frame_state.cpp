@@ -59,6 +59,8 @@ void CCoZFrame2::FinalRelease() noexcept {
 
 HRESULT CCoZFrame2::VideoAlloc(uint32_t size) noexcept {
     if (!m_pFactory) return E_UNEXPECTED;
+    m_video.Clear();
+    if (m_pSharedBuffer) m_pFactory->BufferReturn(m_pSharedBuffer.Detach());
     ComPtr<IPCBuffer> buffer;
     // A pool at its limit can give a section and a failure; the section is what counts.
     m_pFactory->BufferGet(static_cast<int32_t>(size), buffer.Put());
@@ -97,7 +99,8 @@ FramePixels CCoZFrame2::Pixels() const noexcept {
     FramePixels pixels;
     pixels.size = VideoSize();
     pixels.data = VideoData();
-    pixels.section = m_pSource ? m_pBorrowed : m_pSharedBuffer;
+    pixels.section = m_pSharedBuffer ? m_pSharedBuffer : m_pBorrowed;
+    pixels.keeper = m_pSource;
     return pixels;
 }
 

@@ -15,7 +15,8 @@ struct IZFrame_I : IZFrame {
     virtual HRESULT Z_STDCALL FrameAudioCopyGet(int32_t *_pcbSize, int64_t *_ppbAudio) = 0;
     /// A copy of the pixels; otherwise as `FrameAudioCopyGet`.
     virtual HRESULT Z_STDCALL FrameVideoCopyGet(int32_t *_pcbSize, int64_t *_ppbVideo) = 0;
-    /// Bytes between the start of the memory that the frame borrows and its own first pixel.
+    /// Bytes between the start of the section's data and the frame's first pixel; without a section, between the start of the
+    /// memory that the frame borrows and that pixel.
     virtual HRESULT Z_STDCALL FrameVideoOffsetGet(int32_t *_pnOffset) = 0;
     /// Replaces the audio by `_cbSize` bytes, zero when `_pbAudio` is 0; a size of 0 leaves no audio.
     virtual HRESULT Z_STDCALL FrameAudioReset(int32_t _cbSize, int64_t _pbAudio) = 0;

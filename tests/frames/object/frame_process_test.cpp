@@ -34,6 +34,16 @@ int CloneElsewhere(const std::vector<std::string> &args) {
     if (factory->FrameCloneConvert(source.get(), copy.Put(), eZFC_Full, eZFCC_Default) != S_OK) return 5;
     source.Reset();
 
+    // A clone of a clone borrows the same section, and outlives the clone.
+    ComPtr<IZFrame> again;
+    if (reference->FrameClone(again.Put(), eZFC_Reference, eZFCC_Default) != S_OK) return 10;
+    reference = QueryFor<IZFrame_I>(again.get());
+    again.Reset();
+    int64_t section = 0;
+    int32_t offset = -1;
+    if (reference->FrameBufferIdGet(&section) != S_OK || section != state.section) return 11;
+    if (reference->FrameVideoOffsetGet(&offset) != S_OK || offset != state.offset) return 12;
+
     for (const auto &frame : {reference, copy}) {
         const Bytes video = VideoOf(frame);
         if (video.size != state.videoSize) return 6;
@@ -63,6 +73,7 @@ std::string Hex(int64_t id) {
 class FrameProcesses : public FrameTest {
 protected:
     void Cross(const ComPtr<IZFrame_I> &frame) {
+        const std::vector<uint8_t> before = VideoOf(frame).Copy();
         int64_t section = 0;
         int32_t offset = 0;
         int32_t size = 0;
@@ -77,6 +88,7 @@ protected:
         child.Send("go on");
         EXPECT_EQ(0, child.Wait());
         EXPECT_EQ(0x3C, VideoOf(frame).data()[2]);
+        std::memcpy(VideoOf(frame).data(), before.data(), before.size());
     }
 };
 
@@ -97,6 +109,23 @@ TEST_F(FrameProcesses, ACutFrameStartsWhereItStartsHere) {
 TEST_F(FrameProcesses, AReferenceCloneNamesTheSection) {
     const auto frame = Frame(Record(eZFCC_UYVY, kWidth, kHeight));
     Cross(As<IZFrame_I>(Clone(frame.get(), eZFC_Reference)));
+}
+
+TEST_F(FrameProcesses, CutsOfCutsAndTheirClonesStartWhereTheyStartHere) {
+    const auto frame = Frame(Record(eZFCC_UYVY, kWidth, kHeight));
+    tagRECT rect = {};
+    rect.left = 4;
+    rect.top = 6;
+    rect.right = 60;
+    rect.bottom = 46;
+    ComPtr<IZFrame> cut;
+    ASSERT_EQ(S_OK, frame->FrameCut(0, &rect, cut.Put()));
+    Cross(As<IZFrame_I>(Clone(cut.get(), eZFC_Reference)));
+    ComPtr<IZFrame> again;
+    ASSERT_EQ(S_OK, cut->FrameCut(2, &rect, again.Put()));
+    cut.Reset();
+    Cross(As<IZFrame_I>(again));
+    Cross(As<IZFrame_I>(Clone(again.get(), eZFC_Reference)));
 }
 
 }    // namespace

@@ -2,6 +2,7 @@
 #include <atomic>
 #include <thread>
 
+#include "frames/media/pixel_format.h"
 #include "tests/frames/object/frame_fixture.h"
 
 namespace zck::test {
@@ -66,6 +67,62 @@ TEST_F(FrameThreads, CloningWhileItChanges) {
             tessilu->ZFInfoGet(&info);
         });
     EXPECT_EQ(0, wrong);
+}
+
+// Whether each stored row holds the byte of its picture row, as the record says where that row is.
+bool RowsInOrder(const ComPtr<IZFrame> &clone, const std::vector<uint8_t> &rowBytes) {
+    const Z_VID_PROPS props = PropsOf(clone).vidProps;
+    const Bytes video = VideoOf(clone);
+    const auto rows = static_cast<int32_t>(rowBytes.size());
+    if (video.size < rows * props.nRowBytes) return false;
+    for (int32_t y = 0; y < rows; ++y) {
+        const bool turned = IsRgbFormat(props.fccType) && props.nHeight > 0;
+        const uint8_t *row = video.data() + (turned ? rows - 1 - y : y) * props.nRowBytes;
+        // The luma of a packed picture that is grey stands in every second byte.
+        for (int32_t x = 1; x < props.nRowBytes; x += 2) {
+            if (x % 4 != 3 && row[x] != rowBytes[static_cast<size_t>(y)]) return false;
+        }
+    }
+    return true;
+}
+
+TEST_F(FrameThreads, ClonesOfAPictureThatTurnsAreWhole) {
+    constexpr int32_t kSide = 512;
+    constexpr int kClones = 60;
+    const auto frame = Frame(Record(eZFCC_ARGB32, kSide, -kSide));
+    std::vector<uint8_t> grey(kSide);
+    for (int32_t y = 0; y < kSide; ++y) {
+        grey[static_cast<size_t>(y)] = static_cast<uint8_t>(y / 2);
+        std::memset(VideoOf(frame).data() + y * kSide * 4, y / 2, kSide * 4);
+    }
+    std::vector<uint8_t> luma(kSide);
+    const auto converted = Clone(frame.get(), eZFC_Video, eZFCC_UYVY);
+    for (int32_t y = 0; y < kSide; ++y) luma[static_cast<size_t>(y)] = VideoOf(converted).data()[y * kSide * 2 + 1];
+
+    int torn = 0;
+    const auto tessilu = As<IZFFrame>(frame);
+    const auto look = [&](const ComPtr<IZFrame> &clone, const std::vector<uint8_t> &rows) {
+        if (!clone || !RowsInOrder(clone, rows)) ++torn;
+    };
+    std::atomic<bool> done{false};
+    std::thread writer([&] {
+        for (int i = 0; !done; ++i) {
+            Z_AV_PROPS props = PropsOf(frame);
+            props.vidProps.nHeight = i % 2 == 0 ? kSide : -kSide;
+            tessilu->ZFAVPropsSet(&props, nullptr);
+        }
+    });
+    for (int i = 0; i < kClones; ++i) {
+        look(Clone(frame.get(), eZFC_Full), grey);
+        look(Clone(frame.get(), eZFC_Full, eZFCC_RGB32), grey);
+        look(Clone(frame.get(), eZFC_Full, eZFCC_UYVY), luma);
+        ComPtr<IZFFrame> clone;
+        if (tessilu->ZFClone(clone.Put(), eZFC_Full, eZFCC_Default) != S_OK) ++torn;
+        look(As<IZFrame>(clone), grey);
+    }
+    done = true;
+    writer.join();
+    EXPECT_EQ(0, torn);
 }
 
 TEST_F(FrameThreads, EveryThreadMakesItsOwn) {

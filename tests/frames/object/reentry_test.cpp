@@ -3,6 +3,7 @@
 #include <functional>
 #include <thread>
 
+#include "frames/object/frame.h"
 #include "tests/frames/object/foreign_frame.h"
 #include "tests/frames/object/frame_fixture.h"
 
@@ -37,6 +38,38 @@ private:
         if (m_action) std::thread(m_action).join();
     }
     std::function<void()> &m_action;
+};
+
+// A factory of a pool of its own, which turns a picture over each time a buffer is asked for.
+class TurningFactory final : public CoObject<IZFrames_I> {
+public:
+    explicit TurningFactory(ComPtr<IZFrames_I> pool, ComPtr<IZFFrame> frame)
+        : m_pool(std::move(pool)), m_frame(std::move(frame)) {}
+
+    HRESULT Z_STDCALL BufferGet(int32_t size, IPCBuffer **buffer) override {
+        Z_AV_PROPS props = {};
+        EXPECT_EQ(S_OK, m_frame->ZFAVPropsGet(&props, nullptr));
+        props.vidProps.nHeight = -props.vidProps.nHeight;
+        EXPECT_EQ(S_OK, m_frame->ZFAVPropsSet(&props, nullptr));
+        return m_pool->BufferGet(size, buffer);
+    }
+    HRESULT Z_STDCALL BufferReturn(IPCBuffer *buffer) override { return m_pool->BufferReturn(buffer); }
+
+    HRESULT Z_STDCALL FrameLocal(IUnknown *, IZFrame **, int32_t) override { return E_NOTIMPL; }
+    HRESULT Z_STDCALL FrameCreate(int32_t, IUnknown *, IZFrame **) override { return E_NOTIMPL; }
+    HRESULT Z_STDCALL FrameCreateFromProps(Z_VID_PROPS *, int64_t, IZFrame **, BSTR) override { return E_NOTIMPL; }
+    HRESULT Z_STDCALL FrameCreateFromFile(BSTR, IZFrame **, BSTR) override { return E_NOTIMPL; }
+    HRESULT Z_STDCALL FrameCreateFromHbitmap(int64_t, IZFrame **, BSTR) override { return E_NOTIMPL; }
+    HRESULT Z_STDCALL FrameCreateReserved() override { return E_NOTIMPL; }
+    HRESULT Z_STDCALL FrameAlloc(int32_t, int32_t, IUnknown *, IZFrame_I **) override { return E_NOTIMPL; }
+    HRESULT Z_STDCALL FrameCloneConvert(IZFrame *, IZFrame_I **, eZFrameClone, eZFCC) override { return E_NOTIMPL; }
+    HRESULT Z_STDCALL FramesConvert(IZFrame *, IZFrame *, Z_VID_PROPS *, IZFrame **, BSTR) override { return E_NOTIMPL; }
+    HRESULT Z_STDCALL FrameMakeLocal(IZFrame *, IZFrame_I **, int32_t) override { return E_NOTIMPL; }
+    HRESULT Z_STDCALL FrameCloneObject(IUnknown *, IZFrame **, eZFrameClone, eZFCC) override { return E_NOTIMPL; }
+
+private:
+    ComPtr<IZFrames_I> m_pool;
+    ComPtr<IZFFrame> m_frame;
 };
 
 class Reentry : public FrameTest {
@@ -109,6 +142,21 @@ TEST_F(Reentry, SourcesOfClonesAndData) {
     EXPECT_EQ(S_OK, m_factory->FrameCloneConvert(m_meddler.get(), clone.Put(), eZFC_Full, eZFCC_ARGB32));
     EXPECT_EQ(S_FALSE, m_frame->FrameDataCopyFrom(m_meddler.get(), 2));
     EXPECT_GT(m_calls, 0);
+}
+
+TEST_F(Reentry, APictureThatTurnsWhileItsCopyGetsABuffer) {
+    const auto frame = Frame(Record(eZFCC_ARGB32, 8, -6));
+    const auto tessilu = As<IZFFrame>(frame);
+    ComPtr<IZFrames_I> factory;
+    ASSERT_EQ(S_OK, CreateObject<TurningFactory>(nullptr, ZIidOf<IZFrames_I>(), factory.PutVoid(), m_factory, tessilu));
+    for (const bool quorvex : {true, false}) {
+        ComPtr<CCoZFrame2> clone;
+        ASSERT_EQ(S_OK, quorvex ? CCoZFrame2::CloneQuorvex(factory.get(), frame.get(), eZFC_Full, 0, clone)
+                                : CCoZFrame2::CloneTessilu(factory.get(), tessilu.get(), eZFC_Full, 0, clone));
+        // Description and pixels are of one moment: that of the copy.
+        EXPECT_EQ(PropsOf(frame).vidProps.nHeight, PropsOf(clone).vidProps.nHeight);
+        EXPECT_EQ(VideoOf(frame).Copy(), VideoOf(clone).Copy());
+    }
 }
 
 }    // namespace
