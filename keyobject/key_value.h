@@ -5,9 +5,11 @@
 
 #include "keyobject/key_frames.h"
 #include "keyobject/key_step.h"
+#include "keyobject/working_image.h"
 #include "platform/object.h"
 #include "props/persist/persist_impl.h"
 #include "props/store/props_impl.h"
+#include "zchromakey/frames.h"
 #include "zchromakey/key.h"
 
 namespace zck {
@@ -51,12 +53,19 @@ private:
     void StepPut(const KeyStep &step);
     /// The preview of the present step, as an object for a caller.
     HRESULT Render(IUnknown **out);
+    /// The picture of the blocks that were painted into the working image.
+    HRESULT ShowBlocks(IUnknown **out);
+    /// A pick at a place of the picture, for one of the sets.
+    HRESULT TakePoint(KeyRangeSet KeyStep::*target, int32_t x, int32_t y, BSTR text, IUnknown **out);
     /// Runs `edit` with the edit lock held; `out`, which must be there, is cleared first.
     template <class Body>
     HRESULT Edit(IUnknown **out, Body edit) noexcept;
 
     CriticalSection m_editLock;
-    KeyHistory m_history;    // of the edit lock
+    // Of the edit lock.
+    KeyHistory m_history;
+    WorkingImage m_work;
+    ComPtr<IZFrames> m_factory;    // of block pictures; made with the first
     mutable CriticalSection m_stepLock;
     KeyStep m_step;    // of the step lock
     KeyFrames m_frames;

@@ -115,21 +115,5 @@ TEST_F(KeyValue, MayBeAPartOfAnOuterObject) {
     outer.inner->Release();
 }
 
-TEST_F(KeyValue, PicksAndDetectionAreNotThereYet) {
-    IUnknown *const filled = m_key.get();
-    const std::pair<const char *, HRESULT (*)(IZKey *, IUnknown **)> slots[] = {
-        {"KeyDetect", [](IZKey *key, IUnknown **frame) { return key->KeyDetect(nullptr, frame); }},
-        {"KeyAddPoint", [](IZKey *key, IUnknown **frame) { return key->KeyAddPoint(0, 0, nullptr, frame); }},
-        {"KeyExcludePoint", [](IZKey *key, IUnknown **frame) { return key->KeyExcludePoint(0, 0, nullptr, frame); }},
-        {"KeyAddRect", [](IZKey *key, IUnknown **frame) { return key->KeyAddRect(0, 0, 1, 1, nullptr, frame); }},
-    };
-    for (const auto &[name, call] : slots) {
-        IUnknown *out = filled;
-        EXPECT_EQ(call(m_key.get(), &out), E_NOTIMPL) << name;
-        EXPECT_EQ(out, nullptr) << name;
-        EXPECT_EQ(call(m_key.get(), nullptr), E_NOTIMPL) << name;
-    }
-}
-
 }    // namespace
 }    // namespace zck
