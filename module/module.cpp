@@ -4,6 +4,7 @@
 #include "frames/factory/factory.h"
 #include "keying/plugin/chroma_key.h"
 #include "keyobject/key_value.h"
+#include "platform/class_table.h"
 #include "platform/object.h"
 #include "platform/status.h"
 
@@ -14,28 +15,18 @@ HRESULT FactoryCreate(REFIID riid, void **ppv) {
     return zck::CreateObject<zck::CoClassFactory<T>>(nullptr, riid, ppv);
 }
 
-/// A class that the module can create.
-struct ClassEntry {
-    const CLSID *clsid;
-    HRESULT (*factory)(REFIID riid, void **ppv);
-};
-
-constexpr ClassEntry kClasses[] = {
+constexpr zck::ClassEntry kClasses[] = {
     {&CLSID_ZChromaKey, &FactoryCreate<zck::CCoZChromaKey>},
     {&CLSID_ZKey, &FactoryCreate<zck::CCoZKeyValue>},
 };
+
+const zck::ClassTable g_classes(kClasses);
 
 }    // namespace
 
 extern "C" {
 
-HRESULT Z_STDCALL DllGetClassObject(REFCLSID rclsid, REFIID riid, void **ppv) {
-    if (ppv == nullptr) return E_POINTER;
-    *ppv = nullptr;
-    for (const ClassEntry &entry : kClasses)
-        if (rclsid == *entry.clsid) return entry.factory(riid, ppv);
-    return CLASS_E_CLASSNOTAVAILABLE;
-}
+HRESULT Z_STDCALL DllGetClassObject(REFCLSID rclsid, REFIID riid, void **ppv) { return zck::ClassObjectGet(rclsid, riid, ppv); }
 
 HRESULT Z_STDCALL DllCanUnloadNow() { return zck::ModuleCount::Get() == 0 ? S_OK : S_FALSE; }
 

@@ -51,19 +51,6 @@ HRESULT CCoZChromaKey::KeySet(IZKey *_pKeyObject) {
     });
 }
 
-HRESULT CCoZChromaKey::KeyGet(IUnknown *_pZFrameForAdjustOrNull, IZKey **_ppKeyObject, BSTR) {
-    if (_ppKeyObject == nullptr) return E_POINTER;
-    *_ppKeyObject = nullptr;
-    return Guarded([&]() -> HRESULT {
-        ComPtr<IZFrame> frame = QueryFor<IZFrame>(_pZFrameForAdjustOrNull);
-        if (!frame) {
-            const std::lock_guard guard(m_lastFrameLock);
-            frame = m_lastFrame;
-        }
-        return frame ? E_NOTIMPL : kVfwEWrongState;
-    });
-}
-
 HRESULT CCoZChromaKey::KeyRawSet(CHROMA_KEY_RAW *_pvmKey) {
     if (_pvmKey == nullptr) return E_POINTER;
     const std::lock_guard guard(m_keyLock);

@@ -61,8 +61,10 @@ private:
     std::optional<Borders> BordersNow() const;
     static void CutToBorders(const Borders &borders, ComPtr<IZFrame> *working);
     CHROMA_KEY_RAW KeySnapshot() const;
+    ComPtr<IZFrame> LastFrame() const;
+    HRESULT BackgroundNow(XMLParse::CoXMLNode &options, ComPtr<IZFrame> *background);
 
-    CriticalSection m_lastFrameLock;
+    mutable CriticalSection m_lastFrameLock;
     ComPtr<IZFrame> m_lastFrame;
     CSliceThreads m_slices;
     CriticalSection m_keyingLock;
