@@ -45,6 +45,8 @@ private:
     int64_t m_handle = kClosed;
     uint8_t *m_view = nullptr;
     uint64_t m_size = 0;
+    uint8_t *m_held = nullptr;    // memory that is kept beside the handle, seen by nobody before it is mapped
+    uint64_t m_heldSize = 0;
     uint64_t m_id = 0;
     uint32_t m_process = 0;    // the process that opened the handle
     bool m_session = false;    // open under the session name

@@ -25,7 +25,7 @@ HRESULT IPCBufferHeap::GetBuffer(int32_t size, IPCBuffer **out, int32_t count) n
     {
         std::lock_guard lock(m_lock);
         wanted = TakeIdle(size, out, asked);
-        if (m_nMaximum > 0 && m_nCount >= m_nMaximum) CollectFree(std::max<int64_t>(wanted, 0), victims);
+        if (m_nMaximum > 0 && m_nCount >= m_nMaximum) CollectFree(std::max<int64_t>(wanted, 0), m_nMinimum, victims);
     }
     victims.clear();
     return MakeBuffers(size, out, wanted, asked);
@@ -68,9 +68,12 @@ HRESULT IPCBufferHeap::MakeOne(int32_t size, IPCBuffer **out) noexcept {
     ComPtr<IPCBuffer> buffer;
     buffer.Attach(new (std::nothrow) IPCBuffer);
     if (!buffer) return E_OUTOFMEMORY;
-    const HRESULT hr = buffer->AllocBuffer(static_cast<uint32_t>(size));
+    const bool forCaller = out != nullptr && *out == nullptr;
+    HRESULT hr = buffer->AllocBuffer(static_cast<uint32_t>(size));
+    // A spare is not worth the idle ones.
+    if (FAILED(hr) && forCaller && GiveUpIdle()) hr = buffer->AllocBuffer(static_cast<uint32_t>(size));
     if (FAILED(hr)) return hr;
-    if (out != nullptr && *out == nullptr) {
+    if (forCaller) {
         *out = buffer.Detach();
         return S_OK;
     }
@@ -129,28 +132,37 @@ HRESULT IPCBufferHeap::ReturnFrame(IPCBuffer *buffer) noexcept {
     return S_OK;
 }
 
+// Destroys whatever nobody uses, whatever the minimum. False when there was nothing.
+bool IPCBufferHeap::GiveUpIdle() noexcept {
+    Queue victims;
+    std::lock_guard lock(m_lock);
+    AdoptWaiting();
+    CollectFree(0, 0, victims);
+    return !victims.empty();
+}
+
 int32_t IPCBufferHeap::ReleaseFreeFrames(int32_t n, int32_t) noexcept {
     Queue victims;
     {
         std::lock_guard lock(m_lock);
         AdoptWaiting();
-        CollectFree(n, victims);
+        CollectFree(n, m_nMinimum, victims);
     }
     return static_cast<int32_t>(victims.size());
 }
 
 // Under the lock. An entry is begun while the count is above the limit, and left when it has fallen below: one entry can
 // take the count to one less than the limit. A positive n bounds the whole walk.
-void IPCBufferHeap::CollectFree(int64_t n, Queue &victims) noexcept {
+void IPCBufferHeap::CollectFree(int64_t n, int32_t limit, Queue &victims) noexcept {
     const bool bounded = n > 0;
     bool go = true;
-    for (auto entry = m_idle.begin(); go && entry != m_idle.end() && m_nCount > m_nMinimum;) {
+    for (auto entry = m_idle.begin(); go && entry != m_idle.end() && m_nCount > limit;) {
         Queue &queue = entry->second;
         while (!queue.empty()) {
             victims.splice(victims.end(), queue, queue.begin());
             const int32_t left = --m_nCount;
             go = !bounded || --n > 0;
-            if (left < m_nMinimum || !go) break;
+            if (left < limit || !go) break;
         }
         entry = queue.empty() ? m_idle.erase(entry) : std::next(entry);
     }

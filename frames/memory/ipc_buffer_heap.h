@@ -32,6 +32,7 @@ public:
     ///
     /// `S_FALSE` when the cap stopped it after something was found in the pool; `E_OUTOFMEMORY` when nothing was found
     /// there, even if some were made. `out` may be filled in both cases, and after a failed spare: it counts, not the status.
+    /// Where the system has no room for the one that is handed out, all idle buffers are given up for it.
     HRESULT GetBuffer(int32_t size, IPCBuffer **out, int32_t count) noexcept;
 
     /// Takes a buffer back, with its reference. One that has a second owner waits outside of the pool until that owner has
@@ -54,10 +55,11 @@ private:
     int64_t TakeIdle(int32_t size, IPCBuffer **out, int64_t wanted) noexcept;
     HRESULT MakeBuffers(int32_t size, IPCBuffer **out, int64_t wanted, int64_t asked) noexcept;
     HRESULT MakeOne(int32_t size, IPCBuffer **out) noexcept;
+    bool GiveUpIdle() noexcept;
     HRESULT Keep(Queue &one, bool bReturned) noexcept;
     void PutIdle(Queue &from, Queue::iterator buffer);
     void AdoptWaiting() noexcept;
-    void CollectFree(int64_t n, Queue &victims) noexcept;
+    void CollectFree(int64_t n, int32_t limit, Queue &victims) noexcept;
     void WakeWorker() noexcept;
     static void ReleaseLoop(void *owner, int32_t index, CWorkerThread &self);
 
