@@ -11,6 +11,7 @@
 #include "hosts/zkey/key_doubts.h"
 #include "hosts/zkey/obstacles.h"
 #include "hosts/zkey/progress.h"
+#include "hosts/zkey/room.h"
 #include "hosts/zkey/system.h"
 #include "hosts/zkey/text.h"
 
@@ -23,6 +24,8 @@ void Require(HRESULT status, const std::string &what) {
 
 /// The keyer drops a frame when its output thread has been busy for this long, and says so by no more than S_FALSE.
 constexpr std::chrono::milliseconds kDropTime{1000};
+
+constexpr char kNoPicture[] = "the keyer gave no picture";
 
 /// Far more than the text of any key.
 std::string StartOf(const std::string &path) {
@@ -148,14 +151,16 @@ Ref<IZFrame> Keyer::NewFrame(const Z_VID_PROPS &props, uint8_t *&pixels) {
     const int64_t bytes = FrameBytes(props);
     if (bytes > INT32_MAX) Fail("the picture is too large: a frame has 2 GB at most");
     Ref<IZFrame> frame;
-    Require(m_frames->FrameCreate(static_cast<int32_t>(bytes), nullptr, frame.Put()), "cannot create a frame");
+    const HRESULT made = m_frames->FrameCreate(static_cast<int32_t>(bytes), nullptr, frame.Put());
+    if (made == E_OUTOFMEMORY) Fail("cannot create a frame: out of memory: " + WhyNoRoom(bytes));
+    Require(made, "cannot create a frame");
     Z_AV_PROPS all{};
     all.vidProps = props;
     Require(frame->FrameAVPropsSet(&all), "cannot describe a frame");
     int32_t size = 0;
     int64_t address = 0;
     Require(frame->FrameVideoGetBytes(&size, &address), "cannot reach the pixels of a frame");
-    if (address == 0 || size < bytes) Fail("cannot create a frame: out of memory");
+    if (address == 0 || size < bytes) Fail("cannot create a frame: out of memory: " + WhyNoRoom(bytes));
     pixels = reinterpret_cast<uint8_t *>(static_cast<intptr_t>(address));
     return frame;
 }
@@ -165,21 +170,32 @@ bool Keyer::OneCallLate() {
     return !(SameWord(value, "false") || value == "0" || SameWord(value, "no"));
 }
 
+// The status does not always say that memory was short, so one more frame of the result's size is asked for.
+void Keyer::FailKeying(IZFrame *frame, const std::string &words) {
+    Z_AV_PROPS props{};
+    frame->FrameAVPropsGet(&props);
+    const int64_t bytes = int64_t{4} * props.vidProps.nWidth * std::abs(int64_t{props.vidProps.nHeight});
+    Ref<IZFrame> probe;
+    if (bytes <= INT32_MAX && m_frames->FrameCreate(static_cast<int32_t>(bytes), nullptr, probe.Put()) == E_OUTOFMEMORY)
+        Fail("cannot key the frame: out of memory: " + WhyNoRoom(bytes));
+    Fail("cannot key the frame: " + words);
+}
+
 Ref<IZFrame> Keyer::Key(IZFrame *frame) {
     const bool late = OneCallLate();
     for (;;) {
         Ref<IZFrame> result;
         const auto start = std::chrono::steady_clock::now();
         const HRESULT status = m_plugin->OnMediaReceive(0, nullptr, frame, result.Put());
-        Require(status, "cannot key the frame");
+        if (FAILED(status)) FailKeying(frame, StatusText(status));
         if (!late) {
-            if (!result) Fail("cannot key the frame: the keyer gave no picture");
+            if (!result) FailKeying(frame, kNoPicture);
             return result;
         }
         if (!result && m_pending) {
             // Nothing came back: either this frame was dropped, which takes the keyer its time, or the one before failed.
             if (std::chrono::steady_clock::now() - start >= kDropTime) continue;
-            Fail("cannot key the frame: the keyer gave no picture");
+            FailKeying(frame, kNoPicture);
         }
         frame->AddRef();
         *m_pending.Put() = frame;

@@ -47,6 +47,8 @@ public:
 
 private:
     bool OneCallLate();
+    /// Ends the program with a line that names what is short, or these words where nothing is.
+    [[noreturn]] void FailKeying(IZFrame *frame, const std::string &words);
 
     Ref<IZPlugin> m_plugin;
     Ref<IZChromaKey> m_key;

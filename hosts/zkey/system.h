@@ -8,8 +8,8 @@
 
 namespace zkey {
 
-/// Enters the object model for threads without a message queue, makes the standard streams binary, and sees to it that no other
-/// file gets the number of one that is closed.
+/// Enters the object model for threads without a message queue, makes the standard streams binary, sees to it that no other
+/// file gets the number of one that is closed, and takes as many open files as the system allows.
 void SystemStart();
 /// The command line without the program's name, as UTF-8.
 std::vector<std::string> Arguments(int argc, char **argv);

@@ -5,6 +5,12 @@
 
 /// Makes frames. Free-threaded. Every frame holds a reference on its factory, and the factory owns the pool of pixel
 /// buffers, so that a host keeps one factory and makes all its frames with it. The caller releases what it is handed.
+///
+/// Pixels lie in shared memory, which other processes of the same user can open. Outside Windows each frame with pixels, and
+/// each spare in the pool, holds one file descriptor: a host that keeps many frames raises its soft limit `RLIMIT_NOFILE`,
+/// which often is 1024, to the hard one at its start. There `/dev/shm` has to have room for the names, one page each; as long
+/// as half of it stays free the pixels lie there too, and elsewhere in memory otherwise. What cannot be had, be it memory, room
+/// or a descriptor, is `E_OUTOFMEMORY`, after the pool has given up what lay idle.
 struct IZFrames : IUnknown {
     /// A frame of this process: `_pFrame` itself, or a reference clone if it lives in another process or `_bForce` is set.
     /// `E_POINTER` for a null argument, `E_NOINTERFACE` for an object that is no frame of this family, or the status of opening

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -28,6 +29,14 @@ void OnInterrupt(int) {
     errno = kept;
 }
 
+// Each frame that lives has a file open, and the usual limit is meant for programs that wait with select.
+void RaiseLimitOfFiles() {
+    rlimit limit{};
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return;
+    limit.rlim_cur = limit.rlim_max;
+    setrlimit(RLIMIT_NOFILE, &limit);
+}
+
 }    // namespace
 
 void SystemStart() {
@@ -37,6 +46,7 @@ void SystemStart() {
     }
     // A file that grows beyond the limit gives a write error instead of the end of the program.
     std::signal(SIGXFSZ, SIG_IGN);
+    RaiseLimitOfFiles();
 }
 
 std::vector<std::string> Arguments(int argc, char **argv) { return {argv + (argc > 0 ? 1 : 0), argv + argc}; }
