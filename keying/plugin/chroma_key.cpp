@@ -21,10 +21,11 @@ CCoZChromaKey::CCoZChromaKey() : m_outputDone(true, true), m_key{}, m_adjust(Adj
     for (const ZPropertyInfo &property : kZProperties) {
         if (property.eKind == eZPK_Computed) continue;
         bool changed = false;
-        m_props.Set(TextFromUtf8(property.pszName), ZBstr(property.pszDefault).get(), changed);
+        const HRESULT hr = m_props.Set(TextFromUtf8(property.pszName), Bstr(TextFromUtf8(property.pszDefault)).get(), changed);
+        if (FAILED(hr)) throw std::bad_alloc();
     }
-    // What cannot be read leaves the defaults.
-    m_props.LoadStored(kSettingsKey);
+    // What cannot be read leaves the defaults. Half of it for want of memory would be another plug-in.
+    if (m_props.LoadStored(kSettingsKey) == E_OUTOFMEMORY) throw std::bad_alloc();
 }
 
 CCoZChromaKey::~CCoZChromaKey() { m_outputThread.Stop(kStopTimeoutMs, true, false); }
@@ -41,8 +42,8 @@ HRESULT CCoZChromaKey::KeySet(IZKey *_pKeyObject) {
                 key = m_key;
                 adjust = m_adjust;
             }
-            // A key object that gives nothing leaves the present key in force.
-            _pKeyObject->KeyRawGet(&key, &adjust);
+            // A key object that gives no key leaves the present one in force, whatever it cleared, and nobody is told.
+            if (FAILED(_pKeyObject->KeyRawGet(&key, &adjust))) return S_OK;
         }
         const std::lock_guard guard(m_keyLock);
         m_key = key;
