@@ -48,7 +48,7 @@ public:
     CoObject &operator=(const CoObject &) = delete;
 
 protected:
-    CoObject() noexcept { ModuleCount::Add(); }
+    CoObject() { ModuleCount::Add(); }
     virtual ~CoObject() {
         if (m_marshaler != nullptr) m_marshaler->Release();
         ModuleCount::Sub();

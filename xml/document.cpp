@@ -42,8 +42,8 @@ HRESULT SaveFile(CoXMLNode &node, TextView path, bool unicode, BSTR *out) noexce
         const Text text = XMLText(node);
         if (!path.empty()) {
             const std::string bytes = unicode ? BytesOfUnits(text) : CodePageFromText(text);
-            // Its failure is not told.
-            FileWrite(path, bytes);
+            // What the system says against the file is not told.
+            if (FileWrite(path, bytes) == E_OUTOFMEMORY) return E_OUTOFMEMORY;
         }
         if (text.empty()) return E_UNEXPECTED;
         return out != nullptr ? BstrCopyTo(text, out) : S_OK;

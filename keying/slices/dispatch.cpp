@@ -116,6 +116,8 @@ HRESULT CSliceThreads::Dispatch(uint8_t *pixels, uint8_t *alpha, const Z_VID_PRO
     frame.props.eInterlace = eZI_Progressive;
     const bool sliced = keys && frame.props.nHeight != 0;
     frame.byRows = false;
+    if (sliced) hr = MakeEvents();
+    if (FAILED(hr)) return hr;
     if (sliced && !bReturnEarly) {
         hr = Guarded([&] { return PrepareRows(pixels, alpha, props, source, pixelBytes); });
         if (FAILED(hr)) return hr;

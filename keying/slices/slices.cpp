@@ -41,6 +41,16 @@ HRESULT CSliceThreads::WaitDone(uint32_t) {
     return kErrorTimeout;
 }
 
+HRESULT CSliceThreads::MakeEvents() {
+    return Guarded([&] {
+        for (int32_t i = 0; i < m_count; ++i) {
+            std::unique_ptr<Event> &done = m_done[static_cast<size_t>(i)];
+            if (!done) done = std::make_unique<Event>(true, true);
+        }
+        return S_OK;
+    });
+}
+
 void CSliceThreads::WakeAll() {
     for (int32_t i = 0; i < kSlotsMax; ++i) {
         CWorkerThread &thread = m_threads[static_cast<size_t>(i)];
@@ -50,11 +60,7 @@ void CSliceThreads::WakeAll() {
             done.reset();
             continue;
         }
-        if (done) {
-            done->Reset();
-        } else {
-            done = std::make_unique<Event>(true);
-        }
+        done->Reset();
         // A thread that cannot be started leaves its event unset, and the wait times out on it.
         if (!thread.HasThread()) thread.Start(this, i);
         thread.Wake();

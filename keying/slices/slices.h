@@ -66,6 +66,8 @@ private:
     HRESULT PrepareRows(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS &props, const RowSource *source, int64_t pixelBytes);
     HRESULT FinishRows();
     void StopAll();
+    /// What `WakeAll` needs: nothing fails any more once the first thread works.
+    HRESULT MakeEvents();
     void WakeAll();
 
     std::array<CWorkerThread, kSlotsMax> m_threads;

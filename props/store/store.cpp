@@ -165,7 +165,7 @@ HRESULT CPropsStore::LoadStored(TextView key) {
     const HRESULT hr = SettingsLoad(key, settings);
     for (const StoredSetting &setting : settings) {
         bool changed = false;
-        Set(setting.name, Bstr(setting.value).get(), changed);
+        if (Set(setting.name, Bstr(setting.value).get(), changed) == E_OUTOFMEMORY) return E_OUTOFMEMORY;
     }
     return hr;
 }
