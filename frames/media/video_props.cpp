@@ -88,11 +88,8 @@ Z_VID_PROPS Completed(const Z_VID_PROPS &props) {
 
 // Bytes that the pixels of one row take, without padding; 0 for a format of unknown width.
 int64_t PixelRowBytes(eZFCC fcc, int32_t width) {
-    const int64_t w = std::max(width, 0);
-    if (fcc == eZFCC_v210) return (w + 5) / 6 * 16;
-    const PixelFormatRow *row = PixelFormatFind(fcc);
-    const int64_t group = row != nullptr ? row->nDivX : 1;
-    return ((w + group - 1) / group * group * PixelBits(fcc) + 7) / 8;
+    const FormatRow *row = FormatFind(fcc);
+    return row != nullptr ? row->GroupRowBytes(std::max(width, 0)) : 0;
 }
 
 }    // namespace

@@ -9,27 +9,8 @@
 namespace zck {
 
 PixelClass PixelClassOf(eZFCC fcc) {
-    switch (fcc) {
-        case eZFCC_YVYU:
-            return PixelClass::Yvyu;
-        case eZFCC_YUY2:
-            return PixelClass::Yuy2;
-        case eZFCC_UYVY:
-        case eZFCC_HDYC:
-            return PixelClass::Uyvy;
-        case eZFCC_RGB24:
-            return PixelClass::Rgb24;
-        case eZFCC_RGB32:
-        case eZFCC_ARGB32:
-            return PixelClass::Rgb32;
-        case eZFCC_I420:
-        case eZFCC_YV12:
-            return PixelClass::Planes420;
-        case eZFCC_NV12:
-            return PixelClass::Nv12;
-        default:
-            return PixelClass::None;
-    }
+    const FormatRow *row = FormatFind(fcc);
+    return row != nullptr ? row->pixels : PixelClass::None;
 }
 
 int64_t PixelBytes(PixelClass kind) {
@@ -56,13 +37,14 @@ bool ImageLayoutMake(eZFCC fcc, int32_t width, int32_t height, int64_t rowBytes,
     l.bytes = (rows - 1) * rowBytes + pixels;
     if (Is420(l.kind)) {
         const bool pairs = l.kind == PixelClass::Nv12;
+        const bool crFirst = FormatFind(fcc)->bCrFirst;
         l.chromaRows = l.rows / 2;
         const int64_t step = pairs ? rowBytes : rowBytes / 2;
         const int64_t first = rows * rowBytes;
         const int64_t second = first + (pairs ? 0 : step * l.chromaRows);
         l.step[1] = l.step[2] = step;
-        l.offset[1] = fcc == eZFCC_YV12 ? second : first;
-        l.offset[2] = fcc == eZFCC_YV12 ? first : second;
+        l.offset[1] = crFirst ? second : first;
+        l.offset[2] = crFirst ? first : second;
         const int64_t chroma = pairs ? width / 2 * 2 : width / 2;
         if (l.chromaRows > 0 && chroma > 0) l.bytes = std::max(l.bytes, second + (l.chromaRows - 1) * step + chroma);
     }

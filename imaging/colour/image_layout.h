@@ -3,13 +3,13 @@
 
 #include <cstdint>
 
+#include "frames/media/format_table.h"
 #include "imaging/colour/image_desc.h"
 #include "zchromakey/media_types.h"
 
 namespace zck {
 
-/// The formats that pictures are converted between, by the order of their bytes. HDYC reads as UYVY here, RGB32 as ARGB32.
-enum class PixelClass : int32_t { Yvyu, Yuy2, Uyvy, Rgb24, Rgb32, Planes420, Nv12, None };
+/// The class of a format as its row in the format table says; `None` without a row. HDYC reads as UYVY here, RGB32 as ARGB32.
 PixelClass PixelClassOf(eZFCC fcc);
 
 /// Bytes from pixel to pixel in the first plane.

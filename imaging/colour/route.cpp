@@ -124,11 +124,10 @@ void UnpackThenRow(const RowJob &job) {
 }
 
 constexpr ConvertRoute kNotProvided = {nullptr, 1};
-constexpr int kClasses = 6;
 
-// Rows are sources; RGB32, RGB24, UYVY, HDYC, YUY2, v210 both ways. BT.709 in three cells only: everywhere else HDYC is read
-// and written as UYVY.
-constexpr ConvertRoute kRoutes[kClasses][kClasses] = {
+// Rows are sources, columns targets, both in the order of `RouteClass`. BT.709 in three cells only: everywhere else HDYC is
+// read and written as UYVY.
+constexpr ConvertRoute kRoutes[kRouteClasses][kRouteClasses] = {
     {{CopyRow<4>, 1},
      {KernelRow<&PrimitiveKernels::drop_alpha>, 1},
      {KernelRow<&PrimitiveKernels::bgra_to_uyvy>, 1},
@@ -167,32 +166,14 @@ constexpr ConvertRoute kRoutes[kClasses][kClasses] = {
      {CopyV210Row, 1}},
 };
 
-int RouteClass(eZFCC fcc) {
-    switch (fcc) {
-        case eZFCC_RGB32:
-        case eZFCC_ARGB32:
-            return 0;
-        case eZFCC_RGB24:
-            return 1;
-        case eZFCC_UYVY:
-            return 2;
-        case eZFCC_HDYC:
-            return 3;
-        case eZFCC_YUY2:
-            return 4;
-        case eZFCC_v210:
-            return 5;
-        default:
-            return -1;
-    }
-}
-
 }    // namespace
 
 const ConvertRoute *ConvertRouteFind(eZFCC from, eZFCC to) {
-    const int source = RouteClass(from);
-    const int target = RouteClass(to);
-    return source >= 0 && target >= 0 ? &kRoutes[source][target] : nullptr;
+    const FormatRow *source = FormatFind(from);
+    const FormatRow *target = FormatFind(to);
+    if (source == nullptr || target == nullptr) return nullptr;
+    if (source->route == RouteClass::None || target->route == RouteClass::None) return nullptr;
+    return &kRoutes[static_cast<int>(source->route)][static_cast<int>(target->route)];
 }
 
 int64_t ConvertRouteReach(eZFCC from, eZFCC to, int32_t width) {

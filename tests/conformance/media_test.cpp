@@ -182,7 +182,7 @@ TEST(PixelFormats, TableOfBitmapDescriptions) {
         {eZFCC_NV12, 12, 2, 2, 0, 0, 0, 1, 1, 1, true, true}};
     ASSERT_EQ(zck::kPixelFormatRows, 15);
     for (int i = 0; i < 15; ++i) {
-        const zck::PixelFormatRow &row = zck::PixelFormatTable()[i];
+        const zck::FormatRow &row = zck::PixelFormatTable()[i];
         const Row &r = rows[i];
         EXPECT_EQ(static_cast<uint32_t>(row.fcc), r.code) << i;
         EXPECT_EQ(row.nBits, r.bits) << i;

@@ -148,7 +148,7 @@ TEST(PixelFormatTable, RowsStandInTheirOrder) {
 
 TEST(PixelFormatTable, AgreesWithTheArithmeticButForNv12) {
     for (int i = 0; i < kPixelFormatRows; ++i) {
-        const PixelFormatRow &row = PixelFormatTable()[i];
+        const FormatRow &row = PixelFormatTable()[i];
         SCOPED_TRACE(i);
         EXPECT_EQ(row.nBits, row.fcc == eZFCC_NV12 ? 12 : PixelBits(row.fcc));
         EXPECT_EQ(row.bPlanar, IsPlanarFormat(row.fcc));
@@ -158,22 +158,22 @@ TEST(PixelFormatTable, AgreesWithTheArithmeticButForNv12) {
 }
 
 TEST(PixelFormatTable, ComponentsLieWhereTheBytesAre) {
-    const PixelFormatRow &uyvy = *PixelFormatFind(eZFCC_UYVY);
+    const FormatRow &uyvy = *PixelFormatFind(eZFCC_UYVY);
     EXPECT_EQ(uyvy.nOffset[0], 1);
     EXPECT_EQ(uyvy.nOffset[1], 0);
     EXPECT_EQ(uyvy.nOffset[2], 2);
     EXPECT_EQ(uyvy.nStep[0], 2);
     EXPECT_EQ(uyvy.nStep[1], 4);
-    const PixelFormatRow &yvyu = *PixelFormatFind(eZFCC_YVYU);
+    const FormatRow &yvyu = *PixelFormatFind(eZFCC_YVYU);
     EXPECT_EQ(yvyu.nOffset[1], 3);
     EXPECT_EQ(yvyu.nOffset[2], 1);
-    const PixelFormatRow &rgb = *PixelFormatFind(eZFCC_RGB24);
+    const FormatRow &rgb = *PixelFormatFind(eZFCC_RGB24);
     EXPECT_EQ(rgb.nOffset[0], 2);
     EXPECT_EQ(rgb.nOffset[2], 0);
     EXPECT_EQ(rgb.nStep[0], 3);
     // In packed formats of whole bytes with 4:2:2 sampling every byte of a group has one owner.
     for (eZFCC fcc : {eZFCC_YUY2, eZFCC_UYVY, eZFCC_YVYU, eZFCC_HDYC}) {
-        const PixelFormatRow &r = *PixelFormatFind(fcc);
+        const FormatRow &r = *PixelFormatFind(fcc);
         EXPECT_EQ((std::set<int32_t>{r.nOffset[0], r.nOffset[0] + r.nStep[0], r.nOffset[1], r.nOffset[2]}),
                   (std::set<int32_t>{0, 1, 2, 3}));
     }
