@@ -127,11 +127,8 @@ HRESULT CCoZFFactory_I::ZFFrameCreate(Z_AV_PROPS *_pProps, int64_t _pbVideo, int
     return Guarded([&] {
         FramePtr frame;
         HRESULT hr = CreateFromProps(&_pProps->vidProps, _pbVideo, TextView(), frame);
-        if (SUCCEEDED(hr) && AudioPropsValid(&_pProps->audProps, true)) {
-            frame->Props().audProps = _pProps->audProps;
-            hr = _cbAudio < 0 ? E_INVALIDARG
-                              : frame->AudioAssign(PointerFrom<const void>(_pbAudio), static_cast<uint32_t>(_cbAudio));
-        }
+        if (SUCCEEDED(hr) && AudioPropsValid(&_pProps->audProps, true))
+            hr = frame->ZFAudioSet(&_pProps->audProps, _cbAudio, _pbAudio);
         return FAILED(hr) ? hr : HandOut(frame, _ppFrameRes);
     });
 }

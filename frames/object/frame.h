@@ -4,6 +4,7 @@
 #include <atomic>
 #include <shared_mutex>
 
+#include "frames/audio/audio_work.h"
 #include "frames/memory/blob_holder.h"
 #include "frames/memory/ipc_buffer.h"
 #include "frames/object/name_map.h"
@@ -220,8 +221,16 @@ private:
     uint8_t *VideoData() const;
     AudioView Audio() const;
     int32_t AudioSampleCount() const;
+    AudioBlock AudioOwn() const;
     HRESULT VideoRecordSet(Z_VID_PROPS asked);
+    HRESULT AudioRecordSet(Z_AUD_PROPS asked, TextView map);
+    void AudioReplace(CBLOBHolder<CHeapAlloc> &block);
+    HRESULT AudioMappedGive(TextView map, Z_AUD_PROPS &props, CBLOBHolder<CHeapAlloc> &bytes) const;
+    HRESULT AudioBegin(const Z_AUD_PROPS &props, int64_t samples);
     HRESULT MediaGive(CCoZFrame2 &clone, bool audio, FramePixels &pixels);
+
+    // The sound of any frame, copied; its media lock is left when this returns.
+    static HRESULT SoundTake(IZFFrame *source, Z_AUD_PROPS &props, CBLOBHolder<CHeapAlloc> &bytes);
 
     // Parts of the roads of cloning; they run on the clone.
     HRESULT CloneMedia(IZFrame_I *source, int32_t type, uint32_t offset);
@@ -250,6 +259,7 @@ private:
     CBLOBHolder<CFakeAlloc> m_video;
     CBLOBHolder<CHeapAlloc> m_audio;
     CBLOBHolder<CCoTaskAlloc> m_audioRef;
+    ZChannelsBuffer m_channels;    // a copy of the sound by channels, as asked for; empty again when other sound comes
     ComPtr<IUnknown> m_pSource;
     ComPtr<IZFrames_I> m_pFactory;
     CriticalSection m_csAsync;

@@ -1,4 +1,4 @@
-// Operations whose rooms are not built yet: sound, stored form, conversion, mixing and text. They keep their slots.
+// Operations whose rooms are not built yet: sound files, stored form, conversion, mixing and text. They keep their slots.
 #include "frames/object/frame.h"
 
 namespace zck {
@@ -12,16 +12,8 @@ HRESULT Absent(T **out) {
 
 }    // namespace
 
-HRESULT CCoZFrame2::ZFAudioChannelGet(int32_t, int64_t, int32_t *, int64_t *) { return E_NOTIMPL; }
-HRESULT CCoZFrame2::ZFAudioChannelsCommit() { return E_NOTIMPL; }
-HRESULT CCoZFrame2::ZFAudioSamplesSet(Z_AUD_PROPS *, int32_t) { return E_NOTIMPL; }
-HRESULT CCoZFrame2::ZFAudioSet(Z_AUD_PROPS *, int32_t, int64_t) { return E_NOTIMPL; }
-HRESULT CCoZFrame2::ZFAudioAdd(IZFFrame *, int32_t *, int32_t *, int32_t, double, double, int32_t) { return E_NOTIMPL; }
-HRESULT CCoZFrame2::ZFAudioMix(IZFFrame *, double, double, int32_t, BSTR) { return E_NOTIMPL; }
-HRESULT CCoZFrame2::ZFAudioCopyTo(BSTR, IZFFrame *) { return E_NOTIMPL; }
 HRESULT CCoZFrame2::ZFAudioSaveToFile(BSTR, int32_t) { return E_NOTIMPL; }
 HRESULT CCoZFrame2::ZFAudioFromFile(BSTR, int32_t, int32_t) { return E_NOTIMPL; }
-HRESULT CCoZFrame2::ZFAudioGain(BSTR, double, double) { return E_NOTIMPL; }
 
 HRESULT CCoZFrame2::ZFSaveAll(int32_t *, int64_t *, int32_t) { return E_NOTIMPL; }
 HRESULT CCoZFrame2::ZFLoadAll(int32_t, int64_t, int32_t) { return E_NOTIMPL; }

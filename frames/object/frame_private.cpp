@@ -96,9 +96,11 @@ HRESULT CCoZFrame2::FrameAudioReset(int32_t _cbSize, int64_t _pbAudio) {
     if (_cbSize < 0) return E_INVALIDARG;
     const std::lock_guard lock(m_lockMedia);
     const HRESULT hr = AudioAssign(PointerFrom<>(_pbAudio), static_cast<uint32_t>(_cbSize));
+    if (FAILED(hr)) return hr;
     // The bytes may have come from here, so it goes last.
-    if (SUCCEEDED(hr)) m_audioRef.Clear();
-    return hr;
+    m_audioRef.Clear();
+    m_channels.Clear();
+    return S_OK;
 }
 
 HRESULT CCoZFrame2::FrameInfoGet(Z_TIME *_pTime, Z_AV_PROPS *_pProps, int32_t *_pcbVideo, int32_t *_pcbAudio) {

@@ -3,7 +3,6 @@
 #include <cstdlib>
 #include <mutex>
 
-#include "frames/media/audio_props.h"
 #include "frames/media/video_props.h"
 #include "frames/object/frame.h"
 #include "frames/object/pixel_work.h"
@@ -43,21 +42,6 @@ Z_VID_PROPS RecordFitted(const Z_VID_PROPS &asked, const Z_VID_PROPS &own, uint3
     return asked.fccType == own.fccType || PixelsFit(named, size) ? named : RecordAs(kept, asked, own);
 }
 
-// What the sound half can do without splitting channels; the rest belongs to a room to come.
-enum class SoundWork { None, Take, Relabel, Drop, Absent };
-
-SoundWork SoundWorkOf(const Z_AUD_PROPS &asked, const Z_AUD_PROPS &own, bool hasSound, bool mapped) {
-    if (AudioPropsValid(&asked, true)) {
-        if (!AudioPropsValid(&own, true) || !hasSound) return SoundWork::Take;
-        // A request for floating point is taken for one that leaves the sample width alone.
-        const bool same =
-            asked.nChannels == own.nChannels && (asked.nBitsPerSample < 1 || asked.nBitsPerSample == own.nBitsPerSample);
-        return same && !mapped ? SoundWork::Relabel : SoundWork::Absent;
-    }
-    if (asked.nChannels < 0) return SoundWork::Drop;
-    return mapped ? SoundWork::Absent : SoundWork::None;
-}
-
 }    // namespace
 
 HRESULT CCoZFrame2::ZFAVPropsSet(Z_AV_PROPS *_pProps, BSTR _bsChannels) {
@@ -66,20 +50,9 @@ HRESULT CCoZFrame2::ZFAVPropsSet(Z_AV_PROPS *_pProps, BSTR _bsChannels) {
     if (_pProps == nullptr || _pProps->vidProps.fccType == eZFCC_Default) asked.vidProps.fccType = eZFCC_Default;
 
     const std::lock_guard lock(m_lockMedia);
-    const SoundWork sound = SoundWorkOf(asked.audProps, m_props.audProps, Audio().size != 0, !ViewOf(_bsChannels).empty());
-    if (sound == SoundWork::Absent) return E_NOTIMPL;
     const HRESULT hr = VideoRecordSet(asked.vidProps);
     if (FAILED(hr)) return hr;
-    if (sound == SoundWork::Take) m_props.audProps = asked.audProps;
-    if (sound == SoundWork::Relabel) {
-        m_props.audProps.nSamplesPerSec = asked.audProps.nSamplesPerSec;
-        m_props.audProps.nTrackSplitBits = asked.audProps.nTrackSplitBits;
-    }
-    if (sound == SoundWork::Drop) {
-        m_audio.Clear();
-        m_audioRef.Clear();
-    }
-    return S_OK;
+    return Guarded([&] { return AudioRecordSet(asked.audProps, ViewOf(_bsChannels)); });
 }
 
 // With the media lock held exclusively. The pixels are changed in place, and with them those of every frame that shares them.

@@ -4,7 +4,6 @@
 #include <mutex>
 #include <shared_mutex>
 
-#include "frames/media/audio_props.h"
 #include "frames/object/frame.h"
 #include "platform/copy.h"
 
@@ -122,6 +121,11 @@ CCoZFrame2::AudioView CCoZFrame2::Audio() const {
     return {m_audioRef.Size() != 0 ? m_audioRef.Data() : nullptr, m_audioRef.Size()};
 }
 
-int32_t CCoZFrame2::AudioSampleCount() const { return static_cast<int32_t>(AudioSamples(&m_props.audProps, Audio().size)); }
+AudioBlock CCoZFrame2::AudioOwn() const {
+    const AudioView audio = Audio();
+    return {m_props.audProps, audio.data, audio.size};
+}
+
+int32_t CCoZFrame2::AudioSampleCount() const { return static_cast<int32_t>(AudioOwn().Samples()); }
 
 }    // namespace zck

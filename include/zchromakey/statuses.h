@@ -12,6 +12,8 @@ constexpr HRESULT Z_E_CLASS_NOT_REGISTERED = static_cast<HRESULT>(0x80040154);  
 // Errors of the system have the form 0x8007xxxx.
 constexpr HRESULT Z_E_FILE_NOT_FOUND = static_cast<HRESULT>(0x80070002);
 constexpr HRESULT Z_E_ACCESS_DENIED = static_cast<HRESULT>(0x80070005);
+constexpr HRESULT Z_E_HANDLE_EOF = static_cast<HRESULT>(0x80070026);    ///< nothing is left to read
+constexpr HRESULT Z_E_NOT_SUPPORTED = static_cast<HRESULT>(0x80070032);
 constexpr HRESULT Z_E_DISK_FULL = static_cast<HRESULT>(0x80070070);
 constexpr HRESULT Z_E_ALREADY_EXISTS = static_cast<HRESULT>(0x800700B7);
 constexpr HRESULT Z_E_INVALID_INDEX = static_cast<HRESULT>(0x80070585);

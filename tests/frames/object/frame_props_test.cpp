@@ -198,41 +198,5 @@ TEST_F(CheckedProps, DeinterlacingNeedsThePixels) {
     EXPECT_EQ(Pattern(160), VideoOf(frame).Copy());
 }
 
-struct SoundCase {
-    const char *name;
-    Z_AUD_PROPS asked;
-    bool mapped;
-    HRESULT status;
-    Z_AUD_PROPS set;    // of a frame of 2 channels, 48000, 16 bits, split 5
-    int32_t bytes;
-};
-
-TEST_F(CheckedProps, Sound) {
-    const SoundCase cases[] = {
-        {"nothing", {}, false, S_OK, {2, 48000, 16, 5}, 400},
-        {"another rate is a label", {2, 44100, 16, 7}, false, S_OK, {2, 44100, 16, 7}, 400},
-        {"floating point leaves the width", {2, 44100, -32, 7}, false, S_OK, {2, 44100, 16, 7}, 400},
-        {"a negative count drops the sound", {-1, 0, 0, 0}, false, S_OK, {2, 48000, 16, 5}, 0},
-        {"other channels", {1, 48000, 16, 0}, false, E_NOTIMPL, {2, 48000, 16, 5}, 400},
-        {"another width", {2, 48000, 24, 0}, false, E_NOTIMPL, {2, 48000, 16, 5}, 400},
-        {"a map", {}, true, E_NOTIMPL, {2, 48000, 16, 5}, 400},
-    };
-    for (const SoundCase &c : cases) {
-        const auto frame = SoundFrame(Record(eZFCC_UYVY, 64, 48));
-        Z_AV_PROPS props = {};
-        props.audProps = c.asked;
-        const Bstr map(ZCK_TEXT("1,0"));
-        EXPECT_EQ(c.status, As<IZFFrame>(frame)->ZFAVPropsSet(&props, c.mapped ? map.get() : nullptr)) << c.name;
-        const Z_AUD_PROPS set = PropsOf(frame).audProps;
-        EXPECT_EQ(0, std::memcmp(&c.set, &set, sizeof(set))) << c.name;
-        EXPECT_EQ(c.bytes, AudioOf(frame).size) << c.name;
-    }
-    const auto silent = Frame(Record(eZFCC_UYVY, 64, 48));
-    Z_AV_PROPS props = {};
-    props.audProps = {6, 96000, 24, 1};
-    EXPECT_EQ(S_OK, As<IZFFrame>(silent)->ZFAVPropsSet(&props, nullptr));
-    EXPECT_EQ(6, PropsOf(silent).audProps.nChannels);
-}
-
 }    // namespace
 }    // namespace zck::test

@@ -297,7 +297,6 @@ TEST_F(FrameViews, OperationsOfRoomsToComeAnswerNotImplemented) {
     EXPECT_EQ(E_NOTIMPL, frame->ZFSaveToStream(stream.Put(), 786));
     EXPECT_FALSE(stream);
     EXPECT_EQ(E_NOTIMPL, tessilu->ZFPrint(nullptr, 1.0, nullptr, 0, nullptr, 0));
-    EXPECT_EQ(E_NOTIMPL, tessilu->ZFAudioGain(nullptr, 0, 0));
 }
 
 class SampleBuffer : public FrameTest {};
