@@ -1,4 +1,4 @@
-// Operations whose rooms are not built yet: sound files, stored form, conversion, mixing and text. They keep their slots.
+// Operations whose rooms are not built yet: stored form, conversion, mixing and text. They keep their slots.
 #include "frames/object/frame.h"
 
 namespace zck {
@@ -11,9 +11,6 @@ HRESULT Absent(T **out) {
 }
 
 }    // namespace
-
-HRESULT CCoZFrame2::ZFAudioSaveToFile(BSTR, int32_t) { return E_NOTIMPL; }
-HRESULT CCoZFrame2::ZFAudioFromFile(BSTR, int32_t, int32_t) { return E_NOTIMPL; }
 
 HRESULT CCoZFrame2::ZFSaveAll(int32_t *, int64_t *, int32_t) { return E_NOTIMPL; }
 HRESULT CCoZFrame2::ZFLoadAll(int32_t, int64_t, int32_t) { return E_NOTIMPL; }

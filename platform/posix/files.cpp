@@ -82,4 +82,71 @@ bool FileExists(TextView path) noexcept {
     return SUCCEEDED(Guarded([&] { return stat(Utf8FromText(path).c_str(), &facts) == 0 ? S_OK : E_FAIL; }));
 }
 
+namespace {
+
+// The most bytes of one call; the system takes no more than this at once.
+constexpr size_t kCallMax = 1 << 30;
+
+int FlagsOf(FileMode mode) {
+    switch (mode) {
+        case FileMode::Read:
+            return O_RDONLY;
+        case FileMode::Update:
+            return O_RDWR | O_CREAT;
+        default:
+            return O_RDWR | O_CREAT | O_TRUNC;
+    }
+}
+
+}    // namespace
+
+File::~File() {
+    if (m_file >= 0) close(static_cast<int>(m_file));
+}
+
+HRESULT File::Open(TextView path, FileMode mode) noexcept {
+    if (HasZero(path)) return kErrorInvalidName;
+    return Guarded([&] {
+        const int file = open(Utf8FromText(path).c_str(), FlagsOf(mode) | O_CLOEXEC, 0666);
+        if (file < 0) return LastSystemError(E_FAIL);
+        if (m_file >= 0) close(static_cast<int>(m_file));
+        m_file = file;
+        return S_OK;
+    });
+}
+
+HRESULT File::Size(uint64_t &bytes) noexcept {
+    struct stat facts;
+    if (fstat(static_cast<int>(m_file), &facts) != 0) return LastSystemError(E_FAIL);
+    bytes = static_cast<uint64_t>(facts.st_size);
+    return S_OK;
+}
+
+HRESULT File::ReadAt(uint64_t at, void *data, size_t n, size_t &got) noexcept {
+    for (got = 0; got < n;) {
+        const ssize_t part = pread(static_cast<int>(m_file), static_cast<char *>(data) + got, std::min(n - got, kCallMax),
+                                   static_cast<off_t>(at + got));
+        if (part < 0 && errno == EINTR) continue;
+        if (part < 0) return LastSystemError(E_FAIL);
+        if (part == 0) break;
+        got += static_cast<size_t>(part);
+    }
+    return S_OK;
+}
+
+HRESULT File::WriteAt(uint64_t at, const void *data, size_t n, size_t &put) noexcept {
+    for (put = 0; put < n;) {
+        const ssize_t part = pwrite(static_cast<int>(m_file), static_cast<const char *>(data) + put,
+                                    std::min(n - put, kCallMax), static_cast<off_t>(at + put));
+        if (part < 0 && errno == EINTR) continue;
+        if (part < 0) return LastSystemError(E_FAIL);
+        put += static_cast<size_t>(part);
+    }
+    return S_OK;
+}
+
+HRESULT File::SetSize(uint64_t bytes) noexcept {
+    return ftruncate(static_cast<int>(m_file), static_cast<off_t>(bytes)) == 0 ? S_OK : LastSystemError(E_FAIL);
+}
+
 }    // namespace zck

@@ -78,4 +78,73 @@ bool FileExists(TextView path) noexcept {
         Guarded([&] { return GetFileAttributesW(Text(path).c_str()) != INVALID_FILE_ATTRIBUTES ? S_OK : E_FAIL; }));
 }
 
+namespace {
+
+HANDLE HandleOf(intptr_t file) { return reinterpret_cast<HANDLE>(file); }
+
+bool Seek(intptr_t file, uint64_t at) {
+    LARGE_INTEGER place;
+    place.QuadPart = static_cast<LONGLONG>(at);
+    return SetFilePointerEx(HandleOf(file), place, nullptr, FILE_BEGIN) != 0;
+}
+
+}    // namespace
+
+File::~File() {
+    if (m_file != -1) CloseHandle(HandleOf(m_file));
+}
+
+HRESULT File::Open(TextView path, FileMode mode) noexcept {
+    if (HasZero(path)) return kErrorInvalidName;
+    return Guarded([&] {
+        const bool reads = mode == FileMode::Read;
+        const DWORD how = reads ? OPEN_EXISTING : mode == FileMode::Update ? OPEN_ALWAYS : CREATE_ALWAYS;
+        const HANDLE file = CreateFileW(Text(path).c_str(), reads ? GENERIC_READ : GENERIC_READ | GENERIC_WRITE,
+                                        reads ? FILE_SHARE_READ | FILE_SHARE_WRITE : FILE_SHARE_READ, nullptr, how,
+                                        FILE_ATTRIBUTE_NORMAL, nullptr);
+        if (file == INVALID_HANDLE_VALUE) return LastSystemError(E_FAIL);
+        if (m_file != -1) CloseHandle(HandleOf(m_file));
+        m_file = reinterpret_cast<intptr_t>(file);
+        return S_OK;
+    });
+}
+
+HRESULT File::Size(uint64_t &bytes) noexcept {
+    LARGE_INTEGER size;
+    if (!GetFileSizeEx(HandleOf(m_file), &size)) return LastSystemError(E_FAIL);
+    bytes = static_cast<uint64_t>(size.QuadPart);
+    return S_OK;
+}
+
+HRESULT File::ReadAt(uint64_t at, void *data, size_t n, size_t &got) noexcept {
+    got = 0;
+    if (!Seek(m_file, at)) return LastSystemError(E_FAIL);
+    while (got < n) {
+        DWORD part = 0;
+        const auto wanted = static_cast<DWORD>(std::min(kStep, n - got));
+        if (!ReadFile(HandleOf(m_file), static_cast<char *>(data) + got, wanted, &part, nullptr))
+            return LastSystemError(E_FAIL);
+        if (part == 0) break;
+        got += part;
+    }
+    return S_OK;
+}
+
+HRESULT File::WriteAt(uint64_t at, const void *data, size_t n, size_t &put) noexcept {
+    put = 0;
+    if (!Seek(m_file, at)) return LastSystemError(E_FAIL);
+    while (put < n) {
+        DWORD part = 0;
+        const auto wanted = static_cast<DWORD>(std::min(kStep, n - put));
+        if (!WriteFile(HandleOf(m_file), static_cast<const char *>(data) + put, wanted, &part, nullptr))
+            return LastSystemError(E_FAIL);
+        put += part;
+    }
+    return S_OK;
+}
+
+HRESULT File::SetSize(uint64_t bytes) noexcept {
+    return Seek(m_file, bytes) && SetEndOfFile(HandleOf(m_file)) ? S_OK : LastSystemError(E_FAIL);
+}
+
 }    // namespace zck

@@ -68,5 +68,53 @@ TEST_F(Files, AZeroInsideIsNoPath) {
     EXPECT_FALSE(FileExists(path));
 }
 
+TEST_F(Files, PlacesOfAnOpenFile) {
+    File file;
+    size_t n = 0;
+    uint64_t size = 99;
+    char bytes[8] = {};
+    EXPECT_TRUE(FAILED(file.Size(size)));
+    EXPECT_TRUE(FAILED(file.ReadAt(0, bytes, 1, n)));
+    EXPECT_EQ(kErrorFileNotFound, file.Open(Path("x"), FileMode::Read));
+    ASSERT_EQ(S_OK, file.Open(Path("x"), FileMode::Update));
+    EXPECT_EQ(S_OK, file.WriteAt(0, "12345", 5, n));
+    EXPECT_EQ(5u, n);
+    // Behind the end: zeros between.
+    EXPECT_EQ(S_OK, file.WriteAt(6, "7", 1, n));
+    EXPECT_EQ(S_OK, file.ReadAt(4, bytes, 8, n));
+    EXPECT_EQ(3u, n);
+    EXPECT_EQ(std::string("5\0"
+                          "7",
+                          3),
+              std::string(bytes, 3));
+    EXPECT_EQ(S_OK, file.ReadAt(100, bytes, 8, n));
+    EXPECT_EQ(0u, n);
+    EXPECT_EQ(S_OK, file.SetSize(2));
+    EXPECT_EQ(S_OK, file.Size(size));
+    EXPECT_EQ(2u, size);
+    // Others read meanwhile.
+    File reader;
+    ASSERT_EQ(S_OK, reader.Open(Path("x"), FileMode::Read));
+    EXPECT_EQ(S_OK, reader.ReadAt(0, bytes, 8, n));
+    EXPECT_EQ(2u, n);
+    EXPECT_TRUE(FAILED(reader.WriteAt(0, "x", 1, n)));
+    EXPECT_EQ(0u, n);
+}
+
+TEST_F(Files, OldFilesAreKeptOrEmptied) {
+    uint64_t size = 0;
+    ASSERT_EQ(S_OK, FileWrite(Path("x"), "12345"));
+    {
+        File kept;
+        ASSERT_EQ(S_OK, kept.Open(Path("x"), FileMode::Update));
+        EXPECT_EQ(S_OK, kept.Size(size));
+        EXPECT_EQ(5u, size);
+    }
+    File emptied;
+    ASSERT_EQ(S_OK, emptied.Open(Path("x"), FileMode::Create));
+    EXPECT_EQ(S_OK, emptied.Size(size));
+    EXPECT_EQ(0u, size);
+}
+
 }    // namespace
 }    // namespace zck

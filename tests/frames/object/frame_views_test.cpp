@@ -286,9 +286,7 @@ TEST_F(FrameViews, OperationsOfRoomsToComeAnswerNotImplemented) {
     EXPECT_EQ(0, bitmap);
     EXPECT_EQ(E_POINTER, frame->FrameVideoGetHbitmap(nullptr));
     EXPECT_EQ(E_NOTIMPL, frame->FrameVideoSaveToFile(nullptr));
-    EXPECT_EQ(E_NOTIMPL, frame->FrameAudioSaveToFile(nullptr, 0));
     EXPECT_EQ(E_NOTIMPL, frame->FrameOverlay(frame.get(), 0, 0, 1.0, nullptr));
-    EXPECT_EQ(E_NOTIMPL, frame->FrameAudioForward(nullptr, 0, 0, 0));
     ComPtr<IZFrame> result;
     Z_VID_PROPS props = Record(eZFCC_ARGB32, 8, -8);
     EXPECT_EQ(E_NOTIMPL, frame->FrameConvert(&props, result.Put(), nullptr));
