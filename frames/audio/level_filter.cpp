@@ -7,9 +7,12 @@ namespace {
 
 constexpr double kPi = 3.14159265358979323846;
 
-LevelSection SecondOrder(double k, double damping) {
+// Gives the gain of the section.
+double SecondOrder(double k, double damping, double (&a)[2]) {
     const double norm = 1.0 / (1.0 + damping * k + k * k);
-    return {k * k * norm, 2.0 * (k * k - 1.0) * norm, (1.0 - damping * k + k * k) * norm};
+    a[0] = 2.0 * (k * k - 1.0) * norm;
+    a[1] = (1.0 - damping * k + k * k) * norm;
+    return k * k * norm;
 }
 
 }    // namespace
@@ -20,9 +23,10 @@ LevelTaps LevelTapsFor(int32_t rate) noexcept {
     taps.passes = !(cutoff < 0.5);
     if (taps.passes) return taps;
     const double k = std::tan(kPi * cutoff);
-    taps.first = {k / (k + 1.0), (k - 1.0) / (k + 1.0), 0.0};
-    taps.second[0] = SecondOrder(k, 2.0 * std::cos(kPi / 5.0));
-    taps.second[1] = SecondOrder(k, 2.0 * std::cos(2.0 * kPi / 5.0));
+    taps.first = (k - 1.0) / (k + 1.0);
+    taps.gain = k / (k + 1.0);
+    taps.gain *= SecondOrder(k, 2.0 * std::cos(kPi / 5.0), taps.second[0]);
+    taps.gain *= SecondOrder(k, 2.0 * std::cos(2.0 * kPi / 5.0), taps.second[1]);
     return taps;
 }
 

@@ -5,16 +5,14 @@
 
 namespace zck {
 
-/// One section: y = b * (x + 2 x1 + x2) - a1 * y1 - a2 * y2, and of order 1: y = b * (x + x1) - a1 * y1. Sections, because
-/// the one direct form of order 5 is unstable at cut-offs this far below the sample rate: it grows without bound.
-struct LevelSection {
-    double b, a1, a2;
-};
-
+/// The sections, each with the numerator (1 + z^-1) once or twice: a1 of order 1, then a1 and a2 twice. The gain of all stands
+/// at the end. Sections, because the one direct form of order 5 is unstable at cut-offs this far below the sample rate: it
+/// grows without bound.
 struct LevelTaps {
-    LevelSection first;        // order 1
-    LevelSection second[2];    // order 2
-    bool passes;               // there is nothing to filter: the cut-off is half the rate or above
+    double first;
+    double second[2][2];
+    double gain;
+    bool passes;    // there is nothing to filter: the cut-off is half the rate or above
 };
 
 /// By bilinear transform with its cut-off met exactly; the gain at 0 is 1.
@@ -24,26 +22,33 @@ LevelTaps LevelTapsFor(int32_t rate) noexcept;
 class LevelFilter {
 public:
     double Run(const LevelTaps &taps, double x) noexcept {
-        const double y0 = taps.first.b * (x + m_x[0]) - taps.first.a1 * m_y[0];
-        m_x[0] = x;
-        m_y[0] = y0;
-        const double y1 = Second(taps.second[0], y0, m_x + 1, m_y + 1);
-        return Second(taps.second[1], y1, m_x + 3, m_y + 3);
+        const double y = (x + m_x) - taps.first * m_y;
+        const double first = y + m_y;
+        m_x = x;
+        m_y = y;
+        const double second = m_a.Run(taps.second[0], first) + m_a.before;
+        return taps.gain * m_b.Run(taps.second[1], second);
     }
 
 private:
-    static double Second(const LevelSection &s, double x, double *xs, double *ys) noexcept {
-        // The newest result comes last, as the next sample waits for it.
-        const double y = (s.b * (x + 2.0 * xs[0] + xs[1]) - s.a2 * ys[1]) - s.a1 * ys[0];
-        xs[1] = xs[0];
-        xs[0] = x;
-        ys[1] = ys[0];
-        ys[0] = y;
-        return y;
-    }
+    struct Section {
+        double sum = 0;     // of two input samples, the last one's
+        double last = 0;    // results, newest first
+        double before = 0;
+        double Run(const double (&a)[2], double pair) noexcept {
+            // The newest result comes last, as the next sample waits for it.
+            const double y = (pair + sum - a[1] * before) - a[0] * last;
+            sum = pair;
+            before = last;
+            last = y;
+            return y;
+        }
+    };
 
-    double m_x[5] = {};
-    double m_y[5] = {};
+    double m_x = 0;
+    double m_y = 0;
+    Section m_a;
+    Section m_b;
 };
 
 }    // namespace zck

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <new>
 
 #include "frames/audio/rounding.h"
@@ -13,7 +14,7 @@ namespace {
 struct Sums {
     double squares = 0;
     double filteredSquares = 0;
-    double largest = 0;
+    double largest = -std::numeric_limits<double>::infinity();    // filtered
 };
 
 // How a filtered value is rounded to the sample's form, and in which scale its peak is taken.
@@ -21,19 +22,16 @@ struct Rounded16 {
     using Sample = int16_t;
     static double Value(double y) { return RoundSaturate<int16_t>(y); }
     static double Peak(double value) { return value; }
-    static double Lowest() { return INT16_MIN; }
 };
 struct Rounded32 {
     using Sample = float;
     static double Value(double y) { return static_cast<float>(y); }
     static double Peak(double value) { return RoundSaturate<int32_t>(value * 0x1p16); }
-    static double Lowest() { return INT32_MIN; }
 };
 
 template <class Rounded>
 Sums SumUp(const LevelTaps &taps, LevelFilter &kept, const typename Rounded::Sample *samples, int64_t n) {
     Sums sums;
-    sums.largest = Rounded::Lowest();
     // A copy stays in registers.
     LevelFilter filter = kept;
     for (int64_t i = 0; i < n; ++i) {
@@ -41,9 +39,11 @@ Sums SumUp(const LevelTaps &taps, LevelFilter &kept, const typename Rounded::Sam
         sums.squares += x * x;
         const double y = Rounded::Value(taps.passes ? x : filter.Run(taps, x));
         sums.filteredSquares += y * y;
-        sums.largest = std::max(sums.largest, Rounded::Peak(y));
+        sums.largest = std::max(sums.largest, y);
     }
     kept = filter;
+    // Not-a-number counts as 0 among the peaks; it is in the sum if it was anywhere.
+    if (sums.filteredSquares != sums.filteredSquares) sums.largest = std::max(sums.largest, 0.0);
     return sums;
 }
 
@@ -73,7 +73,8 @@ void LevelsOf(LevelTaps &taps, int32_t &tapsRate, LevelFilter &filter, const voi
     const Sums sums = SumUp<Rounded>(taps, filter, samples, n);
     if (rms != nullptr) *rms = Db(k * sums.squares);
     if (vu != nullptr) *vu = Db(k * sums.filteredSquares);
-    if (peak != nullptr) *peak = Db(sums.largest / peakScale);
+    // Rounding is monotonous: the largest of rounded values is the rounded largest.
+    if (peak != nullptr) *peak = Db(Rounded::Peak(sums.largest) / peakScale);
 }
 
 void GainOf(void *samples, WorkForm form, int64_t n, double *gain, double step) {
