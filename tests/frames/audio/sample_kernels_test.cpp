@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 #include <random>
@@ -95,7 +96,7 @@ TEST_F(SampleKernelsCheck, SplitAndJoinOfEveryForm) {
                         std::vector<uint8_t> block = Noise(m_random, size, stored == static_cast<int>(StoredForm::Float32));
                         // In a block of its own, so that a reader past the end is seen by the sanitizer.
                         std::vector<uint8_t> shifted(offset + size);
-                        std::memcpy(shifted.data() + offset, block.data(), size);
+                        std::copy(block.begin(), block.end(), shifted.begin() + static_cast<ptrdiff_t>(offset));
                         const size_t perChannel = static_cast<size_t>(samples * workWidth) + kGuard;
                         std::vector<uint8_t> a(perChannel * static_cast<size_t>(channels), 0xA5);
                         std::vector<uint8_t> b = a;
