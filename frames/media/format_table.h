@@ -25,11 +25,11 @@ inline constexpr eZFCC kFccArgb4444 = static_cast<eZFCC>(0x6E6415E6);
 /// The order of a picture's bytes, for all work that goes by pixels. Formats of one class have the same bytes, and are told
 /// apart by their matrix or by what their fourth byte means. `None`: there is no such work.
 enum class PixelClass : int32_t { Yvyu, Yuy2, Uyvy, Rgb24, Rgb32, Planes420, Nv12, None };
-inline constexpr int32_t kPixelClasses = 7;
+inline constexpr int32_t kPixelClasses = static_cast<int32_t>(PixelClass::None);
 
 /// Rows and columns of the table of direct routes (imaging/colour/route.h). `None`: there is no direct route.
 enum class RouteClass : int32_t { Rgb32, Rgb24, Uyvy, Hdyc, Yuy2, V210, None };
-inline constexpr int32_t kRouteClasses = 6;
+inline constexpr int32_t kRouteClasses = static_cast<int32_t>(RouteClass::None);
 
 /// Pixels that share a chroma sample or a word, and the bytes of all of them.
 struct PixelGroup {
@@ -66,7 +66,7 @@ struct FormatRow {
     /// Pixels of four bytes, so that an alpha can be written into them.
     constexpr bool Is32() const { return pixels == PixelClass::Rgb32; }
     /// The first byte of a packed YUV group is luma.
-    constexpr bool LumaFirst() const { return !bRgb && nBits != 0 && nOffset[0] == 0; }
+    constexpr bool LumaFirst() const { return Is422() && nOffset[0] == 0; }
 
     /// Bytes of a row that every conversion into the format writes. An odd last pixel of a 4:2:2 row is not sure to be written.
     constexpr int64_t SureRowBytes(int64_t width) const { return bSure ? width / group.pixels * group.bytes : 0; }

@@ -41,6 +41,31 @@ bool IsRgbFormat(eZFCC fcc) {
     return row != nullptr && row->bRgb;
 }
 
+eZFCC PlainFormat(eZFCC fcc) {
+    const FormatRow *row = FormatFind(fcc);
+    return row != nullptr ? row->fccPlain : fcc;
+}
+
+bool Is422Format(eZFCC fcc) {
+    const FormatRow *row = FormatFind(fcc);
+    return row != nullptr && row->Is422();
+}
+
+bool IsTenBitFormat(eZFCC fcc) {
+    const FormatRow *row = FormatFind(fcc);
+    return row != nullptr && row->IsTenBit();
+}
+
+bool Is32BitFormat(eZFCC fcc) {
+    const FormatRow *row = FormatFind(fcc);
+    return row != nullptr && row->Is32();
+}
+
+bool HasAlpha(eZFCC fcc) {
+    const FormatRow *row = FormatFind(fcc);
+    return row != nullptr && row->bAlpha;
+}
+
 int32_t RowBytes(eZFCC fcc, int32_t width) {
     const FormatRow *row = FormatFind(fcc);
     if (row == nullptr) return 0;

@@ -24,6 +24,22 @@ bool IsPackedFormat(eZFCC fcc);
 // The formats whose height carries the row order in its sign: RGB8 to RGB32 (16-bit RGB included), ARGB32 and r210.
 bool IsRgbFormat(eZFCC fcc);
 
+// The format as which this one reads where only the order of its bytes counts: HDYC is UYVY, RGB32 is ARGB32, any other
+// itself.
+eZFCC PlainFormat(eZFCC fcc);
+
+// 4:2:2 in packed bytes, two pixels in four.
+bool Is422Format(eZFCC fcc);
+
+// v210 and r210.
+bool IsTenBitFormat(eZFCC fcc);
+
+// Pixels have four bytes, so that alpha can be written into them.
+bool Is32BitFormat(eZFCC fcc);
+
+// Pixels have an alpha byte.
+bool HasAlpha(eZFCC fcc);
+
 // Bytes of a row of `width` pixels, padding included.
 int32_t RowBytes(eZFCC fcc, int32_t width);
 

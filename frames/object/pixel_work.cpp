@@ -13,32 +13,17 @@
 namespace zck {
 namespace {
 
-eZFCC Plainest(eZFCC fcc) {
-    if (fcc == eZFCC_HDYC) return eZFCC_UYVY;
-    return fcc == eZFCC_RGB32 ? eZFCC_ARGB32 : fcc;
-}
-
-bool IsPacked422(eZFCC fcc) { return fcc == eZFCC_UYVY || fcc == eZFCC_HDYC || fcc == eZFCC_YUY2 || fcc == eZFCC_YVYU; }
-
-// Bytes of a row that every conversion into the format writes. An odd last pixel of a 4:2:2 row is not sure to be written.
-int64_t SureRowBytes(eZFCC fcc, int64_t width) {
-    if (fcc == eZFCC_v210) return width / 6 * 16;
-    if (IsPacked422(fcc)) return width / 2 * 4;
-    if (fcc == eZFCC_RGB24) return width * 3;
-    return fcc == eZFCC_RGB32 || fcc == eZFCC_ARGB32 ? width * 4 : 0;
-}
-
-// Buffers come from the pool with the pixels of an earlier frame in them.
-void TailsClear(const Z_VID_PROPS &props, uint8_t *pixels, int64_t size) {
+// Clears what is not sure to be written of each row: buffers come from the pool with the pixels of an earlier frame in them.
+// Rows of a format without such a promise are cleared whole.
+void UnsureBytesClear(const Z_VID_PROPS &props, uint8_t *pixels, int64_t size) {
     const int64_t step = std::max<int64_t>(std::abs(static_cast<int64_t>(props.nRowBytes)), 1);
-    const int64_t sure = std::clamp<int64_t>(SureRowBytes(props.fccType, props.nWidth), 0, step);
+    const FormatRow *format = FormatFind(props.fccType);
+    const int64_t sure = std::clamp<int64_t>(format != nullptr ? format->SureRowBytes(props.nWidth) : 0, 0, step);
     if (sure == step) return;
     for (int64_t row = 0; row < size; row += step) {
         if (row + sure < size) std::memset(pixels + row + sure, 0, static_cast<size_t>(std::min(step, size - row) - sure));
     }
 }
-
-bool IsTenBit(eZFCC fcc) { return fcc == eZFCC_v210 || fcc == eZFCC_r210; }
 
 // For what has no direct route. Formats that are not served at all give a picture of zeros, and that is a success.
 HRESULT ConvertOtherwise(const PixelJob &job) {
@@ -66,7 +51,7 @@ int64_t UsedRowBytes(const Z_VID_PROPS &props) {
 
 }    // namespace
 
-bool SameBytes(eZFCC a, eZFCC b) { return Plainest(a) == Plainest(b); }
+bool SameBytes(eZFCC a, eZFCC b) { return PlainFormat(a) == PlainFormat(b); }
 
 CloneWork CloneWorkOf(const Z_VID_PROPS &source, int32_t videoSize, eZFCC fcc) {
     if (fcc == eZFCC_Default || videoSize <= 0) return CloneWork::Plain;
@@ -97,8 +82,8 @@ bool HasRows(const Z_VID_PROPS &props) { return RecordUsed(props).nRowBytes != 0
 HRESULT PixelsConvert(const PixelJob &job) {
     if (!PixelsFit(job.sourceProps, job.sourceSize) || !PixelsFit(job.targetProps, job.targetSize))
         return kVfwEInvalidMediaType;
-    if (!job.bZeroed) TailsClear(job.targetProps, job.target, job.targetSize);
-    const bool tenBit = IsTenBit(job.sourceProps.fccType) || IsTenBit(job.targetProps.fccType);
+    if (!job.bZeroed) UnsureBytesClear(job.targetProps, job.target, job.targetSize);
+    const bool tenBit = IsTenBitFormat(job.sourceProps.fccType) || IsTenBitFormat(job.targetProps.fccType);
     const HRESULT hr =
         tenBit
             ? CopyFrameCC_Thread(job.source, job.sourceSize, job.target, job.targetSize, &job.sourceProps, &job.targetProps)

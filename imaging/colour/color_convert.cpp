@@ -39,7 +39,7 @@ HRESULT Convert(ImgConvertState *state, const uint8_t *src, uint8_t *dst, const 
         !ImageLayoutMake(target.desc.fcc, target.desc.nWidth, target.desc.nHeight, target.rowBytes, &b))
         return E_INVALIDARG;
     if (a.bytes > source.bytes || b.bytes > target.bytes) return kVfwEInvalidMediaType;
-    const bool setAlpha = source.desc.fcc == eZFCC_RGB32 && target.desc.fcc == eZFCC_ARGB32;
+    const bool setAlpha = Is32BitFormat(source.desc.fcc) && !HasAlpha(source.desc.fcc) && HasAlpha(target.desc.fcc);
     PictureConvert(src, a, dst, b, PartOf(from, to), setAlpha);
     return S_OK;
 }
@@ -56,7 +56,8 @@ bool ColorConvertServes(eZFCC from, eZFCC to) {
 HRESULT ColorConvert(ImgConvertState *state, const uint8_t *src, uint8_t *dst, const ImgDesc *sd, const ImgDesc *dd,
                      const tagRECT *rcSrc, const tagRECT *rcDst) {
     if (sd == nullptr || dd == nullptr) return E_INVALIDARG;
-    const bool served = ColorConvertServes(sd->fcc, dd->fcc) && sd->fcc != eZFCC_NV12 && dd->fcc != eZFCC_NV12;
+    const bool joinedChroma = PixelClassOf(sd->fcc) == PixelClass::Nv12 || PixelClassOf(dd->fcc) == PixelClass::Nv12;
+    const bool served = ColorConvertServes(sd->fcc, dd->fcc) && !joinedChroma;
     return Convert(state, src, dst, ViewOf(*sd), ViewOf(*dd), rcSrc, rcDst, served);
 }
 

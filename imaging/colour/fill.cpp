@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <limits>
 
+#include "frames/media/format_table.h"
 #include "imaging/primitives/arithmetic.h"
 #include "imaging/primitives/copy.h"
 
@@ -31,17 +32,23 @@ Yuv ColorToYuv(uint32_t colour) {
             Rounded(439 * r - 368 * g - 71 * b + 128000, 16, 240)};
 }
 
-bool Is422(eZFCC fcc) { return fcc == eZFCC_YUY2 || fcc == eZFCC_UYVY || fcc == eZFCC_HDYC; }
+// The row of a format that is filled: packed pixels but YVYU. Null for any other.
+const FormatRow *FilledFormat(eZFCC fcc) {
+    const FormatRow *row = FormatFind(fcc);
+    if (row == nullptr || !row->bPacked || row->pixels == PixelClass::None || row->pixels == PixelClass::Yvyu) return nullptr;
+    return row;
+}
 
 // Bytes of the unit that a fill repeats: a pixel, or a pair of 4:2:2. 0: the format is not filled.
 int32_t UnitBytes(eZFCC fcc) {
-    if (fcc == eZFCC_RGB24) return 3;
-    return Is422(fcc) || fcc == eZFCC_RGB32 || fcc == eZFCC_ARGB32 ? 4 : 0;
+    const FormatRow *row = FilledFormat(fcc);
+    return row != nullptr ? row->group.bytes : 0;
 }
 
 uint32_t ColorTo(eZFCC fcc, uint32_t colour) {
-    if (fcc == eZFCC_YUY2) return ColorToYUY2(colour);
-    return Is422(fcc) ? ColorToUYVY(colour) : ColorToRGB32(colour);
+    const PixelClass pixels = FormatFind(fcc)->pixels;
+    if (pixels == PixelClass::Yuy2) return ColorToYUY2(colour);
+    return pixels == PixelClass::Uyvy ? ColorToUYVY(colour) : ColorToRGB32(colour);
 }
 
 struct Unit {
@@ -101,7 +108,7 @@ HRESULT FillImage(const Z_VID_PROPS *props, uint8_t *dst, uint32_t colour, doubl
     const int32_t unitBytes = UnitBytes(props->fccType);
     if (unitBytes == 0) return S_FALSE;
     const int64_t height = std::llabs(int64_t{props->nHeight});
-    const int64_t pixelBytes = Is422(props->fccType) ? 2 : unitBytes;
+    const int64_t pixelBytes = unitBytes / FormatFind(props->fccType)->group.pixels;
     const int64_t width = props->nWidth * pixelBytes;
     if (width < 1 || height < 1 || std::max(width, height) > std::numeric_limits<int32_t>::max()) return E_FAIL;
     const Unit unit = UnitOf(ColorTo(props->fccType, colour));

@@ -14,9 +14,22 @@ PixelClass PixelClassOf(eZFCC fcc) {
 }
 
 int64_t PixelBytes(PixelClass kind) {
-    if (Is420(kind)) return 1;
-    if (kind == PixelClass::Rgb24) return 3;
-    return kind == PixelClass::Rgb32 ? 4 : 2;
+    switch (kind) {
+        case PixelClass::Yvyu:
+        case PixelClass::Yuy2:
+        case PixelClass::Uyvy:
+            return 2;
+        case PixelClass::Rgb24:
+            return 3;
+        case PixelClass::Rgb32:
+            return 4;
+        case PixelClass::Planes420:
+        case PixelClass::Nv12:
+            return 1;
+        case PixelClass::None:
+            break;
+    }
+    return 0;
 }
 
 int64_t RowBytesOf(const ImgDesc &desc) { return RowBytes(desc.fcc, desc.nRowPixels != 0 ? desc.nRowPixels : desc.nWidth); }

@@ -102,8 +102,9 @@ void Nv12To(uint8_t *dst, const RowFrom &src, int32_t width) {
     }
 }
 
-// Rows are sources, columns YVYU, YUY2, UYVY, RGB24, RGB32.
-constexpr PackedRow kPackedRows[7][5] = {
+// Rows are sources, columns packed targets, both in the order of `PixelClass`.
+constexpr int kPackedClasses = static_cast<int>(PixelClass::Planes420);    // the classes before it
+constexpr PackedRow kPackedRows[kPixelClasses][kPackedClasses] = {
     // The last one reads YVYU as YUY2.
     {Copy<2>, Kernel<&K::swap_chroma>, Packed<YvyuToUyvy>, Packed<YvyuToBgr>, Opaque<&K::yuy2_to_bgra>},
     {Kernel<&K::swap_chroma>, Copy<2>, Kernel<&K::yuy2_to_uyvy>, Packed<RowYuy2ToBgr>, Opaque<&K::yuy2_to_bgra>},
@@ -145,11 +146,25 @@ struct To420Kind {
     PlanesRows planes;
     PlanesRows nv12;
 };
-constexpr To420Kind kTo420[5] = {{YvyuTo420, ToNv12<YvyuTo420, 2>},
-                                 {To420<RowsYuy2To420>, ToNv12<To420<RowsYuy2To420>, 2>},
-                                 {To420<RowsUyvyTo420>, ToNv12<To420<RowsUyvyTo420>, 2>},
-                                 {To420<RowsBgrTo420>, ToNv12<To420<RowsBgrTo420>, 3>},
-                                 {BgraTo420, ToNv12<BgraTo420, 4>}};
+constexpr To420Kind kTo420[kPackedClasses] = {{YvyuTo420, ToNv12<YvyuTo420, 2>},
+                                              {To420<RowsYuy2To420>, ToNv12<To420<RowsYuy2To420>, 2>},
+                                              {To420<RowsUyvyTo420>, ToNv12<To420<RowsUyvyTo420>, 2>},
+                                              {To420<RowsBgrTo420>, ToNv12<To420<RowsBgrTo420>, 3>},
+                                              {BgraTo420, ToNv12<BgraTo420, 4>}};
+
+// A new class has all its entries.
+constexpr bool Complete() {
+    for (const auto &row : kPackedRows) {
+        for (const PackedRow entry : row) {
+            if (entry == nullptr) return false;
+        }
+    }
+    for (const To420Kind &kind : kTo420) {
+        if (kind.planes == nullptr || kind.nv12 == nullptr) return false;
+    }
+    return true;
+}
+static_assert(Complete());
 
 // Grey for a picture that has no chroma.
 struct Grey {

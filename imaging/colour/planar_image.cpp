@@ -53,7 +53,7 @@ void LayPlanes(PlanarImage &image, const ImageLayout &l, uint8_t *scratch) {
     SetPlane(image, 1, chroma, row / 2, l.width / 2, chromaRows);
     SetPlane(image, 2, chroma + row / 2 * chromaRows, row / 2, l.width / 2, chromaRows);
     // In memory Cr comes first.
-    if (image.fcc == eZFCC_YV12) std::swap(image.plane[1], image.plane[2]);
+    if (Is420(l.kind) && FormatFind(image.fcc)->bCrFirst) std::swap(image.plane[1], image.plane[2]);
 }
 
 ToPlanes Splitter(PixelClass kind) {
@@ -66,9 +66,14 @@ ToPlanes Splitter(PixelClass kind) {
             return YCrCb422ToYCbCr422_8u_C2P3R;
         case PixelClass::Rgb24:
             return BGRToYCbCr422_8u_C3P3R;
-        default:
+        case PixelClass::Rgb32:
             return BGRToYCbCr422_8u_AC4P3R;
+        case PixelClass::Planes420:
+        case PixelClass::Nv12:
+        case PixelClass::None:
+            break;
     }
+    return nullptr;
 }
 
 // An odd last column has luma only, and of 4:2:2 only this byte of its group is sure to be there.
@@ -126,9 +131,14 @@ FromPlanes Packer(PixelClass kind) {
             return YCbCr422ToYCrCb422_8u_P3C2R;
         case PixelClass::Rgb24:
             return YCbCr422ToBGR_8u_P3C3R;
-        default:
+        case PixelClass::Rgb32:
             return ToBgra;
+        case PixelClass::Planes420:
+        case PixelClass::Nv12:
+        case PixelClass::None:
+            break;
     }
+    return nullptr;
 }
 
 bool CopyPlane(const PlanarImage &image, int i, uint8_t *dst, int64_t step) {

@@ -27,9 +27,9 @@ HRESULT Layout(const Z_VID_PROPS &props, int64_t bytes, ImageLayout *layout) {
 HRESULT PlanarPlan::Prepare(const Z_VID_PROPS *sp, int64_t srcBytes, const Z_VID_PROPS *tp, int64_t dstBytes) {
     *this = PlanarPlan();
     if (sp == nullptr || tp == nullptr) return E_POINTER;
-    const PixelClass from = PixelClassOf(sp->fccType);
-    if ((!Is420(from) && from != PixelClass::Yvyu) || PixelClassOf(tp->fccType) != PixelClass::Rgb32)
-        return kVfwEInvalidSubtype;
+    const FormatRow *from = FormatFind(sp->fccType);
+    const bool served = from != nullptr && from->pixels != PixelClass::None && from->route == RouteClass::None;
+    if (!served || !Is32BitFormat(tp->fccType)) return kVfwEInvalidSubtype;
     HRESULT hr = Layout(*sp, srcBytes, &m_source);
     if (hr == S_OK) hr = Layout(*tp, dstBytes, &m_target);
     if (hr != S_OK) return hr;

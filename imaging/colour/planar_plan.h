@@ -1,4 +1,4 @@
-// YVYU and 4:2:0 into 4-byte RGB, row by row: what `ConvertPlan` is for the other formats.
+// Formats without a direct route (YVYU and 4:2:0) into 4-byte RGB, row by row: what `ConvertPlan` is for the other formats.
 #pragma once
 
 #include <cstdint>

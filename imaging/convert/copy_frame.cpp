@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <thread>
 
+#include "frames/media/pixel_format.h"
 #include "imaging/colour/convert.h"
 #include "platform/worker_thread.h"
 
@@ -12,11 +13,6 @@ namespace {
 constexpr int32_t kMostJobs = 4;
 // A thread costs more than the rows of so many pixels.
 constexpr int64_t kPixelsOfAJob = 128 * 1024;
-
-eZFCC Family(eZFCC fcc) {
-    if (fcc == eZFCC_HDYC) return eZFCC_UYVY;
-    return fcc == eZFCC_RGB32 ? eZFCC_ARGB32 : fcc;
-}
 
 struct Job {
     const ConvertPlan *plan;
@@ -48,7 +44,8 @@ HRESULT CopyFrameCC_Thread(const uint8_t *src, int64_t srcBytes, uint8_t *dst, i
     const HRESULT hr = plan.Prepare(sp, srcBytes, tp, dstBytes);
     if (hr != S_OK) return hr;
     Job job = {&plan, src, dst, JobsFor(plan)};
-    if (!plan.RowsIndependent() || Family(sp->fccType) == Family(tp->fccType) || job.jobs == 1) return plan.Run(src, dst);
+    if (!plan.RowsIndependent() || PlainFormat(sp->fccType) == PlainFormat(tp->fccType) || job.jobs == 1)
+        return plan.Run(src, dst);
     CWorkerThread workers[kMostJobs - 1] = {CWorkerThread(Body), CWorkerThread(Body), CWorkerThread(Body)};
     for (int32_t i = 1; i < job.jobs; ++i)
         if (FAILED(workers[i - 1].Start(&job, i))) job.Run(i);

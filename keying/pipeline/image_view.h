@@ -6,12 +6,13 @@
 #include <cstring>
 #include <vector>
 
+#include "frames/media/pixel_format.h"
 #include "keying/kernels/kernels.h"
 #include "keying/pipeline/pipeline.h"
 
 namespace zck {
 
-struct ImageView {
+struct KeyView {
     uint8_t *pixels;
     uint8_t *alpha;
     const Z_VID_PROPS *props;
@@ -23,7 +24,7 @@ struct ImageView {
     KeyBounds bounds;
 
     /// Pixels have four bytes, so that alpha can be written into them.
-    bool Is32() const { return props->fccType == eZFCC_RGB32 || props->fccType == eZFCC_ARGB32; }
+    bool Is32() const { return Is32BitFormat(props->fccType); }
     /// Bytes of an alpha row that the stages work on, with the rounded width and the inversion's late byte.
     int32_t AlphaReach() const { return std::max(blocks * 8, width + 1); }
 };
@@ -34,7 +35,7 @@ inline int32_t BlocksOf(int32_t width, int64_t stride) {
 }
 
 /// The view of props that were found sound by `CheckProps`.
-inline ImageView MakeView(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS *props, int64_t stride, const KeyBounds &bounds) {
+inline KeyView MakeView(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS *props, int64_t stride, const KeyBounds &bounds) {
     const int32_t height = props->nHeight < 0 ? -props->nHeight : props->nHeight;
     const auto stride32 = static_cast<int32_t>(std::min<int64_t>(stride, INT32_MAX));
     return {pixels, alpha, props, props->nWidth, height, props->nRowBytes, stride, DistanceBlocks(props->nWidth, stride32),
@@ -45,7 +46,7 @@ inline ImageView MakeView(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS *pr
 /// only what belongs to the row is stored back.
 class AlphaRow {
 public:
-    AlphaRow(const ImageView &view, int64_t row, std::vector<uint8_t> *scratch) {
+    AlphaRow(const KeyView &view, int64_t row, std::vector<uint8_t> *scratch) {
         const int64_t offset = row * view.stride;
         m_room = std::clamp<int64_t>(std::min(view.bounds.alphaRow, view.bounds.alphaBytes - offset), 0, view.AlphaReach());
         if (m_room > 0) m_home = view.alpha + offset;

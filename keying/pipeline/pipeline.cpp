@@ -2,6 +2,7 @@
 
 #include <limits>
 
+#include "frames/media/pixel_format.h"
 #include "frames/media/video_props.h"
 #include "keying/pipeline/image_view.h"
 #include "keying/pipeline/plan.h"
@@ -30,7 +31,7 @@ HRESULT KeyFields(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS &props, CHR
 }
 
 // The frame as rows, if it has a shape for that.
-bool KeyRows(const ImageView &image, const KeyPlan &plan, bool fields, bool writeAlpha) {
+bool KeyRows(const KeyView &image, const KeyPlan &plan, bool fields, bool writeAlpha) {
     if (image.bounds.alphaRow != KeyBounds::kAnyRow || image.bounds.pixelRow != KeyBounds::kAnyRow) return false;
     RowFrame frame = {};
     frame.view = image;
@@ -39,7 +40,7 @@ bool KeyRows(const ImageView &image, const KeyPlan &plan, bool fields, bool writ
     frame.combs = frame.fields;
     frame.view.blocks = BlocksOf(image.width, image.stride * frame.fields);
     frame.keyedRows = image.height / frame.fields * frame.fields;
-    frame.merge = image.props->fccType == eZFCC_ARGB32 || writeAlpha;
+    frame.merge = HasAlpha(image.props->fccType) || writeAlpha;
     if (!RowRoad::Serves(frame)) return false;
     RowRoad road;
     road.Start(frame, 1);
@@ -63,7 +64,7 @@ HRESULT KeyImage(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS *props, cons
     if (FAILED(hr)) return hr;
     return Guarded([&] {
         const KeyPlan plan = KeyPlanMake(*key);
-        const ImageView view = MakeView(pixels, alpha, props, AlphaStride(*props), bounds);
+        const KeyView view = MakeView(pixels, alpha, props, AlphaStride(*props), bounds);
         const bool fields = key->nInterlacedVideo > 0;
         if (KeyRows(view, plan, fields, writeAlpha)) return plan.hasAlpha ? S_OK : S_FALSE;
         if (fields) return KeyFields(pixels, alpha, *props, *key, writeAlpha, bounds);

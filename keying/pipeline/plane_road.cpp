@@ -5,6 +5,7 @@
 #include <new>
 #include <utility>
 
+#include "frames/media/pixel_format.h"
 #include "keying/kernels/filter_plane.h"
 #include "keying/pipeline/smooth_plane.h"
 #include "keying/pipeline/to_rgb32.h"
@@ -35,7 +36,7 @@ struct KeySpace {
 
 class PlaneRoad {
 public:
-    PlaneRoad(const ImageView &view, const KeyPlan &plan, bool writeAlpha)
+    PlaneRoad(const KeyView &view, const KeyPlan &plan, bool writeAlpha)
         : m_view(view), m_plan(plan), m_writeAlpha(writeAlpha), m_kernels(KeyingKernelsGet()) {}
 
     HRESULT Run() {
@@ -223,7 +224,7 @@ private:
 
     void Merge() {
         const eZFCC fcc = m_view.props->fccType;
-        if (fcc != eZFCC_ARGB32 && !(fcc == eZFCC_RGB32 && m_writeAlpha)) return;
+        if (!HasAlpha(fcc) && !(m_writeAlpha && m_view.Is32())) return;
         ForAlphaRows([&](uint8_t *row, int64_t y) {
             if (m_view.bounds.pixelBytes - y * m_view.rowBytes < int64_t{4} * m_view.width) return;
             uint8_t *pixels = m_view.pixels + y * m_view.rowBytes;
@@ -231,7 +232,7 @@ private:
         });
     }
 
-    const ImageView &m_view;
+    const KeyView &m_view;
     const KeyPlan &m_plan;
     const bool m_writeAlpha;
     const KeyingKernels &m_kernels;
@@ -246,7 +247,7 @@ private:
 
 }    // namespace
 
-HRESULT KeyByPlanes(const ImageView &view, const KeyPlan &plan, bool writeAlpha) {
+HRESULT KeyByPlanes(const KeyView &view, const KeyPlan &plan, bool writeAlpha) {
     return PlaneRoad(view, plan, writeAlpha).Run();
 }
 

@@ -7,6 +7,6 @@
 namespace zck {
 
 /// Keys one image, fields already apart. `writeAlpha` as in `CK_GetAlphaKeyEx3`.
-HRESULT KeyByPlanes(const ImageView &view, const KeyPlan &plan, bool writeAlpha);
+HRESULT KeyByPlanes(const KeyView &view, const KeyPlan &plan, bool writeAlpha);
 
 }    // namespace zck

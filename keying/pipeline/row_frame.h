@@ -8,7 +8,7 @@
 namespace zck {
 
 struct RowFrame {
-    ImageView view;    ///< `blocks` as the slices measure them
+    KeyView view;    ///< `blocks` as the slices measure them
     const KeyPlan *plan;
     const RowSource *source;    ///< or null
     int32_t fields;             ///< 2: the fields are smoothed apart

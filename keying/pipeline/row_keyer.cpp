@@ -2,7 +2,7 @@
 
 namespace zck {
 
-void RowKeyer::Start(const ImageView &view, const KeyPlan *plan) {
+void RowKeyer::Start(const KeyView &view, const KeyPlan *plan) {
     m_kernels = &KeyingKernelsGet();
     m_plan = plan;
     m_width = view.width;

@@ -11,7 +11,7 @@ namespace zck {
 class RowKeyer {
 public:
     /// Takes the widths of the view; the plan must outlive the use.
-    void Start(const ImageView &view, const KeyPlan *plan);
+    void Start(const KeyView &view, const KeyPlan *plan);
 
     /// Measures a pixel row of which `bytes` may be read. `alpha` has `AlphaReach` bytes of room and holds what the columns
     /// right of the last block start with.

@@ -12,7 +12,7 @@ std::atomic<bool> g_allowed{true};
 
 // No stage writes or reads a byte of another row. Slices drop such bytes; one slice, or a direct call, puts them there.
 bool RowsStandAlone(const RowFrame &frame) {
-    const ImageView &view = frame.view;
+    const KeyView &view = frame.view;
     if (frame.seam) return true;
     const bool slips = view.width % 16 != 0;
     if (int64_t{view.blocks} * 8 > view.stride) return false;
@@ -33,7 +33,7 @@ bool SmoothingFits(const RowFrame &frame) {
 void RowRoad::Allow(bool allowed) { g_allowed = allowed; }
 
 bool RowRoad::Serves(const RowFrame &frame) {
-    const ImageView &view = frame.view;
+    const KeyView &view = frame.view;
     if (!g_allowed) return false;
     if (!view.Is32() || view.rowBytes % 4 != 0 || view.width < 1 || view.height < 1) return false;
     if (view.bounds.alphaBytes < view.stride * view.height) return false;
@@ -135,7 +135,7 @@ void RowRoad::IntoPixels(int32_t row) const {
 HRESULT RowRoad::PlainRow(const Worker &worker, int32_t band, int32_t row) const {
     const HRESULT hr = IsEdge(band, row) ? S_OK : Fetch(row);
     if (FAILED(hr)) return hr;
-    const ImageView &view = m_frame.view;
+    const KeyView &view = m_frame.view;
     const KeyPlan &plan = *m_frame.plan;
     uint8_t *alpha = m_frame.AlphaRowOf(row);
     if (Keyed(row)) {
@@ -157,7 +157,7 @@ HRESULT RowRoad::PlainRow(const Worker &worker, int32_t band, int32_t row) const
 
 // A row as the smoothing takes it: with slices the row of the plane as they leave it, otherwise a row of scratch.
 void RowRoad::MakeInput(const Worker &worker, int32_t row, uint8_t *dst) const {
-    const ImageView &view = m_frame.view;
+    const KeyView &view = m_frame.view;
     const auto measured = static_cast<size_t>(Keyed(row) ? 8 * view.blocks : 0);
     const auto reach = static_cast<size_t>(m_reach);
     if (!m_frame.seam) {
@@ -173,7 +173,7 @@ void RowRoad::MakeInput(const Worker &worker, int32_t row, uint8_t *dst) const {
 }
 
 void RowRoad::FinishSmooth(const SmoothStream &stream, int32_t line, int32_t row) const {
-    const ImageView &view = m_frame.view;
+    const KeyView &view = m_frame.view;
     uint8_t *alpha = m_frame.AlphaRowOf(row);
     stream.Output(line, alpha);
     // Slices measure right in the plane, and their rounded width stays beside the smoothed one.

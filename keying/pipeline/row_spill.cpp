@@ -4,7 +4,7 @@ namespace zck {
 namespace {
 
 SpillShape ShapeOf(const RowFrame &frame) {
-    const ImageView &view = frame.view;
+    const KeyView &view = frame.view;
     return {view.width, frame.keyedRows / frame.combs, view.blocks, frame.combs == 1 && view.stride == view.width};
 }
 

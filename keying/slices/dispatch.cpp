@@ -75,7 +75,7 @@ HRESULT CSliceThreads::PrepareRows(uint8_t *pixels, uint8_t *alpha, const Z_VID_
     rows.combs = rows.seam ? m_count : rows.fields;
     rows.view.blocks = BlocksOf(props.nWidth, rows.view.stride * rows.combs);
     rows.keyedRows = rows.view.height / rows.combs * rows.combs;
-    rows.merge = props.fccType == eZFCC_ARGB32;
+    rows.merge = HasAlpha(props.fccType);
     rows.premultiply = true;
     if (!RowRoad::Serves(rows)) return S_FALSE;
     rows.view.props = &frame.props;    // lives as long as the threads may look at it

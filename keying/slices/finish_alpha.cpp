@@ -3,6 +3,7 @@
 #include <limits>
 #include <vector>
 
+#include "frames/media/pixel_format.h"
 #include "frames/media/video_props.h"
 #include "keying/kernels/filter_plane.h"
 #include "keying/pipeline/image_view.h"
@@ -31,7 +32,7 @@ HRESULT FinishFields(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS &props, 
     return FAILED(first) ? first : second;
 }
 
-HRESULT SmoothSeam(const ImageView &view, int32_t edges, std::vector<uint8_t> *rowScratch) {
+HRESULT SmoothSeam(const KeyView &view, int32_t edges, std::vector<uint8_t> *rowScratch) {
     if (view.width < 3 || view.height < 3) return StatusOf(0x80000000U | static_cast<uint32_t>(kFilterSizeError));
     const int64_t plane = view.stride * view.height;
     if (plane > kPlaneMax) return E_OUTOFMEMORY;
@@ -53,7 +54,7 @@ HRESULT SmoothSeam(const ImageView &view, int32_t edges, std::vector<uint8_t> *r
     return S_OK;
 }
 
-HRESULT FinishView(const ImageView &view, const CHROMA_KEY_RAW &key) {
+HRESULT FinishView(const KeyView &view, const CHROMA_KEY_RAW &key) {
     const KeyingKernels &kernels = KeyingKernelsGet();
     std::vector<uint8_t> rowScratch;
     if (key.nEdgesSmooth > 0) {
@@ -96,7 +97,7 @@ HRESULT FinishAlpha(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS *props, c
 }
 
 void PremultiplyFrame(uint8_t *pixels, const Z_VID_PROPS &props, int64_t pixelBytes) {
-    if (props.fccType != eZFCC_RGB32 && props.fccType != eZFCC_ARGB32) return;
+    if (!Is32BitFormat(props.fccType)) return;
     const int64_t rows = props.nHeight < 0 ? -int64_t{props.nHeight} : props.nHeight;
     for (int64_t y = 0; y < rows; ++y) {
         const int64_t offset = y * props.nRowBytes;

@@ -129,7 +129,8 @@ HRESULT SpillCancel(const SpillImage &image, const SpillPlan &plan) {
     const eZFCC fcc = image.props->fccType;
     if (!IsRgbFormat(fcc) && !IsPlanarFormat(fcc)) {
         YuvRows rows(image);
-        return Walk(image, plan, fcc == eZFCC_YUY2 || fcc == eZFCC_YVYU, &rows);
+        const FormatRow *format = FormatFind(fcc);
+        return Walk(image, plan, format != nullptr && format->LumaFirst(), &rows);
     }
     SpillImage measured = image;
     RgbRows rows(measured);

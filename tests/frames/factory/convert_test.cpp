@@ -8,6 +8,7 @@
 #include "imaging/convert/img_convert.h"
 #include "tests/frames/object/foreign_frame.h"
 #include "tests/frames/object/frame_fixture.h"
+#include "tests/support/formats.h"
 
 namespace zck::test {
 namespace {
@@ -203,8 +204,7 @@ TEST_F(ConvertedClones, OneLinePicturesAreOneLine) {
 
 // Between planes, YVYU and everything else, over soiled buffers; an odd last column is 0.
 TEST_F(ConvertedClones, PlanesAndYvyuAreConverted) {
-    const eZFCC formats[] = {eZFCC_I420, eZFCC_YV12, eZFCC_NV12,  eZFCC_YVYU,  eZFCC_UYVY,
-                             eZFCC_HDYC, eZFCC_YUY2, eZFCC_RGB24, eZFCC_RGB32, eZFCC_ARGB32};
+    const std::vector<eZFCC> formats = test::PictureFormats();
     ImgConvertState state;
     for (const eZFCC from : formats)
         for (const eZFCC to : formats)
@@ -234,11 +234,15 @@ TEST_F(ConvertedClones, PlanesAndYvyuAreConverted) {
 }
 
 TEST_F(ConvertedClones, FormatsWithoutConversionGiveZeros) {
-    const std::pair<eZFCC, eZFCC> pairs[] = {{eZFCC_UYVY, eZFCC_r210},
-                                             {eZFCC_ARGB32, eZFCC_v210},
-                                             {eZFCC_v210, eZFCC_I420},
-                                             {eZFCC_I420, eZFCC_v210},
-                                             {eZFCC_r210, eZFCC_ARGB32}};
+    std::vector<std::pair<eZFCC, eZFCC>> pairs = {
+        {eZFCC_ARGB32, eZFCC_v210}, {eZFCC_v210, eZFCC_I420}, {eZFCC_I420, eZFCC_v210}};
+    const auto closed = [](const FormatRow &row) {
+        return row.nPixelBits != 0 && row.pixels == PixelClass::None && row.route == RouteClass::None;
+    };
+    for (const eZFCC none : test::FormatsWhere(closed)) {
+        pairs.emplace_back(none, eZFCC_ARGB32);
+        pairs.emplace_back(eZFCC_UYVY, none);
+    }
     for (const auto &[from, to] : pairs) {
         Z_VID_PROPS source = Record(from, 48, 6);
         if (IsPlanarFormat(from)) source.nRowBytes = 48;

@@ -9,6 +9,7 @@
 #include "platform/processor.h"
 #include "platform/status.h"
 #include "tests/imaging/colour/planes_model.h"
+#include "tests/support/formats.h"
 
 namespace zck {
 namespace {
@@ -17,8 +18,7 @@ using test::MakePlanarPicture;
 using test::ModelColorConvert;
 using test::PlanarPicture;
 
-constexpr eZFCC kFormats[] = {eZFCC_YVYU, eZFCC_I420, eZFCC_YV12,  eZFCC_NV12,  eZFCC_YUY2,
-                              eZFCC_UYVY, eZFCC_HDYC, eZFCC_RGB24, eZFCC_RGB32, eZFCC_ARGB32};
+const std::vector<eZFCC> kFormats = test::PictureFormats();
 
 class ColorConverts : public testing::TestWithParam<KernelLevel> {
 protected:
@@ -146,7 +146,8 @@ TEST(ColorConvert, OrderOfPlanesInMemory) {
 TEST(ColorConvert, FormatsThatAreNotServedAreLeftAlone) {
     ImgConvertState state;
     std::vector<uint8_t> src(4096, 1), dst(4096, 2);
-    for (const eZFCC odd : {eZFCC_v210, eZFCC_r210, eZFCC_RGB8, eZFCC_NV12, eZFCC_GPU_RGB444}) {
+    const auto left = [](const FormatRow &row) { return row.pixels == PixelClass::None || row.pixels == PixelClass::Nv12; };
+    for (const eZFCC odd : test::FormatsWhere(left)) {
         const ImgDesc known = {eZFCC_UYVY, 8, 4, 0};
         const ImgDesc other = {odd, 8, 4, 0};
         EXPECT_EQ(ColorConvert(&state, src.data(), dst.data(), &known, &other, nullptr, nullptr), S_OK) << odd;
@@ -217,8 +218,9 @@ TEST(ColorConvert, OneStateServesOneCallAtATime) {
 
 TEST_P(ColorConverts, PlansGiveTheSameRows) {
     uint32_t seed = 5000;
-    for (const eZFCC from : {eZFCC_YVYU, eZFCC_I420, eZFCC_YV12, eZFCC_NV12})
-        for (const eZFCC to : {eZFCC_RGB32, eZFCC_ARGB32})
+    const auto planned = [](const FormatRow &row) { return row.pixels != PixelClass::None && row.route == RouteClass::None; };
+    for (const eZFCC from : test::FormatsWhere(planned))
+        for (const eZFCC to : test::FormatsWhere([](const FormatRow &row) { return row.Is32(); }))
             for (const int32_t width : {1, 2, 3, 70, 1301})
                 for (const int32_t rows : {1, 2, 5, 8})
                     for (const int32_t dstHeight : {rows, -rows}) {

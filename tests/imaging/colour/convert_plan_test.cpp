@@ -7,6 +7,7 @@
 #include "imaging/colour/convert.h"
 #include "platform/status.h"
 #include "tests/imaging/colour/model.h"
+#include "tests/support/formats.h"
 
 namespace zck {
 namespace {
@@ -16,7 +17,7 @@ using test::ModelPicture;
 using test::ModelRecord;
 using test::Picture;
 
-constexpr eZFCC kFormats[] = {eZFCC_RGB32, eZFCC_RGB24, eZFCC_UYVY, eZFCC_HDYC, eZFCC_YUY2, eZFCC_v210};
+const std::vector<eZFCC> kFormats = test::RouteFormats();
 
 // Rows of an independent plan, in any order: each changes nothing but its own bytes, and together they are the whole.
 void CheckRows(const ConvertPlan &plan, const Picture &source, const Picture &target, int64_t step) {

@@ -10,6 +10,7 @@
 #include "platform/processor.h"
 #include "platform/status.h"
 #include "tests/imaging/colour/model.h"
+#include "tests/support/formats.h"
 
 namespace zck {
 namespace {
@@ -20,7 +21,7 @@ using test::ModelPicture;
 using test::ModelRecord;
 using test::Picture;
 
-constexpr eZFCC kFormats[] = {eZFCC_RGB32, eZFCC_ARGB32, eZFCC_RGB24, eZFCC_UYVY, eZFCC_HDYC, eZFCC_YUY2, eZFCC_v210};
+const std::vector<eZFCC> kFormats = test::RouteFormats();
 
 bool IsRgb(eZFCC f) { return f == eZFCC_RGB32 || f == eZFCC_ARGB32 || f == eZFCC_RGB24; }
 
@@ -252,7 +253,7 @@ TEST(ConvertStatus, FormatsWithoutClass) {
     const Bytes src(4096);
     Bytes dst(4096, 9);
     const Z_VID_PROPS good = ModelRecord(eZFCC_UYVY, 4, 2, 0);
-    for (const eZFCC fcc : {eZFCC_I420, eZFCC_YV12, eZFCC_NV12, eZFCC_YVYU, eZFCC_r210, eZFCC_RGB8, eZFCC_GPU_YUV422}) {
+    for (const eZFCC fcc : test::FormatsWhere([](const FormatRow &row) { return row.route == RouteClass::None; })) {
         Z_VID_PROPS other = good;
         other.fccType = fcc;
         other.nRowBytes = 256;

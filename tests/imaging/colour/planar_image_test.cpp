@@ -7,6 +7,7 @@
 #include "frames/media/pixel_format.h"
 #include "platform/status.h"
 #include "tests/imaging/colour/planes_model.h"
+#include "tests/support/formats.h"
 
 namespace zck {
 namespace {
@@ -18,8 +19,10 @@ using Bytes = std::vector<uint8_t>;
 
 int64_t Size(const Bytes &bytes) { return static_cast<int64_t>(bytes.size()); }
 
-constexpr eZFCC kPlanar[] = {eZFCC_I420, eZFCC_YV12, eZFCC_NV12};
-constexpr eZFCC kFull[] = {eZFCC_YVYU, eZFCC_YUY2, eZFCC_UYVY, eZFCC_HDYC, eZFCC_RGB24, eZFCC_RGB32, eZFCC_ARGB32};
+const std::vector<eZFCC> kPlanar =
+    test::FormatsWhere([](const FormatRow &row) { return row.bPlanar && row.pixels != PixelClass::None; });
+const std::vector<eZFCC> kFull =
+    test::FormatsWhere([](const FormatRow &row) { return !row.bPlanar && row.pixels != PixelClass::None; });
 
 // YUY2 holds the samples of 4:2:2 planes.
 PlanarPicture AsYuy2(PlanarPicture &src) {
@@ -127,7 +130,7 @@ TEST(LoadPlanes, Failures) {
     EXPECT_EQ(LoadPlanes(&image, memory.data(), 119, &props, scratch.data(), 400), kVfwEInvalidMediaType);
     EXPECT_EQ(LoadPlanes(&image, memory.data(), 120, &props, scratch.data(), 119), kVfwEInvalidMediaType);
     EXPECT_EQ(LoadPlanes(&image, memory.data(), 120, &props, scratch.data(), 120), S_OK);
-    for (const eZFCC none : {eZFCC_v210, eZFCC_r210, eZFCC_RGB8}) {
+    for (const eZFCC none : test::FormatsWhere([](const FormatRow &row) { return row.pixels == PixelClass::None; })) {
         props.fccType = none;
         EXPECT_EQ(LoadPlanes(&image, memory.data(), 400, &props, scratch.data(), 400), kVfwEInvalidSubtype);
         EXPECT_FALSE(image.bPlanar);

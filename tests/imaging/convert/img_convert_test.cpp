@@ -5,6 +5,7 @@
 #include "frames/media/pixel_format.h"
 #include "platform/status.h"
 #include "tests/imaging/colour/planes_model.h"
+#include "tests/support/formats.h"
 
 namespace zck {
 namespace {
@@ -21,7 +22,7 @@ HRESULT Convert(const PlanarPicture &src, PlanarPicture &dst) {
 }
 
 TEST(ImgConvert, ImagesOfOneSize) {
-    constexpr eZFCC kFormats[] = {eZFCC_YVYU, eZFCC_I420, eZFCC_YV12, eZFCC_NV12, eZFCC_UYVY, eZFCC_RGB24, eZFCC_ARGB32};
+    const std::vector<eZFCC> kFormats = test::PictureFormats();
     uint32_t seed = 0;
     for (const eZFCC from : kFormats)
         for (const eZFCC to : kFormats)

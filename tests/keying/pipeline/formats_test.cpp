@@ -1,4 +1,6 @@
 // Pictures of other formats: brought to 32-bit pixels in scratch, keyed, and left as they are.
+#include "tests/support/formats.h"
+
 #include <gtest/gtest.h>
 
 #include "frames/media/pixel_format.h"
@@ -74,7 +76,8 @@ TEST(PipelineFormats, a_standard_format_in_the_record_does_not_change_the_size) 
 }
 
 TEST(PipelineFormats, without_a_way_to_32_bit_pixels_are_refused) {
-    for (const eZFCC fcc : {eZFCC_YV12, eZFCC_NV12, eZFCC_I420, eZFCC_YVYU, eZFCC_RGB8, eZFCC_r210, kFccRgb565, kFccRgb555}) {
+    const auto refused = [](const FormatRow &row) { return row.nPixelBits != 0 && row.route == RouteClass::None; };
+    for (const eZFCC fcc : test::FormatsWhere(refused)) {
         const Z_VID_PROPS props = FormatProps(fcc, 64, 4);
         Guarded pixels(2 * test::PixelBytes(props));
         Guarded alpha(test::AlphaBytes(props), 0x55);
@@ -88,7 +91,8 @@ TEST(PipelineFormats, without_a_way_to_32_bit_pixels_are_refused) {
 }
 
 TEST(PipelineFormats, every_width_stays_inside) {
-    for (const eZFCC fcc : {eZFCC_RGB24, eZFCC_UYVY, eZFCC_HDYC, eZFCC_YUY2, eZFCC_v210}) {
+    const auto converted = [](const FormatRow &row) { return row.route != RouteClass::None && !row.Is32(); };
+    for (const eZFCC fcc : test::FormatsWhere(converted)) {
         for (int32_t w = 1; w <= 40; ++w) {
             for (const int32_t fields : {0, 1}) {
                 const Z_VID_PROPS props = FormatProps(fcc, w, 7);

@@ -14,6 +14,7 @@
 #include "platform/processor.h"
 #include "platform/status.h"
 #include "tests/keying/spill/witness.h"
+#include "tests/support/formats.h"
 
 namespace zck {
 namespace {
@@ -292,7 +293,8 @@ TEST_P(Spill, AMaskWithoutSizeEndsTheCallAndLeavesThePicture) {
 
 TEST_P(Spill, AFormatWithoutAWayToYuvEndsTheCall) {
     const CHROMA_KEY_RAW key = GreenKey(1);
-    for (const eZFCC fcc : {eZFCC_I420, eZFCC_YV12, eZFCC_NV12, eZFCC_RGB8, eZFCC_r210}) {
+    const auto closed = [](const FormatRow &row) { return (row.bRgb || row.bPlanar) && row.route == RouteClass::None; };
+    for (const eZFCC fcc : test::FormatsWhere(closed)) {
         Picture p = Make(Props(fcc, 16, 8), key);
         const std::vector<uint8_t> before = p.bytes;
         EXPECT_EQ(p.Cancel(key), kVfwEInvalidSubtype) << std::hex << fcc;
