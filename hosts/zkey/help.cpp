@@ -1,6 +1,7 @@
 #include "hosts/zkey/help.h"
 
 #include "hosts/zkey/colours.h"
+#include "hosts/zkey/edit_steps.h"
 #include "hosts/zkey/frame_format.h"
 #include "hosts/zkey/media.h"
 
@@ -13,6 +14,8 @@ constexpr const char *kGeneral = R"(zkey: takes a coloured screen out of clips a
 
   zkey key INPUT -o OUTPUT [options]   keys a clip or a picture
   zkey key --help                      all options
+  zkey detect INPUT                    finds the screen of one picture and prints the key
+  zkey edit INPUT STEP...              builds a key on one picture, step by step
   zkey props [NAME[=VALUE] ...]        the keyer's properties; --store keeps one, --forget forgets it
   zkey --version                       version and what it was built with
 
@@ -101,6 +104,40 @@ Without names: all properties of the keyer with their values, kinds, defaults an
 zkey key --prop NAME=VALUE sets a property for one run.
 )";
 
+constexpr const char *kDetect = R"(zkey detect INPUT [options]
+
+Finds the screen of one picture of INPUT by the library's detection, and prints the key in the words of zkey key. A screen is
+a green or blue area whose blocks are flat. Exit status 1 when there is none.
+
+      --at TIME           the picture at this time, in seconds or as 1:02:03.5 (the first)
+      --frame N           the picture with this number, from 0
+      --raw FORMAT:WxH    as zkey key has it
+      --type TYPE         the space in which colours are compared: HLS (the default), RGB or YUV
+      --blocks N          blocks of the grid in each direction (48)
+      --threshold N       how much the pixels of a block may differ from each other, in steps of a byte (16)
+      --max-keys N        colours to be found at most, 1 to 16 (1)
+      --key-diff X        how far colours may lie from each other; 0: as far as they like (1)
+      --save-key FILE.xml saves the key for zkey key --key
+      --preview FILE      writes the keyed picture
+      --blocks-picture FILE
+                          writes the picture with the blocks that were found painted over
+)";
+
+constexpr const char *kEdit = R"(zkey edit INPUT [options] STEP...
+
+Builds a key on one picture of INPUT. All steps work on one key; each edit can be taken back. Without steps they come from
+standard input, line by line: with a prompt at a terminal ("help" lists the steps, "quit" ends).
+
+      --at TIME, --frame N, --raw FORMAT:WxH
+                          which picture, as zkey detect has it
+      --key FILE.xml      starts from a saved key
+      --background WHAT   previews are composed over a colour, "checker", or a picture or clip
+      --script FILE       steps from a file, some or one a line; # begins a comment
+      --json              one JSON object a line for each step: op, status, history, entries, key, ms
+
+Steps
+)";
+
 std::string Formats() {
     std::string out = "                          formats:\n";
     for (const NamedFormat *f = FormatTable(); f->name != nullptr; ++f) {
@@ -120,6 +157,14 @@ std::string KeyHelp() {
            "\nOther\n  -q, --quiet   errors only\n  -h, --help    this text\n\nColour names: " + ColourNames() +
            ".\n\nExit status: 0 done, 1 a file or the keyer refused, 2 wrong command line, 130 stopped with Ctrl-C (what was\n"
            "written so far plays).\n";
+}
+
+std::string DetectHelp() { return kDetect; }
+
+std::string EditHelp() {
+    return kEdit + StepsHelp() +
+           "\nA first try:  zkey edit still.png detect set Colors=0.3 preview out.png save key.xml\n"
+           "Without max_keys each pick widens the one colour that there is; max_keys=4 opens more.\n";
 }
 
 std::string PropsHelp() { return kProps; }

@@ -7,6 +7,8 @@ namespace zkey {
 
 std::string GeneralHelp();
 std::string KeyHelp();
+std::string DetectHelp();
+std::string EditHelp();
 std::string PropsHelp();
 std::string VersionText();
 

@@ -1,6 +1,7 @@
 #include <cstdio>
 #include <new>
 
+#include "hosts/zkey/edit_command.h"
 #include "hosts/zkey/failure.h"
 #include "hosts/zkey/help.h"
 #include "hosts/zkey/job.h"
@@ -27,6 +28,8 @@ ExitStatus Run(const std::vector<std::string> &arguments) {
     if (first == "--help" || first == "-h" || first == "help") return Print(zkey::GeneralHelp());
     if (first == "--version") return Print(zkey::VersionText());
     if (first == "props") return zkey::RunPropsCommand({arguments.begin() + 1, arguments.end()});
+    if (first == "detect") return zkey::RunDetectCommand({arguments.begin() + 1, arguments.end()});
+    if (first == "edit") return zkey::RunEditCommand({arguments.begin() + 1, arguments.end()});
     if (first != "key") {
         const bool input = first == "-" || first.starts_with('-') || zkey::Exists(first);
         zkey::FailUsage(input ? "the command is missing: zkey key " + first + " ..."

@@ -212,6 +212,21 @@ Ref<IZFrame> Keyer::Convert(IZFrame *frame) {
     return result;
 }
 
+Ref<IZKey> Keyer::KeyObject(IZFrame *reference) {
+    Ref<IZKey> key;
+    Require(m_key->KeyGet(reference, key.Put(), Counted("background=''").get()), "cannot edit a key");
+    return key;
+}
+
+void Keyer::TakeKey(IZKey *key) { Require(m_key->KeySet(key), "cannot take the key"); }
+
+Ref<IZFrame> Keyer::FrameOf(IUnknown *object) {
+    Ref<IZFrame> frame;
+    if (object == nullptr) Fail("the keyer gave no picture");
+    Require(object->QueryInterface(IID_IZFrame, frame.PutVoid()), "the keyer gave no picture");
+    return frame;
+}
+
 Ref<IZFrame> Keyer::Drain() {
     if (!m_pending) return {};
     // The keyer hands a result over with the next frame only, so the last frame goes in once more; its second result
@@ -230,7 +245,7 @@ ImageView Keyer::View(IZFrame *frame, int width, int height) {
     Require(frame->FrameVideoGetBytes(&size, &address), "cannot read the keyed frame");
     const Z_VID_PROPS &v = props.vidProps;
     const int rows = std::abs(v.nHeight);
-    if (address == 0 || v.fccType != eZFCC_ARGB32 || v.nWidth < width || rows < height ||
+    if (address == 0 || (v.fccType != eZFCC_ARGB32 && v.fccType != eZFCC_RGB32) || v.nWidth < width || rows < height ||
         int64_t{v.nRowBytes} * (rows - 1) + int64_t{v.nWidth} * 4 > size) {
         Fail("cannot read the keyed frame: it is not the picture that went in");
     }
@@ -238,6 +253,19 @@ ImageView Keyer::View(IZFrame *frame, int width, int height) {
     const std::ptrdiff_t step = v.nRowBytes;
     if (v.nHeight > 0) return {first + step * (rows - 1), -step, width, height};
     return {first, step, width, height};
+}
+
+Image Keyer::Opaque(IUnknown *object, int width, int height) {
+    const Ref<IZFrame> frame = FrameOf(object);
+    const ImageView from = View(frame.get(), width, height);
+    Image out;
+    out.Resize(width, height);
+    for (int y = 0; y < height; ++y) {
+        uint8_t *row = out.Row(y);
+        std::memcpy(row, from.Row(y), std::size_t{4} * static_cast<std::size_t>(width));
+        for (int x = 0; x < width; ++x) row[4 * x + 3] = 255;
+    }
+    return out;
 }
 
 void Keyer::ClearBorders(IZFrame *frame, int width, int height, const Borders &borders) {

@@ -37,11 +37,19 @@ public:
     Ref<IZFrame> Key(IZFrame *frame);
     /// The frame as the keyer sees it: only brought to 4 bytes a pixel. Resets the key.
     Ref<IZFrame> Convert(IZFrame *frame);
+    /// A key object on a reference frame, with the keyer's properties and key and without a background.
+    Ref<IZKey> KeyObject(IZFrame *reference);
+    /// Takes the key of such an object.
+    void TakeKey(IZKey *key);
+    /// The frame behind an object that the library gave.
+    static Ref<IZFrame> FrameOf(IUnknown *object);
     /// The result that is still owed after the last frame, if any.
     Ref<IZFrame> Drain();
 
     /// The picture in a frame that the keyer gave, cropped to this size. Good while the frame lives.
     static ImageView View(IZFrame *frame, int width, int height);
+    /// A copy of such a picture without its alpha.
+    static Image Opaque(IUnknown *frame, int width, int height);
     /// Makes the borders of such a picture transparent.
     static void ClearBorders(IZFrame *frame, int width, int height, const Borders &borders);
 

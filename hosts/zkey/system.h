@@ -34,6 +34,8 @@ void RemoveFile(const std::string &path);
 bool SameFile(const std::string &a, const std::string &b);
 /// True when standard error is a terminal that a person watches.
 bool ErrorIsTerminal();
+/// True when a person types at standard input.
+bool InputIsTerminal();
 /// From here on the first interrupt (Ctrl-C) only sets the flag that `Interrupted` reads; a second one ends the program.
 /// A reader of a pipe that is gone gives a write error instead of the end of the program.
 void WatchInterrupt();

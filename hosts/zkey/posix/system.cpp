@@ -104,6 +104,7 @@ bool SameFile(const std::string &a, const std::string &b) {
 }
 
 bool ErrorIsTerminal() { return isatty(STDERR_FILENO) == 1; }
+bool InputIsTerminal() { return isatty(STDIN_FILENO) == 1; }
 
 void WatchInterrupt() {
     if (pipe(g_wake) != 0) return;

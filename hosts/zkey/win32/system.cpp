@@ -104,6 +104,7 @@ bool SameFile(const std::string &a, const std::string &b) {
 }
 
 bool ErrorIsTerminal() { return _isatty(_fileno(stderr)) != 0; }
+bool InputIsTerminal() { return _isatty(_fileno(stdin)) != 0; }
 
 void WatchInterrupt() { SetConsoleCtrlHandler(OnInterrupt, TRUE); }
 
