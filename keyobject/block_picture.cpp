@@ -1,6 +1,7 @@
 #include "keyobject/block_picture.h"
 
 #include <cstring>
+#include <vector>
 
 #include "keying/spill/spill_colour.h"
 
@@ -15,18 +16,38 @@ KeyBytes FromHls(const uint8_t *pixel) {
 // The space has red and blue exchanged, and so they come back in the order of memory.
 KeyBytes FromYuv(const uint8_t *pixel) { return YuvToRgb({{pixel[0], pixel[1], pixel[2]}}); }
 
-/// Converts a row in place. Painted blocks are one colour, so a neighbour's result is often at hand.
+/// Converts rows in place. Few of the colours that there could be are in a picture, and most come again: what was converted is
+/// kept, in a table with one place for many colours.
 template <class Convert>
-void ConvertRow(uint8_t *row, int32_t width, Convert convert) {
-    uint8_t last[3] = {};
-    KeyBytes result = convert(last);
-    for (int32_t x = 0; x < width; ++x, row += 4) {
-        if (std::memcmp(row, last, 3) != 0) {
-            std::memcpy(last, row, 3);
-            result = convert(last);
+class Converter {
+public:
+    explicit Converter(Convert convert) : m_convert(convert), m_places(kPlaces) {}
+
+    void Row(uint8_t *row, int32_t width) {
+        for (int32_t x = 0; x < width; ++x, row += 4) {
+            const uint32_t colour = row[0] | static_cast<uint32_t>(row[1]) << 8 | static_cast<uint32_t>(row[2]) << 16;
+            Place &place = m_places[colour * 2654435761U >> (32 - kPlaceBits)];
+            if (place.colour != colour) place = {colour, m_convert(row)};
+            std::memcpy(row, place.result.b, 3);
         }
-        std::memcpy(row, result.b, 3);
     }
+
+private:
+    static constexpr uint32_t kPlaceBits = 14;
+    static constexpr size_t kPlaces = size_t{1} << kPlaceBits;
+    struct Place {
+        uint32_t colour = 0xFFFFFFFF;    // no colour
+        KeyBytes result = {};
+    };
+
+    Convert m_convert;
+    std::vector<Place> m_places;
+};
+
+template <class Convert>
+void ConvertPicture(const PictureView &view, Convert convert) {
+    Converter converter(convert);
+    for (int64_t y = 0; y < view.rows; ++y) converter.Row(view.pixels + y * view.rowBytes, view.props.nWidth);
 }
 
 }    // namespace
@@ -41,11 +62,8 @@ HRESULT BlockPicture(IZFrames *factory, const WorkingImage &image, ComPtr<IZFram
     PictureView view;
     if (SUCCEEDED(hr)) hr = PictureViewOf(frame.get(), &view);
     if (FAILED(hr)) return hr;
-    for (int64_t y = 0; y < view.rows; ++y) {
-        uint8_t *row = view.pixels + y * view.rowBytes;
-        if (image.Space() == KeySpace::Hls) ConvertRow(row, image.Width(), FromHls);
-        if (image.Space() == KeySpace::Yuv) ConvertRow(row, image.Width(), FromYuv);
-    }
+    if (image.Space() == KeySpace::Hls) ConvertPicture(view, FromHls);
+    if (image.Space() == KeySpace::Yuv) ConvertPicture(view, FromYuv);
     *result = std::move(frame);
     return S_OK;
 }

@@ -20,6 +20,53 @@ constexpr KeyRange kScreens[] = {
     {{230.0 / 360.0, 0.5, 0.6, 0.5}, {25.0 / 360.0, 0.4, 0.8, 3.0}, 0},    // blue
 };
 
+int32_t Distance(const uint8_t *a, const uint8_t *b) {
+    const int32_t d0 = a[0] - b[0];
+    const int32_t d1 = a[1] - b[1];
+    const int32_t d2 = a[2] - b[2];
+    return d0 * d0 + d1 * d1 + d2 * d2;
+}
+
+/// The smallest and the greatest of each of the four bytes of some pixels.
+struct ByteBox {
+    uint8_t low[4];
+    uint8_t high[4];
+
+    explicit ByteBox(const uint8_t *pixel) {
+        std::copy_n(pixel, 4, low);
+        std::copy_n(pixel, 4, high);
+    }
+    void Include(const ByteBox &other) {
+        for (int32_t i = 0; i < 4; ++i) {
+            low[i] = std::min(low[i], other.low[i]);
+            high[i] = std::max(high[i], other.high[i]);
+        }
+    }
+    void Include(const uint8_t *pixels, int32_t count) {
+        constexpr int32_t kGroup = 16;    // bytes, four pixels
+        uint8_t lows[kGroup];
+        uint8_t highs[kGroup];
+        for (int32_t i = 0; i < kGroup; ++i) {
+            lows[i] = low[i % 4];
+            highs[i] = high[i % 4];
+        }
+        for (; count >= 4; count -= 4, pixels += kGroup) {
+            for (int32_t i = 0; i < kGroup; ++i) lows[i] = std::min(lows[i], pixels[i]);
+            for (int32_t i = 0; i < kGroup; ++i) highs[i] = std::max(highs[i], pixels[i]);
+        }
+        for (int32_t i = 0; i < 4 * count; ++i) {
+            lows[i] = std::min(lows[i], pixels[i]);
+            highs[i] = std::max(highs[i], pixels[i]);
+        }
+        for (int32_t i = 0; i < kGroup; ++i) {
+            low[i % 4] = std::min(low[i % 4], lows[i]);
+            high[i % 4] = std::max(high[i % 4], highs[i]);
+        }
+    }
+    /// No two pixels of the box are farther apart.
+    int32_t SquaredSpan() const { return Distance(low, high); }
+};
+
 /// Which screens each byte of an HLS pixel admits, a bit each; alpha admits all.
 struct ScreenTable {
     uint8_t admits[3][256];
@@ -36,15 +83,12 @@ struct ScreenTable {
             }
         }
     }
-    bool Admits(const uint8_t *hls) const { return (admits[0][hls[0]] & admits[1][hls[1]] & admits[2][hls[2]]) != 0; }
-};
+    bool AdmitsBox(const ByteBox &box) const { return (Screens(box.low) & Screens(box.high)) != 0; }
+    bool Admits(const uint8_t *hls) const { return Screens(hls) != 0; }
 
-int32_t Distance(const uint8_t *a, const uint8_t *b) {
-    const int32_t d0 = a[0] - b[0];
-    const int32_t d1 = a[1] - b[1];
-    const int32_t d2 = a[2] - b[2];
-    return d0 * d0 + d1 * d1 + d2 * d2;
-}
+private:
+    uint32_t Screens(const uint8_t *hls) const { return admits[0][hls[0]] & admits[1][hls[1]] & admits[2][hls[2]]; }
+};
 
 /// The threshold as a squared distance. No distance is above 195075, so that from 256 on nothing is rejected.
 int32_t SquareOf(int32_t threshold) {
@@ -117,16 +161,23 @@ private:
 
     bool Analyse(int64_t bx, int64_t by, KeyRange *range) {
         const uint8_t *first = Pixel(bx, by, 0);
-        uint8_t low[4];
-        uint8_t high[4];
-        std::copy_n(first, 4, low);
-        std::copy_n(first, 4, high);
+        ByteBox block(first);
+        ByteBox above = block;
         for (int32_t y = 0; y < m_height; ++y) {
             const uint8_t *row = Pixel(bx, by, y);
-            if (!RowIsFlat(row, y > 0 ? row - m_image.RowBytes() : nullptr, first) || !RowIsScreen(row)) return false;
+            ByteBox rowBox(row);
+            rowBox.Include(row + 4, m_width - 1);
+            ByteBox near = rowBox;
+            near.Include(above);
+            near.Include(first, 1);
+            // A row that lies so close together passes all comparisons.
+            const bool flat =
+                near.SquaredSpan() <= m_square || RowIsFlat(row, y > 0 ? row - m_image.RowBytes() : nullptr, first);
+            if (!flat || !RowIsScreen(row)) return false;
+            block.Include(row + 4, m_width - 1);
+            above = rowBox;
         }
-        for (int32_t y = 0; y < m_height; ++y) Widen(Pixel(bx, by, y), low, high);
-        *range = RangeOf(low, high);
+        *range = RangeOf(block.low, block.high);
         return true;
     }
 
@@ -143,7 +194,12 @@ private:
 
     bool RowIsScreen(const uint8_t *row) {
         static const ScreenTable table;
+        if (m_width < 2) return true;
         const uint8_t *hls = HlsOf(row);
+        ByteBox box(hls + 4);
+        box.Include(hls + 8, m_width - 2);
+        // Screens are boxes: one that admits both corners admits all between them.
+        if (table.AdmitsBox(box)) return true;
         for (int32_t x = 1; x < m_width; ++x) {
             if (!table.Admits(hls + x * 4)) return false;
         }
@@ -162,15 +218,6 @@ private:
         }
         KeyingKernelsGet().to_hls(m_hls.data(), rgb, m_width);
         return m_hls.data();
-    }
-
-    void Widen(const uint8_t *row, uint8_t (&low)[4], uint8_t (&high)[4]) const {
-        for (int32_t x = 1; x < m_width; ++x) {
-            for (int32_t i = 0; i < 4; ++i) {
-                low[i] = std::min(low[i], row[x * 4 + i]);
-                high[i] = std::max(high[i], row[x * 4 + i]);
-            }
-        }
     }
 
     static KeyRange RangeOf(const uint8_t (&low)[4], const uint8_t (&high)[4]) {

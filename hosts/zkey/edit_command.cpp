@@ -95,9 +95,14 @@ std::string Plural(int32_t count, const char *word) { return std::to_string(coun
 class Session {
 public:
     explicit Session(const EditCommand &command) : m_command(command) {
-        if (!command.keyFile.empty()) TellLoaded(m_keyer.LoadKey(command.keyFile, false));
+        std::optional<CHROMA_KEY_RAW> loaded;
+        if (!command.keyFile.empty()) loaded = m_keyer.LoadKey(command.keyFile, false);
         m_still = ReadStill(m_keyer, command.still);
         m_editor.emplace(m_keyer, m_still.frame.get());
+        if (loaded) {
+            TellLoaded(*loaded);
+            RestoreSoftness(*loaded);
+        }
         m_empty = EmptyEntries(m_editor->Key());
         if (m_empty > 0) Note(EmptyText(m_empty));
     }
@@ -275,6 +280,14 @@ private:
                  " entries, which become twice as many in an edit: " + Plural(lost, "protected colour") +
                  " at the end of the key fall off");
         }
+    }
+
+    /// A saved key has the softness in its colours, but in its adjustment that of the protected ones stands in both places.
+    void RestoreSoftness(const CHROMA_KEY_RAW &key) {
+        const int32_t used = std::clamp(key.nKeysUsed, 0, kMostEntries);
+        const auto *first = std::find_if(key.arrKeys, key.arrKeys + used,
+                                         [](const SINGLE_KEY &k) { return k.nDelta != 0 && k.nReverseKey <= 0; });
+        if (first != key.arrKeys + used) m_editor->Adjust(eCKA_Transparent, first->nSmoothRange / 255.0);
     }
 
     static std::string EmptyText(int32_t count) {

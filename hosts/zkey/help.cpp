@@ -163,7 +163,7 @@ std::string DetectHelp() { return kDetect; }
 
 std::string EditHelp() {
     return kEdit + StepsHelp() +
-           "\nA first try:  zkey edit still.png detect set Colors=0.3 preview out.png save key.xml\n"
+           "\nA first try:  zkey edit still.png detect set Power=0.2 preview out.png save key.xml\n"
            "Without max_keys each pick widens the one colour that there is; max_keys=4 opens more.\n";
 }
 

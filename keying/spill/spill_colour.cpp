@@ -24,8 +24,6 @@ uint8_t HlsChannel(float m1, float m2, float x) {
     return static_cast<uint8_t>(v * 255.0F + 0.5F);
 }
 
-uint8_t Clipped(int32_t sum) { return static_cast<uint8_t>(std::clamp(sum >> 16, 0, 255)); }
-
 }    // namespace
 
 KeyBytes KeyBytesOf(int32_t word) {
@@ -44,13 +42,6 @@ KeyBytes HlsToRgb(KeyBytes hls) {
     const float down = h - 120.0F;
     return {{HlsChannel(m1, m2, up > 360.0F ? up - 360.0F : up), HlsChannel(m1, m2, h),
              HlsChannel(m1, m2, down < 0.0F ? down + 360.0F : down)}};
-}
-
-KeyBytes YuvToRgb(KeyBytes yuv) {
-    const int32_t y = yuv.b[0] << 16;
-    const int32_t u = yuv.b[1] - 128;
-    const int32_t v = yuv.b[2] - 128;
-    return {{Clipped(y + 74711 * v), Clipped(y - 25821 * u - 38076 * v), Clipped(y + 133169 * u)}};
 }
 
 SpillColour SpillColourOf(const CHROMA_KEY_RAW &key) {

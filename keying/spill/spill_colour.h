@@ -1,6 +1,7 @@
 // The colour that spill is moved away from, as the anti-spill works with it.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
 #include "zchromakey/key_types.h"
@@ -17,7 +18,13 @@ KeyBytes KeyBytesOf(int32_t word);
 KeyBytes HlsToRgb(KeyBytes hls);
 
 /// Y, U, V of the key space to that space's red, green, blue; in it red and blue are exchanged.
-KeyBytes YuvToRgb(KeyBytes yuv);
+inline KeyBytes YuvToRgb(KeyBytes yuv) {
+    const auto clipped = [](int32_t sum) { return static_cast<uint8_t>(std::clamp(sum >> 16, 0, 255)); };
+    const int32_t y = yuv.b[0] << 16;
+    const int32_t u = yuv.b[1] - 128;
+    const int32_t v = yuv.b[2] - 128;
+    return {{clipped(y + 74711 * v), clipped(y - 25821 * u - 38076 * v), clipped(y + 133169 * u)}};
+}
 
 struct SpillColour {
     KeyBytes rgb;
