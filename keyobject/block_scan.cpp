@@ -27,6 +27,37 @@ int32_t Distance(const uint8_t *a, const uint8_t *b) {
     return d0 * d0 + d1 * d1 + d2 * d2;
 }
 
+/// A vector of the compiler's: bytes are compared 16 at a time on every processor that the library runs on.
+using FourPixels = uint8_t __attribute__((vector_size(16)));
+
+FourPixels LoadFour(const uint8_t *pixels) {
+    FourPixels four;
+    std::memcpy(&four, pixels, sizeof(four));
+    return four;
+}
+
+/// A pixel four times.
+FourPixels Repeated(const uint8_t (&pixel)[4]) {
+    FourPixels four;
+    for (size_t i = 0; i < sizeof(four); ++i) four[i] = pixel[i % 4];
+    return four;
+}
+
+/// `limit` for the colour bytes, anything for alpha.
+FourPixels ColourLimit(int32_t limit) {
+    const auto byte = static_cast<uint8_t>(std::min(limit, 255));
+    const uint8_t pixel[4] = {byte, byte, byte, 255};
+    return Repeated(pixel);
+}
+
+/// No byte differs by more than that of `limit`.
+bool AllWithin(FourPixels a, FourPixels b, FourPixels limit) {
+    const auto beyond = (a > b ? a : b) - (a > b ? b : a) > limit;
+    uint64_t halves[2];
+    std::memcpy(halves, &beyond, sizeof(halves));
+    return (halves[0] | halves[1]) == 0;
+}
+
 /// The smallest and the greatest of each of the four bytes of some pixels.
 struct ByteBox {
     uint8_t low[4];
@@ -43,28 +74,19 @@ struct ByteBox {
         }
     }
     void Include(const uint8_t *pixels, int32_t count) {
-        constexpr int32_t kGroup = 16;    // bytes, four pixels
-        uint8_t lows[kGroup];
-        uint8_t highs[kGroup];
-        for (int32_t i = 0; i < kGroup; ++i) {
-            lows[i] = low[i % 4];
-            highs[i] = high[i % 4];
+        FourPixels lows = Repeated(low);
+        FourPixels highs = Repeated(high);
+        for (; count >= 4; count -= 4, pixels += sizeof(FourPixels)) {
+            const FourPixels four = LoadFour(pixels);
+            lows = four < lows ? four : lows;
+            highs = four > highs ? four : highs;
         }
-        for (; count >= 4; count -= 4, pixels += kGroup) {
-            for (int32_t i = 0; i < kGroup; ++i) lows[i] = std::min(lows[i], pixels[i]);
-            for (int32_t i = 0; i < kGroup; ++i) highs[i] = std::max(highs[i], pixels[i]);
+        for (size_t i = 0; i < sizeof(FourPixels); ++i) {
+            low[i % 4] = std::min<uint8_t>(low[i % 4], lows[i]);
+            high[i % 4] = std::max<uint8_t>(high[i % 4], highs[i]);
         }
-        for (int32_t i = 0; i < 4 * count; ++i) {
-            lows[i] = std::min(lows[i], pixels[i]);
-            highs[i] = std::max(highs[i], pixels[i]);
-        }
-        for (int32_t i = 0; i < kGroup; ++i) {
-            low[i % 4] = std::min(low[i % 4], lows[i]);
-            high[i % 4] = std::max(high[i % 4], highs[i]);
-        }
+        for (; count > 0; --count, pixels += 4) Include(ByteBox(pixels));
     }
-    /// No two pixels of the box are farther apart.
-    int32_t SquaredSpan() const { return Distance(low, high); }
 };
 
 /// Which screens each byte of an HLS pixel admits, a bit each; alpha admits all.
@@ -90,11 +112,8 @@ private:
     uint32_t Screens(const uint8_t *hls) const { return admits[0][hls[0]] & admits[1][hls[1]] & admits[2][hls[2]]; }
 };
 
-/// The threshold as a squared distance. No distance is above 195075, so that from 256 on nothing is rejected.
-int32_t SquareOf(int32_t threshold) {
-    const auto t = static_cast<int32_t>(std::min<int64_t>(std::abs(int64_t{threshold}), 256));
-    return t * t * 3;
-}
+/// No distance is above 195075, so that from 256 on nothing is rejected.
+int32_t ThresholdOf(int32_t threshold) { return static_cast<int32_t>(std::min<int64_t>(std::abs(int64_t{threshold}), 256)); }
 
 class Scanner {
 public:
@@ -104,7 +123,9 @@ public:
           m_ranges(*ranges),
           m_width(image.Width() / scan.blocks),
           m_height(image.Rows() / scan.blocks),
-          m_square(SquareOf(scan.threshold)),
+          m_square(3 * ThresholdOf(scan.threshold) * ThresholdOf(scan.threshold)),
+          m_near(ColourLimit(ThresholdOf(scan.threshold))),
+          m_far(ColourLimit(2 * ThresholdOf(scan.threshold))),
           m_hls(image.Space() == KeySpace::Hls ? 0 : static_cast<size_t>(m_width) * 4) {}
 
     void Run() {
@@ -162,20 +183,11 @@ private:
     bool Analyse(int64_t bx, int64_t by, KeyRange *range) {
         const uint8_t *first = Pixel(bx, by, 0);
         ByteBox block(first);
-        ByteBox above = block;
         for (int32_t y = 0; y < m_height; ++y) {
             const uint8_t *row = Pixel(bx, by, y);
-            ByteBox rowBox(row);
-            rowBox.Include(row + 4, m_width - 1);
-            ByteBox near = rowBox;
-            near.Include(above);
-            near.Include(first, 1);
-            // A row that lies so close together passes all comparisons.
-            const bool flat =
-                near.SquaredSpan() <= m_square || RowIsFlat(row, y > 0 ? row - m_image.RowBytes() : nullptr, first);
-            if (!flat || !RowIsScreen(row)) return false;
+            const uint8_t *above = y > 0 ? row - m_image.RowBytes() : nullptr;
+            if (!RowIsFlat(row, above, first) || !RowIsScreen(row)) return false;
             block.Include(row + 4, m_width - 1);
-            above = rowBox;
         }
         *range = RangeOf(block.low, block.high);
         return true;
@@ -183,13 +195,30 @@ private:
 
     // The first column is compared with and takes no part otherwise.
     bool RowIsFlat(const uint8_t *row, const uint8_t *above, const uint8_t *first) const {
-        for (int32_t x = 1; x < m_width; ++x) {
-            const uint8_t *p = row + x * 4;
-            if (Distance(p, first) > 4 * m_square || Distance(p, p - 4) > m_square) return false;
-            if (above == nullptr) continue;
-            if (Distance(p, above + x * 4) > m_square || Distance(p, above + x * 4 - 4) > m_square) return false;
+        int32_t x = 1;
+        for (; x + 4 <= m_width; x += 4) {
+            if (FourAreFlat(row + x * 4, above == nullptr ? nullptr : above + x * 4, first)) continue;
+            for (int32_t i = x; i < x + 4; ++i) {
+                if (!IsFlat(row + i * 4, above == nullptr ? nullptr : above + i * 4, first)) return false;
+            }
+        }
+        for (; x < m_width; ++x) {
+            if (!IsFlat(row + x * 4, above == nullptr ? nullptr : above + x * 4, first)) return false;
         }
         return true;
+    }
+
+    bool IsFlat(const uint8_t *p, const uint8_t *above, const uint8_t *first) const {
+        if (Distance(p, first) > 4 * m_square || Distance(p, p - 4) > m_square) return false;
+        return above == nullptr || (Distance(p, above) <= m_square && Distance(p, above - 4) <= m_square);
+    }
+
+    // Where no byte differs by more than the threshold, no distance is above the limit.
+    bool FourAreFlat(const uint8_t *p, const uint8_t *above, const uint8_t *first) const {
+        const uint8_t origin[4] = {first[0], first[1], first[2], first[3]};
+        const FourPixels four = LoadFour(p);
+        if (!AllWithin(four, Repeated(origin), m_far) || !AllWithin(four, LoadFour(p - 4), m_near)) return false;
+        return above == nullptr || (AllWithin(four, LoadFour(above), m_near) && AllWithin(four, LoadFour(above - 4), m_near));
     }
 
     bool RowIsScreen(const uint8_t *row) {
@@ -236,7 +265,9 @@ private:
     KeyRangeSet &m_ranges;
     const int32_t m_width;     // of a block
     const int32_t m_height;    // of a block
-    const int32_t m_square;
+    const int32_t m_square;    // the threshold as a squared distance
+    const FourPixels m_near;
+    const FourPixels m_far;
     std::vector<uint8_t> m_hls;
 };
 
