@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "frames/factory/factory.h"
+#include "keyobject/block_dump.h"
 #include "keyobject/block_picture.h"
 #include "keyobject/block_scan.h"
 #include "keyobject/key_options.h"
@@ -54,6 +55,7 @@ HRESULT CCoZKeyValue::KeyDetect(BSTR _bsProps, IUnknown **_ppZFrameRes) {
         step.excludeRanges.count = 0;
         RangeSetLimit(step.addRanges, detect.maxKeys);
         ScanBlocks(m_work, detect.scan, &step.addRanges);
+        DumpBlocks(m_work);
         if (detect.scan.paint) m_work.Spend();
         if (step.addRanges.count > 0) StepRebuild(step, detect.space);
         StepPut(step);

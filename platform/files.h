@@ -18,6 +18,9 @@ HRESULT FileRead(TextView path, size_t bytesMax, std::string &out) noexcept;
 /// Creates the file, or empties an old one, and writes the bytes.
 HRESULT FileWrite(TextView path, std::string_view bytes) noexcept;
 
+/// Paths begin with a drive's letter.
+bool SystemHasDrives() noexcept;
+
 /// Something has this path, be it a file or a folder.
 bool FileExists(TextView path) noexcept;
 

@@ -76,6 +76,8 @@ HRESULT FileWrite(TextView path, std::string_view bytes) noexcept {
     });
 }
 
+bool SystemHasDrives() noexcept { return false; }
+
 bool FileExists(TextView path) noexcept {
     if (HasZero(path)) return false;
     struct stat facts;

@@ -72,6 +72,8 @@ HRESULT FileWrite(TextView path, std::string_view bytes) noexcept {
     });
 }
 
+bool SystemHasDrives() noexcept { return true; }
+
 bool FileExists(TextView path) noexcept {
     if (HasZero(path)) return false;
     return SUCCEEDED(

@@ -1,5 +1,6 @@
 // `KeyDetect`: parameters, the blocks that it accepts, and what becomes of key, ranges, history and picture.
 #include "keyobject/block_scan.h"
+#include "platform/files.h"
 #include "tests/keyobject/key_fixture.h"
 #include "tests/keyobject/own_frame.h"
 
@@ -42,6 +43,14 @@ TEST_F(Detection, RefusalsComeInTheirOrderAndChangeNothing) {
     ASSERT_EQ(Set(eCKA_Power, 0.5), S_OK);
     ASSERT_EQ(Back(), S_OK);
     EXPECT_TRUE(SameKey(Raw(), CHROMA_KEY_RAW{}));
+}
+
+// Where the system has drives, the search leaves a picture on one of them if it is there; nowhere else is one made.
+TEST_F(Detection, NoFileIsMadeInTheWorkingFolder) {
+    SetUniform(kGreen);
+    ASSERT_EQ(Detect("type=RGB"), S_OK);
+    EXPECT_TRUE(SystemHasDrives() || !FileExists(ZCK_TEXT("F:\\CK.bmp")));
+    EXPECT_FALSE(FileExists(ZCK_TEXT("CK.bmp")));
 }
 
 TEST_F(Detection, AUniformScreenIsOneThinKey) {
