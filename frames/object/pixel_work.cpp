@@ -29,7 +29,7 @@ void UnsureBytesClear(const Z_VID_PROPS &props, uint8_t *pixels, int64_t size) {
 HRESULT ConvertOtherwise(const PixelJob &job) {
     const bool whole = job.targetProps.nWidth % 2 == 0 && ColorConvertServes(job.sourceProps.fccType, job.targetProps.fccType);
     if (!job.bZeroed && !whole) std::memset(job.target, 0, job.targetSize);
-    ImgConvertState state;
+    ImgScaleState state;
     const HRESULT hr =
         ImgConvert(&state, job.source, job.sourceSize, job.target, job.targetSize, &job.sourceProps, &job.targetProps);
     return SUCCEEDED(hr) ? S_OK : hr;

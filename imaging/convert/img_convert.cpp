@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 
+#include "frames/media/video_props.h"
 #include "imaging/colour/normalize_rects.h"
 #include "imaging/colour/row_order.h"
 
@@ -24,7 +25,7 @@ bool SameSize(const tagRECT &a, const tagRECT &b) {
 
 }    // namespace
 
-HRESULT ImgConvert(ImgConvertState *state, const uint8_t *src, int64_t srcBytes, uint8_t *dst, int64_t dstBytes,
+HRESULT ImgConvert(ImgScaleState *state, const uint8_t *src, int64_t srcBytes, uint8_t *dst, int64_t dstBytes,
                    const Z_VID_PROPS *sp, const Z_VID_PROPS *tp) {
     if (state == nullptr || src == nullptr || dst == nullptr || sp == nullptr || tp == nullptr) return E_INVALIDARG;
     ImageView source;
@@ -37,7 +38,7 @@ HRESULT ImgConvert(ImgConvertState *state, const uint8_t *src, int64_t srcBytes,
     hr = NormalizeRects(&source.desc, &target.desc, &from, &to, true, nullptr, nullptr);
     if (hr != S_OK) return hr;
     if (!SameSize(from, to)) return E_INVALIDARG;
-    return ColorConvertViews(state, src, dst, source, target, &from, &to);
+    return Img_Convert(state, src, dst, source, target, &from, &to, {FieldOrderSign(sp) != 0, kResizeCubic, 0, 0});
 }
 
 }    // namespace zck

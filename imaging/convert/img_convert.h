@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "imaging/colour/color_convert.h"
+#include "imaging/engines/img_convert.h"
 #include "zchromakey/media_types.h"
 
 namespace zck {
@@ -17,7 +17,7 @@ namespace zck {
 /// `S_OK`; `S_FALSE` when there is nothing to convert, as in a picture of one column; `E_INVALIDARG` without state, image or
 /// record, and for images of different size; `E_UNEXPECTED` for a record without size or row bytes; 0x80040248 when a memory
 /// does not hold its image.
-HRESULT ImgConvert(ImgConvertState *state, const uint8_t *src, int64_t srcBytes, uint8_t *dst, int64_t dstBytes,
+HRESULT ImgConvert(ImgScaleState *state, const uint8_t *src, int64_t srcBytes, uint8_t *dst, int64_t dstBytes,
                    const Z_VID_PROPS *sp, const Z_VID_PROPS *tp);
 
 }    // namespace zck

@@ -13,9 +13,7 @@ namespace zck {
 /// Of one plane (or of an RGB image, plane 0): tap tables, resizers and scratch.
 struct ImgScaleState : ImgConvertState {
     PlaneResizer plane[3];
-    std::vector<uint8_t> scratch[5];
-    /// Planes may be resized on threads of their own; the bytes are the same.
-    bool bPlanesInParallel = true;
+    std::vector<uint8_t> scratch[3];
 };
 
 /// The state of the engines for one caller at a time: scratch and tables grow on demand and stay, and a conversion of a kind

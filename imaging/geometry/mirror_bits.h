@@ -14,7 +14,8 @@ enum MirrorIndex : int32_t { kMirrorHorz = 1, kMirrorVert = 2, kMirrorHorzVert =
 /// stays), so that its fields keep their order in time. Row padding stays but for that move. `nIndex`: a `MirrorIndex`.
 ///
 /// S_OK; `E_POINTER` without image or record; `E_INVALIDARG` for another index; `E_NOTIMPL` for planar formats, v210, RGB8 and
-/// others that are not served; `E_UNEXPECTED` for a record without size; 0x80040248 when the memory does not hold the image.
+/// others that are not served; 0x80040200 for a record without size or row bytes; 0x80040248 when the memory does not hold the
+/// image.
 HRESULT MirrorBits(uint8_t *bits, int64_t bytes, const Z_VID_PROPS *props, int32_t nIndex);
 
 }    // namespace zck

@@ -13,7 +13,8 @@ namespace zck {
 /// What a turn keeps from frame to frame.
 struct RotateScratch {
     Resizer resizer[3];
-    std::vector<uint8_t> source;
+    std::vector<uint8_t> planes;
+    std::vector<uint8_t> widened;
     std::vector<uint8_t> resized;
 };
 

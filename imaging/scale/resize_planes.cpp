@@ -37,9 +37,9 @@ struct PlaneScaler::Reader {
 
 HRESULT PlaneScaler::PreparePart(int32_t plane, int32_t quality) {
     Part &part = m_part[plane];
-    part.source = PlaneRect(m_source, plane);
-    part.target = PlaneRect(m_target, plane);
-    part.whole = PlaneSize(m_target, plane);
+    part.source = m_source.part[plane];
+    part.target = m_target.part[plane];
+    part.whole = m_target.Whole(plane);
     part.pixel = m_bPixels ? 4 : 1;
     part.fill = m_bPixels ? 0 : plane == 0 ? kBlackLuma : kNoColour;
     part.copy = Same(part.source, part.target);

@@ -205,7 +205,7 @@ TEST_F(ConvertedClones, OneLinePicturesAreOneLine) {
 // Between planes, YVYU and everything else, over soiled buffers; an odd last column is 0.
 TEST_F(ConvertedClones, PlanesAndYvyuAreConverted) {
     const std::vector<eZFCC> formats = test::PictureFormats();
-    ImgConvertState state;
+    ImgScaleState state;
     for (const eZFCC from : formats)
         for (const eZFCC to : formats)
             for (const int32_t width : {48, 47, 1}) {

@@ -15,7 +15,7 @@ using test::ModelColorConvert;
 using test::PlanarPicture;
 
 HRESULT Convert(const PlanarPicture &src, PlanarPicture &dst) {
-    ImgConvertState state;
+    ImgScaleState state;
     const Z_VID_PROPS sp = src.Props(), tp = dst.Props();
     return ImgConvert(&state, src.memory.data(), static_cast<int64_t>(src.memory.size()), dst.memory.data(),
                       static_cast<int64_t>(dst.memory.size()), &sp, &tp);
@@ -61,7 +61,7 @@ TEST(ImgConvert, FormatsThatAreNotServedSucceed) {
 }
 
 TEST(ImgConvert, Failures) {
-    ImgConvertState state;
+    ImgScaleState state;
     PlanarPicture src = MakePlanarPicture(eZFCC_I420, 8, 4, 0, 1);
     PlanarPicture dst = MakePlanarPicture(eZFCC_ARGB32, 8, -4, 0, 2);
     const PlanarPicture before = dst;

@@ -128,7 +128,7 @@ TEST(ResizePlanes, OutsideTheRectangleIsBlack) {
     for (const bool copied : {true, false}) {
         const Picture a(eZFCC_UYVY, copied ? 8 : 12, 6, 1);
         Picture uyvy(eZFCC_UYVY, 16, 10, 2);
-        uyvy.image.rect = {4, 2, 12, 8};
+        uyvy.image.SetPart({4, 2, 12, 8});
         ASSERT_EQ(ResizePlanes(&scaler, a.image, uyvy.image, 4, 2), S_OK);
         EXPECT_EQ(Bytes(uyvy.memory.begin(), uyvy.memory.begin() + 4), Bytes({128, 16, 128, 16}));
         EXPECT_EQ(Bytes(uyvy.memory.end() - 4, uyvy.memory.end()), Bytes({128, 16, 128, 16}));
@@ -136,17 +136,17 @@ TEST(ResizePlanes, OutsideTheRectangleIsBlack) {
                   Bytes({128, 16, 128, 16, 128, 16, 128, 16}));
         EXPECT_TRUE(!copied || std::memcmp(uyvy.Row(2) + 8, a.Row(0), 16) == 0);
         Picture fromPlanes(eZFCC_ARGB32, 16, -10, 3);
-        fromPlanes.image.rect = {4, 2, 12, 8};
+        fromPlanes.image.SetPart({4, 2, 12, 8});
         ASSERT_EQ(ResizePlanes(&scaler, a.image, fromPlanes.image, 4, 2), S_OK);
         EXPECT_EQ(Bytes(fromPlanes.memory.begin(), fromPlanes.memory.begin() + 4), Bytes({0, 0, 0, 255}))
             << "planes know no alpha";
         const Picture rgb(eZFCC_ARGB32, copied ? 8 : 12, 6, 4);
         Picture wrapped(eZFCC_ARGB32, 16, -10, 5);
-        wrapped.image.rect = {4, 2, 12, 8};
+        wrapped.image.SetPart({4, 2, 12, 8});
         ASSERT_EQ(ResizePlanes(&scaler, rgb.image, wrapped.image, 4, 2), S_OK);
         EXPECT_EQ(Bytes(wrapped.memory.begin(), wrapped.memory.begin() + 4), Bytes({0, 0, 0, 0}));
         Picture i420(eZFCC_I420, 16, 10, 6);
-        i420.image.rect = {4, 2, 12, 8};
+        i420.image.SetPart({4, 2, 12, 8});
         ASSERT_EQ(ResizePlanes(&scaler, a.image, i420.image, 4, 2), S_OK);
         EXPECT_EQ(i420.memory[0], 16);
         EXPECT_EQ(i420.memory[160], 128);
@@ -159,7 +159,7 @@ TEST(ResizePlanes, ARectangleOfTheSourceIsAPictureOfItsOwn) {
     Picture cut(eZFCC_UYVY, 24, 10, 2);
     for (int32_t y = 0; y < 10; ++y) std::memcpy(cut.memory.data() + 48 * y, a.Row(4 + y) + 16, 48);
     ScaleImage part = a.image;
-    part.rect = {8, 4, 32, 14};
+    part.SetPart({8, 4, 32, 14});
     Picture b(eZFCC_YUY2, 17, 9, 3), c(eZFCC_YUY2, 17, 9, 3);
     PlaneScaler scaler;
     ASSERT_EQ(ResizePlanes(&scaler, part, b.image, 16, 2), S_OK);
@@ -173,8 +173,8 @@ TEST(ResizePlanes, FieldsAreEveryOtherRow) {
     EXPECT_EQ(odd.rows, 11);
     EXPECT_EQ(odd.plane[0], a.Row(1));
     EXPECT_EQ(odd.step[0], 16);
-    EXPECT_EQ(PlaneSize(a.image, 1).rows, 11);
-    EXPECT_EQ(PlaneSize(odd, 1).rows, 5);
+    EXPECT_EQ(a.image.Whole(1).rows, 11);
+    EXPECT_EQ(odd.Whole(1).rows, 5);
     EXPECT_EQ(odd.plane[1], a.Row(1, 1));
     const Picture b(eZFCC_RGB32, 8, 7, 1);
     const ScaleImage up = SplitField(b.image, 0);
@@ -182,10 +182,11 @@ TEST(ResizePlanes, FieldsAreEveryOtherRow) {
     EXPECT_EQ(up.step[0], -64);
     EXPECT_EQ(up.rows, 3);
     ScaleImage part = a.image;
-    part.rect = {0, 6, 8, 19};
+    part.SetPart({0, 6, 8, 19});
     const ScaleImage half = SplitField(part, 0);
-    EXPECT_EQ(half.rect.top, 3);
-    EXPECT_EQ(half.rect.bottom, 9) << "13 rows halve to 6";
+    EXPECT_EQ(half.part[0].top, 3);
+    EXPECT_EQ(half.part[0].rows, 6) << "of 13";
+    EXPECT_EQ(half.part[1].rows, 3) << "each plane by itself: 6 rows of chroma";
 }
 
 TEST(ResizePlanes, Statuses) {
@@ -196,7 +197,7 @@ TEST(ResizePlanes, Statuses) {
     EXPECT_EQ(ResizePlanes(nullptr, a.image, b.image, 4, 2), E_POINTER);
     EXPECT_EQ(ResizePlanes(&scaler, ScaleImage(), b.image, 4, 2), kVfwEInvalidSubtype);
     EXPECT_EQ(ResizePlanes(&scaler, a.image, b.image, 3, 2), E_FAIL);
-    b.image.rect = {4, 2, 4, 4};
+    b.image.SetPart({4, 2, 4, 4});
     EXPECT_EQ(ResizePlanes(&scaler, a.image, b.image, 4, 2), E_FAIL);
     EXPECT_EQ(b.memory, before);
     // One column has no chroma, and two such pictures are equal there.

@@ -1,0 +1,68 @@
+#include "imaging/geometry/mirror_bits.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+#include "frames/media/pixel_format.h"
+#include "frames/media/video_props.h"
+#include "imaging/colour/row_order.h"
+#include "imaging/primitives/mirror.h"
+#include "platform/status.h"
+
+namespace zck {
+namespace {
+
+// A record that describes no picture.
+constexpr HRESULT kNoPicture = StatusOf(0x80040200);
+
+constexpr int32_t kAxis[4] = {-1, kMirrorColumns, kMirrorRows, kMirrorBoth};
+
+// Which byte of a pair of pixels comes first and so on, once the pairs are reversed as two words.
+constexpr int32_t kChromaFirst[4] = {2, 1, 0, 3};
+constexpr int32_t kLumaFirst[4] = {0, 3, 2, 1};
+
+struct Image {
+    uint8_t *bits;
+    int64_t step;
+    ROI size;
+    eZFCC fcc;
+};
+
+bool Is422(eZFCC fcc) { return fcc == eZFCC_UYVY || fcc == eZFCC_HDYC || fcc == eZFCC_YUY2 || fcc == eZFCC_YVYU; }
+
+int32_t MirrorPixels(const Image &image, int32_t axis) {
+    if (image.fcc == eZFCC_RGB24) return Mirror_8u_C3IR(image.bits, image.step, image.size, axis);
+    if (!Is422(image.fcc)) return Mirror_8u_C4IR(image.bits, image.step, image.size, axis);
+    const int32_t status = Mirror_16u_C1IR(image.bits, image.step, image.size, axis);
+    const ROI pairs = {image.size.width / 2, image.size.height};
+    if (status != kPrimitiveOk || axis == kMirrorRows || pairs.width < 1) return status;
+    // In YVYU it is the luma that changes places: Cb and Cr stay exchanged.
+    return SwapChannels_8u_C4IR(image.bits, image.step, pairs, image.fcc == eZFCC_YUY2 ? kLumaFirst : kChromaFirst);
+}
+
+// The picture moves up by one row, whatever its row order is; the last row stays.
+void MoveUp(const Z_VID_PROPS &props, uint8_t *bits, int64_t bytes, int64_t row) {
+    const int64_t whole = std::min<int64_t>(FrameBufferSize(&props), bytes);
+    if (whole > row) std::memmove(bits, bits + row, static_cast<size_t>(whole - row));
+}
+
+}    // namespace
+
+HRESULT MirrorBits(uint8_t *bits, int64_t bytes, const Z_VID_PROPS *props, int32_t nIndex) {
+    if (bits == nullptr || props == nullptr) return E_POINTER;
+    if (nIndex < kMirrorHorz || nIndex > kMirrorHorzVert) return E_INVALIDARG;
+    const eZFCC fcc = props->fccType;
+    if (!Is422(fcc) && fcc != eZFCC_RGB24 && fcc != eZFCC_RGB32 && fcc != eZFCC_ARGB32) return E_NOTIMPL;
+    Z_VID_PROPS record = *props;
+    int64_t offset = 0;
+    if (NormaliseRecord(&record, &offset, nullptr) != S_OK || record.nWidth < 1 || record.nHeight == 0) return kNoPicture;
+    record.nRowBytes = std::abs(record.nRowBytes);
+    if (VideoBytesNeeded(record) > bytes) return kVfwEInvalidMediaType;
+    const Image image = {bits, record.nRowBytes, {record.nWidth, std::abs(record.nHeight)}, fcc};
+    if (MirrorPixels(image, kAxis[nIndex]) != kPrimitiveOk) return E_FAIL;
+    if (nIndex != kMirrorHorz && FieldOrderSign(&record) != 0) MoveUp(record, bits, bytes, image.step);
+    return S_OK;
+}
+
+}    // namespace zck
