@@ -94,7 +94,7 @@ bool Known(HRESULT hr) {
 TEST(AbsurdRecords, ConversionsStayInsideTheirMemories) {
     const uint32_t seed = 97001;
     Dice dice(seed);
-    zck::ImgConvertState state;
+    zck::ImgScaleState state;
     int32_t done = 0, refused = 0;
     for (int32_t round = 0; round < 24000; ++round) {
         const Z_VID_PROPS sp = AnyRecord(dice), tp = AnyRecord(dice);
