@@ -26,7 +26,7 @@ const std::vector<eZFCC> &Pictures() {
 TEST(WithoutRoute, EveryPairAgreesWithTheModel) {
     const uint32_t seed = 92004;
     Dice dice(seed);
-    zck::ImgConvertState state;
+    zck::ImgScaleState state;
     for (int round = 0; round < 25; ++round)
         for (const eZFCC from : Pictures())
             for (const eZFCC to : Pictures()) {
@@ -61,7 +61,7 @@ TEST(WithoutRoute, EveryPairAgreesWithTheModel) {
 }
 
 TEST(WithoutRoute, BadInputWritesNothing) {
-    zck::ImgConvertState state;
+    zck::ImgScaleState state;
     Bytes src(8192, 1), dst(8192, 2);
     const Z_VID_PROPS i420 = Picture(eZFCC_I420, 16, 8), uyvy = Picture(eZFCC_UYVY, 16, 8);
     const auto convert = [&](const Z_VID_PROPS &a, int64_t have, const Z_VID_PROPS &b, int64_t room) {
