@@ -22,6 +22,8 @@ constexpr int32_t kAxis[4] = {-1, kMirrorColumns, kMirrorRows, kMirrorBoth};
 constexpr int32_t kChromaFirst[4] = {2, 1, 0, 3};
 constexpr int32_t kLumaFirst[4] = {0, 3, 2, 1};
 
+constexpr int32_t kBand = 16;    // rows
+
 struct Image {
     uint8_t *bits;
     int64_t step;
@@ -31,14 +33,29 @@ struct Image {
 
 bool Is422(eZFCC fcc) { return fcc == eZFCC_UYVY || fcc == eZFCC_HDYC || fcc == eZFCC_YUY2 || fcc == eZFCC_YVYU; }
 
+// In YVYU it is the luma that changes places: Cb and Cr stay exchanged.
+int32_t SwapChroma(const Image &image) {
+    const ROI pairs = {image.size.width / 2, image.size.height};
+    if (pairs.width < 1) return kPrimitiveOk;
+    return SwapChannels_8u_C4IR(image.bits, image.step, pairs, image.fcc == eZFCC_YUY2 ? kLumaFirst : kChromaFirst);
+}
+
+int32_t Mirror422(const Image &image, int32_t axis) {
+    const int32_t status = Mirror_16u_C1IR(image.bits, image.step, image.size, axis);
+    return status != kPrimitiveOk || axis == kMirrorRows ? status : SwapChroma(image);
+}
+
 int32_t MirrorPixels(const Image &image, int32_t axis) {
     if (image.fcc == eZFCC_RGB24) return Mirror_8u_C3IR(image.bits, image.step, image.size, axis);
     if (!Is422(image.fcc)) return Mirror_8u_C4IR(image.bits, image.step, image.size, axis);
-    const int32_t status = Mirror_16u_C1IR(image.bits, image.step, image.size, axis);
-    const ROI pairs = {image.size.width / 2, image.size.height};
-    if (status != kPrimitiveOk || axis == kMirrorRows || pairs.width < 1) return status;
-    // In YVYU it is the luma that changes places: Cb and Cr stay exchanged.
-    return SwapChannels_8u_C4IR(image.bits, image.step, pairs, image.fcc == eZFCC_YUY2 ? kLumaFirst : kChromaFirst);
+    if (axis != kMirrorColumns) return Mirror422(image, axis);
+    // Band by band, so that the second step finds its rows in the cache.
+    int32_t status = kPrimitiveOk;
+    for (int32_t y = 0; y < image.size.height && status == kPrimitiveOk; y += kBand) {
+        const ROI size = {image.size.width, std::min(image.size.height - y, kBand)};
+        status = Mirror422({image.bits + y * image.step, image.step, size, image.fcc}, axis);
+    }
+    return status;
 }
 
 // The picture moves up by one row, whatever its row order is; the last row stays.

@@ -31,10 +31,24 @@ int32_t MirrorCopy(int pixelBytes, const uint8_t *src, int64_t srcStep, uint8_t 
     return ForRows(src, srcStep, dst, dstStep, size, [=](uint8_t *d, const uint8_t *s) { kernel(d, s, size.width); });
 }
 
+// Pieces from both ends change places, each reversed, until the middle fits into the scratch.
 void ReverseRow(uint8_t *row, int32_t width, int pixelBytes) {
+    constexpr int32_t kPiece = 256;
+    uint8_t scratch[2 * kPiece * 4];
+    const RowKernel mirror = MirrorKernel(pixelBytes);
+    const int64_t bytes = int64_t{kPiece} * pixelBytes;
     uint8_t *left = row;
-    uint8_t *right = row + (int64_t{width} - 1) * pixelBytes;
-    for (; left < right; left += pixelBytes, right -= pixelBytes) std::swap_ranges(left, left + pixelBytes, right);
+    uint8_t *right = row + int64_t{width} * pixelBytes;
+    int32_t rest = width;
+    for (; rest > 2 * kPiece; rest -= 2 * kPiece) {
+        right -= bytes;
+        mirror(scratch, left, kPiece);
+        mirror(left, right, kPiece);
+        std::memcpy(right, scratch, static_cast<size_t>(bytes));
+        left += bytes;
+    }
+    mirror(scratch, left, rest);
+    std::memcpy(left, scratch, static_cast<size_t>(int64_t{rest} * pixelBytes));
 }
 
 void SwapRows(uint8_t *a, uint8_t *b, int64_t bytes) {
@@ -51,11 +65,19 @@ int32_t MirrorInPlace(int pixelBytes, uint8_t *dst, int64_t dstStep, ROI size, i
     if (!KnownAxis(axis)) return kPrimitiveBadArgument;
     const int32_t status = PrimitiveCheck(dst, dst, size);
     if (status != kPrimitiveOk) return status;
-    if (axis != kMirrorRows) ForRows(dst, dstStep, size, [=](uint8_t *d) { ReverseRow(d, size.width, pixelBytes); });
-    if (axis == kMirrorColumns) return kPrimitiveOk;
-    const int64_t last = int64_t{size.height} - 1;
-    for (int64_t y = 0; y < last - y; ++y)
-        SwapRows(dst + y * dstStep, dst + (last - y) * dstStep, int64_t{size.width} * pixelBytes);
+    const auto reverse = [=](uint8_t *d) {
+        if (axis != kMirrorRows) ReverseRow(d, size.width, pixelBytes);
+    };
+    if (axis == kMirrorColumns) return ForRows(dst, dstStep, size, reverse);
+    // Row by row what there is to do, while it is in the cache.
+    int64_t y = 0;
+    int64_t last = int64_t{size.height} - 1;
+    for (; y < last; ++y, --last) {
+        reverse(dst + y * dstStep);
+        reverse(dst + last * dstStep);
+        SwapRows(dst + y * dstStep, dst + last * dstStep, int64_t{size.width} * pixelBytes);
+    }
+    if (y == last) reverse(dst + y * dstStep);
     return kPrimitiveOk;
 }
 

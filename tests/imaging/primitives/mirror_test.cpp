@@ -26,7 +26,7 @@ const Case kCases[] = {{1, Mirror_8u_C1R, nullptr},
 TEST(Mirror, EveryAxisPixelAndShape) {
     for (const Case &c : kCases)
         for (const int32_t axis : {0, 1, 2})
-            for (const int32_t width : {1, 2, 7, 40, 700})
+            for (const int32_t width : {1, 2, 7, 40, 512, 700, 1300})
                 for (const int32_t height : {1, 2, 5}) {
                     const int64_t row = int64_t{width} * c.pixelBytes;
                     const int64_t step = row + 3;
