@@ -30,7 +30,7 @@ constexpr int32_t kMostTaps = 12;
 struct TapRows {
     const uint8_t *rows[20];
     TapRows(const uint8_t *s, int32_t taps, int64_t bytes) : rows{} {
-        for (int32_t t = 0; t < taps; ++t) rows[t] = s + t * bytes;
+        for (int32_t t = 0; t < taps; ++t) rows[t] = bytes > 0 ? s + t * bytes : s;
     }
 };
 
