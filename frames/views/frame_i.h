@@ -32,13 +32,14 @@ struct IZFrame_I : IZFrame {
     virtual HRESULT Z_STDCALL FrameDataCopyFrom(IZFrame *_pFrame, int32_t _nMode) = 0;
     /// `FrameAudioReset` through the object's own table.
     virtual HRESULT Z_STDCALL FrameAudioResetFwd(int32_t _cbSize, int64_t _pbAudio) = 0;
-    /// Forwards to `IZFFrame::ZFAudioFromFile`.
+    /// Forwards to `IZFFrame::ZFAudioFromFile`. Not implemented yet: `E_NOTIMPL`.
     virtual HRESULT Z_STDCALL FrameAudioForward(BSTR _bsFileName, int32_t _nFirstSample, int32_t _nSamples, int32_t _bFlag) = 0;
-    /// A new memory stream with the frame in it. The stream is the platform's byte stream interface.
+    /// A new memory stream with the frame in it. The stream is the platform's byte stream interface. Not implemented yet:
+    /// `E_NOTIMPL`.
     virtual HRESULT Z_STDCALL ZFSaveToStream(IUnknown **_ppStream, int32_t _nFlags) = 0;
-    /// Writes the frame at the position of a stream.
+    /// Writes the frame at the position of a stream. Not implemented yet: `E_NOTIMPL`.
     virtual HRESULT Z_STDCALL ZFAddToStream(IUnknown *_pStream, int32_t _nFlags) = 0;
-    /// Reads the frame at the position of a stream.
+    /// Reads the frame at the position of a stream. Not implemented yet: `E_NOTIMPL`.
     virtual HRESULT Z_STDCALL ZFLoadFromStream(IUnknown *_pStream, int32_t _nFlags) = 0;
 };
 Z_INTERFACE_ID(IZFrame_I, 0x6B0F1D32, 0x8E54, 0x4C1B, 0x9A, 0x3E, 0x51, 0x07, 0xD2, 0xA4, 0x88, 0x21);

@@ -14,6 +14,7 @@ struct IZFrames_I : IZFrames {
     /// A clone in another pixel format; 0 keeps the format.
     virtual HRESULT Z_STDCALL FrameCloneConvert(IZFrame *_pFrame, IZFrame_I **_ppFrameRes, eZFrameClone _eCloneType,
                                                 eZFCC _fccPixelFormat) = 0;
+    /// A frame of another format or size, of one or two pictures. Not implemented yet: `E_NOTIMPL`.
     virtual HRESULT Z_STDCALL FramesConvert(IZFrame *_pFrame, IZFrame *_pFrameSecond, Z_VID_PROPS *_pVidPropsDest,
                                             IZFrame **_ppFrameRes, BSTR _bsPropsList) = 0;
     /// A section of at least `_cbSize` usable bytes; the caller owns it until `BufferReturn`.

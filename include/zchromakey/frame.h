@@ -23,11 +23,11 @@ struct IZFrame : IUnknown {
     /// Byte count and address of the pixels, from the start of the part that this frame shows; 0 and 0 without any. Each
     /// output may be null. `S_OK`.
     virtual HRESULT Z_STDCALL FrameVideoGetBytes(int32_t *_pcbSize, int64_t *_ppbVideo) = 0;
-    /// A platform bitmap of the picture, which the caller destroys.
+    /// A platform bitmap of the picture, which the caller destroys. Not implemented yet: `E_NOTIMPL`.
     virtual HRESULT Z_STDCALL FrameVideoGetHbitmap(int64_t *_pcpHBitmap) = 0;
-    /// Saves the picture; the kind of file follows from the extension.
+    /// Saves the picture; the kind of file follows from the extension. Not implemented yet: `E_NOTIMPL`.
     virtual HRESULT Z_STDCALL FrameVideoSaveToFile(BSTR _bsFileName) = 0;
-    /// Saves the audio as a WAV file, or adds it to the end of one.
+    /// Saves the audio as a WAV file, or adds it to the end of one. Not implemented yet: `E_NOTIMPL`.
     virtual HRESULT Z_STDCALL FrameAudioSaveToFile(BSTR _bsFileName, int32_t _bAppend) = 0;
     /// Ancillary data by index, in the order of first insertion: its code, its byte count and its address, which stays good
     /// while the frame holds the entry. A value that was set with a count of 0 comes back in place of the address. Each
@@ -42,8 +42,9 @@ struct IZFrame : IUnknown {
     /// `E_OUTOFMEMORY`.
     virtual HRESULT Z_STDCALL FrameDataSet(int32_t _nDataFCC, int32_t _cbANCData, int64_t _pbANCData) = 0;
     /// A clone; `_eCloneType` says what it takes over. With `_fccPixelFormat` set and different from the frame's, pixels are
-    /// converted, and copied even for a reference; sound then comes along too. A reference clone keeps this frame alive, as
-    /// their pixels are one memory. Ancillary data always come along. The caller releases the clone.
+    /// converted, and copied even for a reference; sound then comes along too. A reference clone keeps the frame alive whose
+    /// pixels they are: this one, or the one from which this one borrows them. A copy is of one moment: no call that turns
+    /// or renames the picture comes in between. Ancillary data always come along. The caller releases the clone.
     ///
     /// `E_POINTER` for a null output; 0x80040248 when the description does not suit the pixels; `E_OUTOFMEMORY`;
     /// `E_NOINTERFACE` or `E_UNEXPECTED` for a frame without a factory. Pixels that cannot be copied for want of memory are
@@ -51,12 +52,13 @@ struct IZFrame : IUnknown {
     virtual HRESULT Z_STDCALL FrameClone(IZFrame **_ppCloneFrame, eZFrameClone _eCloneType, eZFCC _fccPixelFormat) = 0;
     /// A part of the picture, without copying a pixel. `_nField` above 0 takes field 1 or 2 only; `_pRect` (null or empty:
     /// the whole picture) is in pixels from the top left corner, and is cut to the picture; planar pictures ignore it. Outside
-    /// the RGB family its sides move inwards to even columns, and in interlaced pictures to even lines. The cut keeps this
-    /// frame alive. `E_POINTER` for a null output, `E_NOINTERFACE` for a frame without a factory.
+    /// the RGB family its sides move inwards to even columns, and in interlaced pictures to even lines. The cut keeps
+    /// the pixels alive as a reference clone does. `E_POINTER` for a null output, `E_NOINTERFACE` for a frame without a
+    /// factory.
     virtual HRESULT Z_STDCALL FrameCut(int32_t _nField, tagRECT *_pRect, IZFrame **_ppFrameRes) = 0;
-    /// A frame of another format or size.
+    /// A frame of another format or size. Not implemented yet: `E_NOTIMPL`.
     virtual HRESULT Z_STDCALL FrameConvert(Z_VID_PROPS *_pVidPropsDest, IZFrame **_ppFrameRes, BSTR _bsPropsList) = 0;
-    /// Mixes `_pFrameOver` over this frame. `_dblAlpha`: 0 transparent (no mix), 1 solid.
+    /// Mixes `_pFrameOver` over this frame. `_dblAlpha`: 0 transparent (no mix), 1 solid. Not implemented yet: `E_NOTIMPL`.
     virtual HRESULT Z_STDCALL FrameOverlay(IZFrame *_pFrameOver, int32_t _nPosX, int32_t _nPosY, double _dblAlpha,
                                            BSTR _bsPropsList) = 0;
     /// Does nothing and returns `S_FALSE`: the references do all the work.

@@ -29,7 +29,7 @@ struct IZFrames : IUnknown {
     /// that cannot be read; `E_OUTOFMEMORY`.
     virtual HRESULT Z_STDCALL FrameCreateFromProps(Z_VID_PROPS *_pVidProps, int64_t _pbVideo, IZFrame **_ppFrameRes,
                                                    BSTR _bsProps) = 0;
-    /// A frame from an image file, or filled with a colour named by `_bsFileNameOrColor`.
+    /// A frame from an image file, or filled with a colour named by `_bsFileNameOrColor`. Not implemented yet: `E_NOTIMPL`.
     virtual HRESULT Z_STDCALL FrameCreateFromFile(BSTR _bsFileNameOrColor, IZFrame **_ppFrameRes, BSTR _bsProps) = 0;
     /// A frame from a platform bitmap.
     virtual HRESULT Z_STDCALL FrameCreateFromHbitmap(int64_t _pHBitmap, IZFrame **_ppFrameRes, BSTR _bsProps) = 0;

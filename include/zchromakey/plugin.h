@@ -13,6 +13,11 @@ struct IZPlugin : IUnknown {
     /// `S_FALSE` and leaves `_ppFrameRes` as it is. `S_FALSE` also says that the frame was dropped because the output thread
     /// was busy for more than 1000 ms. With `output.thread` false the call keys and returns the frame itself.
     ///
+    /// Keying works in blocks of pixels: columns that fill no block at the right edge keep what the plug-in's alpha plane held.
+    /// So do the bottom rows that are left when the height is divided by `process.threads`, and a frame of fewer rows than
+    /// threads is not keyed at all. Widths that are multiples of 32 and heights that are
+    /// multiples of `process.threads` lose nothing.
+    ///
     /// `E_INVALIDARG` for a null frame or a null result pointer, and, with `output.thread` false, for a key of type
     /// `eCKT_None`, which gives no frame. `E_NOINTERFACE` for a frame whose clone is none of this family. Otherwise a failure
     /// of the frame's `FrameClone`, `E_POINTER` for a frame without pixels, 0x80040248 for a description that states more than

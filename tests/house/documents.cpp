@@ -4,6 +4,7 @@
 #include <fstream>
 #include <iterator>
 #include <regex>
+#include <sstream>
 
 namespace house {
 namespace {
@@ -89,17 +90,56 @@ std::set<std::string> OperationsListed(const Document &document, const std::stri
     return operations;
 }
 
-std::set<std::string> OperationsAbsent(const std::vector<SourceFile> &files) {
+namespace {
+
+// Shows each line of a member function's definition, the name with it.
+template <class Visit>
+void ForEachDefinitionLine(const std::vector<SourceFile> &files, Visit visit) {
     static const std::regex definition(R"(^\S.*\b\w+::([A-Z]\w+)\()");
-    static const std::regex answer(R"(\bE_NOTIMPL\b|\bAbsent\()");
-    std::set<std::string> operations;
     for (const SourceFile &file : files) {
         std::string current;
         for (const std::string &line : file.code) {
             std::smatch match;
             if (std::regex_search(line, match, definition)) current = match[1];
-            if (!current.empty() && std::regex_search(line, answer)) operations.insert(current);
+            if (!current.empty()) visit(current, line);
         }
+    }
+}
+
+}    // namespace
+
+std::set<std::string> OperationsAbsent(const std::vector<SourceFile> &files) {
+    static const std::regex answer(R"(\bE_NOTIMPL\b|\bAbsent\()");
+    std::set<std::string> operations;
+    ForEachDefinitionLine(files, [&](const std::string &name, const std::string &line) {
+        if (std::regex_search(line, answer)) operations.insert(name);
+    });
+    return operations;
+}
+
+std::set<std::string> OperationsForwarding(const std::vector<SourceFile> &files, const std::set<std::string> &operations) {
+    static const std::regex call(R"((?:return |hr = )(?:\w+->)?([A-Z]\w+)\()");
+    std::set<std::string> found;
+    ForEachDefinitionLine(files, [&](const std::string &name, const std::string &line) {
+        std::smatch match;
+        if (std::regex_search(line, match, call) && operations.contains(match[1])) found.insert(name);
+    });
+    return found;
+}
+
+std::map<std::string, std::string> OperationsDescribed(const std::string &header) {
+    static const std::regex declaration(R"(^    virtual HRESULT Z_STDCALL (\w+)\()");
+    std::map<std::string, std::string> operations;
+    std::istringstream lines(header);
+    std::string comment;
+    for (std::string line; std::getline(lines, line);) {
+        std::smatch match;
+        if (line.starts_with("    ///")) {
+            comment += line.substr(7);
+            continue;
+        }
+        if (std::regex_search(line, match, declaration)) operations[match[1]] = comment;
+        comment.clear();
     }
     return operations;
 }

@@ -1,6 +1,7 @@
 // What the documents claim about the tree.
 #pragma once
 
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -38,5 +39,11 @@ std::set<std::string> OperationsListed(const Document &document, const std::stri
 
 /// Member functions in whose definition E_NOTIMPL is answered.
 std::set<std::string> OperationsAbsent(const std::vector<SourceFile> &files);
+
+/// Member functions whose answer is that of one of `operations`.
+std::set<std::string> OperationsForwarding(const std::vector<SourceFile> &files, const std::set<std::string> &operations);
+
+/// The operations that a header's interfaces declare, each with the comment in front of it.
+std::map<std::string, std::string> OperationsDescribed(const std::string &header);
 
 }    // namespace house

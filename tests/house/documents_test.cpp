@@ -70,17 +70,46 @@ TEST(Documents, ThePropertiesAreThoseOfTheTable) {
     }
 }
 
-TEST(Documents, WhatIsNotThereIsListed) {
+// The sources of the library.
+std::vector<SourceFile> Rooms() {
     std::vector<SourceFile> rooms;
     for (SourceFile &file : ReadTree(ZCK_SOURCE_DIR)) {
         if (!file.path.starts_with("tests/") && !file.path.starts_with("hosts/") && !file.path.starts_with("include/"))
             rooms.push_back(std::move(file));
     }
+    return rooms;
+}
+
+std::set<std::string> ListedAsAbsent() {
     const Document architecture{"docs/ARCHITECTURE.md", ReadText(ZCK_SOURCE_DIR "/docs/ARCHITECTURE.md")};
-    const std::set<std::string> listed = OperationsListed(architecture, "## What is not there yet");
-    const std::set<std::string> absent = OperationsAbsent(rooms);
+    return OperationsListed(architecture, "## What is not there yet");
+}
+
+TEST(Documents, WhatIsNotThereIsListed) {
+    const std::set<std::string> listed = ListedAsAbsent();
+    const std::set<std::string> absent = OperationsAbsent(Rooms());
     for (const std::string &name : listed) EXPECT_TRUE(absent.contains(name)) << name << " is listed, but it is there";
     for (const std::string &name : absent) EXPECT_TRUE(listed.contains(name)) << name << " is not there, nor listed";
+}
+
+// An operation that is listed, and one that answers what such an operation answers, tells of `E_NOTIMPL` in its header; one
+// that is wholly absent does it with one fixed sentence.
+TEST(Documents, HeadersSayWhatIsNotThere) {
+    std::map<std::string, std::string> described;
+    for (const SourceFile &file : ReadTree(ZCK_SOURCE_DIR)) {
+        if (file.path.starts_with("include/") || (file.path.starts_with("frames/views/") && file.path.ends_with(".h")))
+            described.merge(OperationsDescribed(ReadText(fs::path(ZCK_SOURCE_DIR) / file.path)));
+    }
+    EXPECT_GT(described.size(), 100u);
+    std::set<std::string> absent;
+    for (const auto &[name, comment] : described) {
+        if (comment.find("Not implemented yet: `E_NOTIMPL`.") != std::string::npos) absent.insert(name);
+    }
+    std::set<std::string> expected = ListedAsAbsent();
+    expected.merge(OperationsForwarding(Rooms(), absent));
+    for (const auto &[name, comment] : described) {
+        EXPECT_EQ(expected.contains(name), comment.find("`E_NOTIMPL`") != std::string::npos) << name << ":" << comment;
+    }
 }
 
 TEST(Documents, TrapsAreHeldByTests) {
@@ -111,6 +140,15 @@ TEST(Documents, WhatIsLookedForIsFound) {
                                                  "HRESULT A::Two(int) {\n    return Absent(x);\n}\n"
                                                  "HRESULT A::Three() { return S_OK; }    // no E_NOTIMPL\n")}),
                 ElementsAre("One", "Two"));
+    EXPECT_THAT(OperationsForwarding({SourceFromText("a.cpp",
+                                                     "HRESULT A::One(int) { return Two(1); }\n"
+                                                     "HRESULT A::Three() {\n    hr = p->Two(2);\n    Four();\n}\n")},
+                                     {"Two", "Four"}),
+                ElementsAre("One", "Three"));
+    EXPECT_THAT(OperationsDescribed("    /// Works\n    /// well.\n    virtual HRESULT Z_STDCALL One(int) = 0;\n"
+                                    "    virtual HRESULT Z_STDCALL Two() = 0;\n"),
+                ElementsAre(std::pair<const std::string, std::string>("One", " Works well."),
+                            std::pair<const std::string, std::string>("Two", "")));
 }
 
 }    // namespace
