@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <new>
 
+#include "platform/process.h"
+
 // The linker's --wrap sends the program's own calls of `x` to `__wrap_x`, and gives the C library's as `__real_x`.
 extern "C" {
 void *__real_malloc(size_t size);
@@ -19,7 +21,8 @@ std::atomic<int64_t> s_left{0};    // requests until the one that fails; 0 when 
 std::atomic<size_t> s_size{0};
 std::atomic<bool> s_failed{false};
 std::atomic<int64_t> s_blocks{0};
-thread_local int t_paused = 0;
+// A thread's own variables may take memory at their first use, so the thread that pauses is known by its number.
+std::atomic<uint32_t> s_paused{0};
 
 }    // namespace
 
@@ -37,15 +40,15 @@ bool FailingMemory::End() noexcept {
 int64_t FailingMemory::Blocks() noexcept { return s_blocks; }
 
 bool FailingMemory::Fails(size_t size) noexcept {
-    if (s_left <= 0 || t_paused != 0) return false;
+    if (s_left <= 0 || s_paused == CurrentThreadId()) return false;
     if (s_size != 0 && s_size != size) return false;
     if (s_left.fetch_sub(1) != 1) return false;
     s_failed = true;
     return true;
 }
 
-FailingMemory::Pause::Pause() noexcept { ++t_paused; }
-FailingMemory::Pause::~Pause() { --t_paused; }
+FailingMemory::Pause::Pause() noexcept : m_before(s_paused.exchange(CurrentThreadId())) {}
+FailingMemory::Pause::~Pause() { s_paused = m_before; }
 
 namespace {
 

@@ -25,12 +25,16 @@ public:
     static bool Fails(size_t size) noexcept;
 
     /// While it lives, requests of this thread neither count nor fail: for what a path prepares and looks at.
+    /// One thread at a time.
     class Pause {
     public:
         Pause() noexcept;
         ~Pause();
         Pause(const Pause &) = delete;
         Pause &operator=(const Pause &) = delete;
+
+    private:
+        uint32_t m_before;
     };
 };
 
