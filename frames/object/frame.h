@@ -5,9 +5,9 @@
 #include <shared_mutex>
 
 #include "frames/audio/audio_work.h"
+#include "frames/data/named_data.h"
 #include "frames/memory/blob_holder.h"
 #include "frames/memory/ipc_buffer.h"
-#include "frames/object/name_map.h"
 #include "frames/views/f_factory.h"
 #include "frames/views/frame_i.h"
 #include "frames/views/frame_shell.h"
@@ -37,15 +37,11 @@ struct FramePixels {
 ///   borrowed across processes: `m_pSharedBuffer` is the source's section opened here, `m_pSource` is the source.
 ///   external: `m_video` points at a caller's block, `m_pSource` is the caller's keeper, or empty.
 ///
-/// Locks: `m_lockMedia` guards description, time, pixels and sound; `m_lockData` the three maps. No lock is held while
-/// another object is called: what is needed is taken under the lock first. Where both are held, data comes before media.
+/// Locks: `m_lockMedia` guards description, time, pixels and sound; `m_named` has its own. No lock is held while another
+/// object is called: what is needed is taken under the lock first. Where both are held, data comes before media.
 /// The factory is set before the frame is handed out and does not change.
 class CCoZFrame2 final : public CoObject<IZFrame_I, IZFFrame, INSSBuffer3, IZFrameShell> {
 public:
-    /// Bytes under a name. Never changed once they are stored, so that frames share them. A used size of 0 with room for 8
-    /// bytes is a 64-bit value that was given instead of an address.
-    using Blob = CBLOBHolder<CHeapAlloc>;
-
     CCoZFrame2() noexcept = default;
     void FinalRelease() noexcept override;
 
@@ -207,10 +203,6 @@ protected:
     void *InterfaceFind(REFIID riid) noexcept override;
 
 private:
-    using DataMap = NameMap<ComPtr<Blob>>;
-    using TextMap = NameMap<Text>;
-    using ObjectMap = NameMap<ComPtr<IUnknown>>;
-
     struct AudioView {
         uint8_t *data;
         uint32_t size;
@@ -245,10 +237,7 @@ private:
 
     // Named data.
     HRESULT DataStore(TextView name, int32_t size, int64_t value);
-    HRESULT DataUnpack(const uint8_t *packed, int32_t size);
-    HRESULT DataTakeCoded(CCoZFrame2 &source);
     HRESULT DataTakeOne(IZFFrame *source, int32_t index);
-    ComPtr<Blob> DataFind(TextView name);
     HRESULT ObjectGive(ComPtr<IUnknown> object, IUnknown **out, bool local);
 
     Z_TIME m_frameTime{};
@@ -264,10 +253,7 @@ private:
     ComPtr<IZFrames_I> m_pFactory;
     CriticalSection m_csAsync;
     FrameRWLock m_lockMedia;
-    FrameRWLock m_lockData;
-    TextMap m_mapText;
-    DataMap m_mapData;
-    ObjectMap m_mapObjects;
+    NamedData m_named;
     std::atomic<int32_t> m_nSampleLength{-1};    // as set through INSSBuffer3; the video size while negative
 };
 

@@ -176,7 +176,7 @@ void CCoZFrame2::CloneObjects(IZFFrame *source, int32_t count, bool stopAtFailur
         Bstr name;
         ComPtr<IUnknown> object;
         if (SUCCEEDED(source->ZFObjectGetByIndex(i, name.Put(), object.Put(), 0))) {
-            m_mapObjects.Set(name.view(), std::move(object));
+            m_named.ObjectSet(name.view(), std::move(object));
         } else if (stopAtFailure) {
             break;
         }

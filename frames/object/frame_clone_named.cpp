@@ -84,16 +84,14 @@ HRESULT CCoZFrame2::DataTakeOne(IZFFrame *source, int32_t index) {
 
 void CCoZFrame2::CloneNamed(IZFFrame *source, const ZF_INFO &info) {
     if (const auto own = QueryFor<CCoZFrame2>(source)) {
-        const std::shared_lock lock(own->m_lockData);
-        m_mapData = own->m_mapData;
-        m_mapText = own->m_mapText;
+        m_named.TakeNamed(own->m_named);
         return;
     }
     for (int32_t i = 0; i < info.nDataCount; ++i) DataTakeOne(source, i);
     for (int32_t i = 0; i < info.nTextCount; ++i) {
         Bstr name;
         Bstr text;
-        if (SUCCEEDED(source->ZFTextGetByIndex(i, name.Put(), text.Put()))) m_mapText.Set(name.view(), Text(text.view()));
+        if (SUCCEEDED(source->ZFTextGetByIndex(i, name.Put(), text.Put()))) m_named.TextAdd(name.view(), text.view());
     }
 }
 

@@ -32,12 +32,10 @@ HRESULT CCoZFrame2::ZFFlagsTest(eZFrameFlags _eMask, int32_t *_pnResult) {
 HRESULT CCoZFrame2::ZFInfoGet(ZF_INFO *_pInfo) {
     if (_pInfo == nullptr) return E_POINTER;
     ZF_INFO info = {};
-    {
-        const std::shared_lock lock(m_lockData);
-        info.nDataCount = static_cast<int32_t>(m_mapData.Count());
-        info.nObjectCount = static_cast<int32_t>(m_mapObjects.Count());
-        info.nTextCount = static_cast<int32_t>(m_mapText.Count());
-    }
+    const NamedData::Counts counts = m_named.CountsGet();
+    info.nDataCount = counts.data;
+    info.nObjectCount = counts.objects;
+    info.nTextCount = counts.texts;
     {
         const std::shared_lock lock(m_lockMedia);
         const AudioView audio = Audio();

@@ -2,8 +2,8 @@
 #include <cstring>
 #include <shared_mutex>
 
+#include "frames/data/data_name.h"
 #include "frames/object/address.h"
-#include "frames/object/data_name.h"
 #include "frames/object/frame.h"
 
 namespace zck {
@@ -46,8 +46,9 @@ HRESULT CCoZFrame2::GetBufferAndLength(BYTE **_ppbBuffer, DWORD *_pnLength) {
 
 HRESULT CCoZFrame2::GetSampleProperties(DWORD _cbProps, BYTE *_pbProps) {
     if (_pbProps == nullptr) return E_POINTER;
-    const ComPtr<Blob> blob = DataFind(kSampleProperties);
-    if (!blob) return kErrorFileNotFound;
+    DataBlobPtr blob;
+    const HRESULT hr = m_named.DataGet(kSampleProperties, blob);
+    if (FAILED(hr)) return hr;
     if (_cbProps < blob->Size()) return E_OUTOFMEMORY;
     if (blob->Size() != 0) std::memcpy(_pbProps, blob->Data(), blob->Size());
     return S_OK;
@@ -68,8 +69,9 @@ HRESULT CCoZFrame2::SetProperty(GUID _id, void *_pValue, DWORD _cbValue) {
 HRESULT CCoZFrame2::GetProperty(GUID _id, void *_pValue, DWORD *_pcbValue) {
     if (_pcbValue == nullptr) return E_POINTER;
     return Guarded([&] {
-        const ComPtr<Blob> blob = DataFind(NameFromIdentifier(_id));
-        if (!blob) return kErrorFileNotFound;
+        DataBlobPtr blob;
+        const HRESULT hr = m_named.DataGet(NameFromIdentifier(_id), blob);
+        if (FAILED(hr)) return hr;
         const DWORD room = *_pcbValue;
         *_pcbValue = blob->Size();
         if (_pValue == nullptr) return S_OK;

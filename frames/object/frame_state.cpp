@@ -52,7 +52,7 @@ void CCoZFrame2::FinalRelease() noexcept {
     } else if (buffer && m_pFactory) {
         m_pFactory->BufferReturn(buffer.Detach());
     }
-    ObjectMap().Swap(m_mapObjects);
+    m_named.ObjectsClear();
     m_pFactory.Reset();
 }
 

@@ -35,7 +35,71 @@ TEST_F(FrameData, BytesByCode) {
     EXPECT_EQ(0, std::memcmp(At<void>(at), bytes, 3));
     EXPECT_EQ(S_OK, m_tessilu->ZFDataGet(Bstr(ZCK_TEXT("c608")).get(), &size, nullptr));
     EXPECT_EQ(S_OK, m_frame->FrameDataGet(kC608, nullptr, nullptr));
-    EXPECT_EQ(E_INVALIDARG, m_frame->FrameDataSet(kC608, 3, 0));
+    // A null address is three zeros.
+    EXPECT_EQ(S_OK, m_frame->FrameDataSet(kC608, 3, 0));
+    EXPECT_EQ(S_OK, m_frame->FrameDataGet(kC608, &size, &at));
+    EXPECT_EQ(3, size);
+    EXPECT_EQ(0, *At<uint8_t>(at + 2));
+}
+
+TEST_F(FrameData, NoNameIsTheSection) {
+    ComPtr<IZFrame_I> pixels = Frame(Record(eZFCC_UYVY, 16, 8));
+    int64_t id = 0;
+    ASSERT_EQ(S_OK, pixels->FrameBufferIdGet(&id));
+    int32_t size = 7;
+    int64_t at = 7;
+    EXPECT_EQ(S_OK, As<IZFFrame>(pixels)->ZFDataGet(nullptr, &size, &at));
+    EXPECT_EQ(id, at);
+    EXPECT_EQ(7, size);
+    EXPECT_EQ(E_POINTER, As<IZFFrame>(pixels)->ZFDataGet(nullptr, &size, nullptr));
+    EXPECT_EQ(kErrorEmpty, m_tessilu->ZFDataGet(nullptr, nullptr, &at));
+    EXPECT_EQ(0, at);
+    // An empty name is looked up like any other.
+    at = 7;
+    EXPECT_EQ(kErrorFileNotFound, m_tessilu->ZFDataGet(Bstr(TextView()).get(), &size, &at));
+    EXPECT_EQ(0, size);
+    EXPECT_EQ(0, at);
+}
+
+TEST_F(FrameData, NamesMeetByTheirKeys) {
+    EXPECT_EQ(S_OK, m_tessilu->ZFDataSet(Bstr(ZCK_TEXT("_a")).get(), 0, 1));
+    EXPECT_EQ(S_OK, m_tessilu->ZFDataSet(Bstr(ZCK_TEXT("\x7F\u0141")).get(), 0, 2));
+    ZF_INFO info = {};
+    EXPECT_EQ(S_OK, m_tessilu->ZFInfoGet(&info));
+    EXPECT_EQ(1, info.nDataCount);
+    Bstr name;
+    int64_t value = 0;
+    EXPECT_EQ(S_OK, m_tessilu->ZFDataGetByIndex(0, name.Put(), nullptr, &value));
+    EXPECT_EQ("_a", Utf8FromText(name.view()));
+    EXPECT_EQ(2, value);
+}
+
+// Outputs are cleared by calls that give nothing.
+TEST_F(FrameData, OutputsOfRefusals) {
+    BSTR name = nullptr;
+    BSTR text = nullptr;
+    IUnknown *object = nullptr;
+    int32_t size = 0;
+    int64_t at = 0;
+    const auto soil = [&] {
+        name = text = reinterpret_cast<BSTR>(&size);
+        object = m_factory.get();
+        size = 7;
+        at = 7;
+    };
+    soil();
+    EXPECT_EQ(kErrorInvalidIndex, m_tessilu->ZFDataGetByIndex(0, &name, &size, &at));
+    EXPECT_TRUE(name == nullptr && size == 0 && at == 0);
+    soil();
+    EXPECT_EQ(kErrorInvalidIndex, m_tessilu->ZFTextGetByIndex(0, &name, &text));
+    EXPECT_TRUE(name == nullptr && text == nullptr);
+    soil();
+    EXPECT_EQ(kErrorInvalidIndex, m_tessilu->ZFObjectGetByIndex(0, &name, &object, 0));
+    EXPECT_TRUE(name == nullptr && object == nullptr);
+    soil();
+    EXPECT_EQ(kErrorFileNotFound, m_tessilu->ZFTextGet(nullptr, &text));
+    EXPECT_EQ(kErrorFileNotFound, m_tessilu->ZFObjectGet(nullptr, &object, 1));
+    EXPECT_TRUE(text == nullptr && object == nullptr);
 }
 
 TEST_F(FrameData, AValueInPlaceOfBytes) {
@@ -188,13 +252,19 @@ TEST_F(FrameData, Objects) {
     EXPECT_EQ(S_OK, m_tessilu->ZFObjectSet(name.get(), m_factory.get()));
     EXPECT_EQ(S_OK, m_tessilu->ZFObjectGet(name.get(), got.Put(), 1));
     EXPECT_EQ(static_cast<IUnknown *>(m_factory.get()), got.get());
-    EXPECT_EQ(E_POINTER, m_tessilu->ZFObjectGet(name.get(), nullptr, 0));
+    EXPECT_EQ(S_OK, m_tessilu->ZFObjectGet(name.get(), nullptr, 0));
+    EXPECT_EQ(kErrorFileNotFound, m_tessilu->ZFObjectGet(nullptr, nullptr, 0));
+    // Null is stored like any object.
+    EXPECT_EQ(S_OK, m_tessilu->ZFObjectSet(nullptr, nullptr));
+    got = m_factory.get();
+    EXPECT_EQ(S_OK, m_tessilu->ZFObjectGet(Bstr(TextView()).get(), got.Put(), 1));
+    EXPECT_FALSE(got);
 
     Bstr found;
     EXPECT_EQ(S_OK, m_tessilu->ZFObjectGetByIndex(0, found.Put(), got.Put(), 0));
     EXPECT_EQ("MASK8", Utf8FromText(found.view()));
     EXPECT_EQ(S_OK, m_tessilu->ZFObjectGetByIndex(0, nullptr, nullptr, 0));
-    EXPECT_EQ(kErrorInvalidIndex, m_tessilu->ZFObjectGetByIndex(1, nullptr, got.Put(), 0));
+    EXPECT_EQ(kErrorInvalidIndex, m_tessilu->ZFObjectGetByIndex(2, nullptr, got.Put(), 0));
     EXPECT_FALSE(got);
     got.Reset();
 }
@@ -215,7 +285,9 @@ TEST_F(FrameData, TextsAreClearedAndHardlySet) {
     EXPECT_EQ(kErrorInvalidIndex, m_tessilu->ZFTextGetByIndex(1, nullptr, nullptr));
     EXPECT_EQ(S_OK, m_tessilu->ZFTextSet(name.get(), nullptr));
     EXPECT_EQ(S_FALSE, m_tessilu->ZFTextSet(name.get(), nullptr));
-    EXPECT_EQ(E_POINTER, m_tessilu->ZFTextGet(name.get(), nullptr));
+    EXPECT_EQ(kErrorFileNotFound, m_tessilu->ZFTextGet(name.get(), nullptr));
+    // The word counts with its case.
+    EXPECT_EQ(S_FALSE, m_tessilu->ZFTextSet(name.get(), Bstr(ZCK_TEXT("__ZF_remove__")).get()));
 }
 
 }    // namespace

@@ -3,7 +3,7 @@
 
 #include "platform/text.h"
 
-namespace zck::XMLParse {
+namespace zck {
 
 namespace detail {
 
@@ -52,4 +52,4 @@ constexpr uint64_t NameKey(TextView name) noexcept {
     return lanes.c;
 }
 
-}    // namespace zck::XMLParse
+}    // namespace zck

@@ -1,11 +1,11 @@
-#include "xml/name_key.h"
+#include "platform/name_key.h"
 
 #include <gtest/gtest.h>
 
-#include "tests/xml/say.h"
-
-namespace zck::XMLParse {
+namespace zck {
 namespace {
+
+Text In(std::string_view utf8) { return TextFromUtf8(utf8); }
 
 TEST(NameKey, KnownNames) {
     EXPECT_EQ(NameKey(In("a")), 0xBB27B42661A3B565);
@@ -35,4 +35,4 @@ TEST(NameKey, KnownWhenCompiled) {
 }
 
 }    // namespace
-}    // namespace zck::XMLParse
+}    // namespace zck

@@ -1,8 +1,6 @@
-#include "frames/object/data_name.h"
+#include "frames/data/data_name.h"
 
 #include <gtest/gtest.h>
-
-#include "frames/object/name_map.h"
 
 namespace zck {
 namespace {
@@ -62,23 +60,27 @@ TEST(DataName, IdentifiersInBraces) {
     EXPECT_EQ(static_cast<int32_t>(0xC87CEAAF), CodeFromName(name));
 }
 
-TEST(NameMap, KeepsTheOrderOfFirstInsertion) {
-    NameMap<int> map;
-    map.Set(ZCK_TEXT("b"), 1);
-    map.Set(ZCK_TEXT("a"), 2);
-    map.Set(ZCK_TEXT("c"), 3);
-    EXPECT_EQ(2, map.Set(ZCK_TEXT("A"), 4));
-    ASSERT_EQ(3U, map.Count());
-    EXPECT_EQ(Text(ZCK_TEXT("a")), map.Name(1));
-    EXPECT_EQ(4, map.At(1));
-    int removed = 0;
-    EXPECT_TRUE(map.Remove(ZCK_TEXT("B"), removed));
-    EXPECT_EQ(1, removed);
-    EXPECT_FALSE(map.Remove(ZCK_TEXT("B"), removed));
-    ASSERT_EQ(2U, map.Count());
-    EXPECT_EQ(Text(ZCK_TEXT("a")), map.Name(0));
-    EXPECT_EQ(3, *map.Find(ZCK_TEXT("C")));
-    EXPECT_EQ(nullptr, map.Find(ZCK_TEXT("d")));
+TEST(DataName, NumbersAboveThirtyTwoBitsSaturate) {
+    const NameCase cases[] = {
+        {-1, "0xFFFFFFFF"},
+        {-1, "0x100000000"},
+        {-1, "0x123456789ABCDEF0123456789"},
+        {-1, "{FFFFFFFFF-0000}"},
+        {0x12, "0x00000000000000000000000012"},
+        {0x12, "0x12 and more"},
+        {0, "0xyz!"},
+        {0, "#zz.."},
+        {0x1A, "{1a-2b}"},
+    };
+    for (const NameCase &c : cases) EXPECT_EQ(c.code, CodeFromName(TextFromUtf8(c.name))) << c.name;
+    // Only the small letter makes a number.
+    EXPECT_EQ(Code('0', 'X', '1', '2'), CodeFromName(ZCK_TEXT("0X1234")));
+}
+
+// The lowest byte of a code comes first, so that a literal of the language reads backwards.
+TEST(DataName, TheLowestByteComesFirst) {
+    EXPECT_EQ("806C", Utf8FromText(NameFromCode(0x43363038)));
+    EXPECT_EQ("C608", Utf8FromText(NameFromCode(0x38303643)));
 }
 
 }    // namespace

@@ -1,4 +1,4 @@
-#include "frames/object/data_name.h"
+#include "frames/data/data_name.h"
 
 namespace zck {
 namespace {
@@ -11,13 +11,14 @@ int DigitOf(OLECHAR c) {
     return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
 }
 
-// Hexadecimal digits from the start of the text, saturated at 32 bits.
+// Hexadecimal digits from the start of the text; a number above 32 bits is the largest of them.
 int32_t HexValue(TextView text) {
+    constexpr uint32_t kLargest = 0xFFFFFFFF;
     uint32_t value = 0;
     for (const OLECHAR c : text) {
         const int digit = DigitOf(c);
         if (digit < 0) break;
-        value = value > UINT32_MAX >> 4 ? UINT32_MAX : value << 4 | static_cast<uint32_t>(digit);
+        value = value <= kLargest >> 4 ? value << 4 | static_cast<uint32_t>(digit) : kLargest;
     }
     return static_cast<int32_t>(value);
 }
