@@ -1,7 +1,5 @@
 #include "frames/data/named_data.h"
 
-#include <mutex>
-
 #include "frames/data/data_name.h"
 #include "platform/status.h"
 
@@ -171,8 +169,7 @@ void NamedData::TakeNamed(const NamedData &source) {
     texts.Swap(m_maps.texts);
 }
 
-void NamedData::Join(NamedMaps &maps) {
-    const std::lock_guard lock(m_lock);
+void NamedData::JoinHere(NamedMaps &maps) {
     JoinOne(m_maps.data, maps.data);
     JoinOne(m_maps.texts, maps.texts);
     JoinOne(m_maps.objects, maps.objects);

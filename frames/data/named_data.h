@@ -1,6 +1,7 @@
 // `NamedData`: what a frame carries by name: ancillary data, text attributes and objects.
 #pragma once
 
+#include <mutex>
 #include <shared_mutex>
 
 #include "frames/data/packed_data.h"
@@ -58,8 +59,14 @@ public:
 
     /// Takes data and texts of another in place of the own.
     void TakeNamed(const NamedData &source);
-    /// Adds entries to those that are there; equal names are replaced in their place.
-    void Join(NamedMaps &maps);
+    /// Runs `also` and adds entries to those that are there, both at one moment; equal names are replaced in their place, and
+    /// what they held is left in `maps`.
+    template <class Also>
+    void Join(NamedMaps &maps, Also &&also) {
+        const std::lock_guard lock(m_lock);
+        also();
+        JoinHere(maps);
+    }
     void TextAdd(TextView name, TextView text);
 
     /// Runs `body` with the maps while they cannot change. It calls nothing of others.
@@ -70,6 +77,8 @@ public:
     }
 
 private:
+    void JoinHere(NamedMaps &maps);
+
     mutable FrameRWLock m_lock;
     NamedMaps m_maps;
 };

@@ -19,6 +19,10 @@
 
 namespace zck {
 
+class PixelsIn;
+struct FrameLoad;
+struct PixelsOut;
+
 /// Pixels in this process. `section`, where it is known, keeps the memory from being reused for another frame; `keeper` is
 /// what a frame that borrows them itself keeps alive for them.
 struct FramePixels {
@@ -239,6 +243,18 @@ private:
     HRESULT DataStore(TextView name, int32_t size, int64_t value);
     HRESULT DataTakeOne(IZFFrame *source, int32_t index);
     HRESULT ObjectGive(ComPtr<IUnknown> object, IUnknown **out, bool local);
+
+    // The stored forms.
+    static int64_t SectionIdOf(IUnknown *frame);
+    template <class Body>
+    HRESULT ContentGive(int32_t flags, Body body);
+    HRESULT StreamWrite(IStream *stream, int32_t flags, bool sized);
+    template <class Body>
+    HRESULT Load(int32_t flags, uint32_t start, Body body);
+    HRESULT BlockLoad(int32_t size, int64_t block, int32_t flags, uint32_t start);
+    void PixelsReplace(PixelsIn &in, PixelsOut &out) noexcept;
+    void MediaReplace(FrameLoad &load) noexcept;
+    HRESULT CloneStored(IZFFrame *source, int32_t type, uint32_t offset);
 
     Z_TIME m_frameTime{};
     Z_AV_PROPS m_props{};

@@ -1,4 +1,4 @@
-// Operations whose rooms are not built yet: stored form, conversion, mixing and text. They keep their slots.
+// Operations whose rooms are not built yet: conversion, mixing and text. They keep their slots.
 #include "frames/object/frame.h"
 
 namespace zck {
@@ -12,8 +12,6 @@ HRESULT Absent(T **out) {
 
 }    // namespace
 
-HRESULT CCoZFrame2::ZFSaveAll(int32_t *, int64_t *, int32_t) { return E_NOTIMPL; }
-HRESULT CCoZFrame2::ZFLoadAll(int32_t, int64_t, int32_t) { return E_NOTIMPL; }
 
 HRESULT CCoZFrame2::ZFOverlay(IZFFrame *, IZFFrame *, int32_t, int32_t, double, BSTR, int64_t, int32_t) { return E_NOTIMPL; }
 HRESULT CCoZFrame2::ZFConvert(Z_AV_PROPS *, IZFFrame **, int32_t *, BSTR, int64_t) { return E_NOTIMPL; }

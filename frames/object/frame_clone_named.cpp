@@ -21,13 +21,16 @@ HRESULT CCoZFrame2::CloneTessilu(IZFrames_I *factory, IZFFrame *source, int32_t 
         const bool audio = (type & eZFC_Audio) != 0;
         hr = own ? source->ZFInfoGet(&info) : clone->MediaTake(source, audio, pixels, info);
         if (SUCCEEDED(hr) && own) hr = clone->MediaCopy(*own, audio, pixels);
-        // A frame of another process travels in the block form, which is not there yet.
-        if (SUCCEEDED(hr) && info.nProcessId != CurrentProcessId()) hr = E_NOTIMPL;
         if (FAILED(hr)) return hr;
-        clone->PropsPrune(pixels.size != 0, type);
-        // An offset that reaches the size is dropped on purpose.
-        if (!own) clone->ClonePixels(pixels, source, type, offset < pixels.size ? offset : 0);
-        if (info.nDataCount > 0 || info.nTextCount > 0) clone->CloneNamed(source, info);
+        if (info.nProcessId != CurrentProcessId()) {
+            hr = clone->CloneStored(source, type, offset);
+            if (FAILED(hr)) return hr;
+        } else {
+            clone->PropsPrune(pixels.size != 0, type);
+            // An offset that reaches the size is dropped on purpose.
+            if (!own) clone->ClonePixels(pixels, source, type, offset < pixels.size ? offset : 0);
+            if (info.nDataCount > 0 || info.nTextCount > 0) clone->CloneNamed(source, info);
+        }
         if ((type & eZFC_Obj) != 0) clone->CloneObjects(source, info.nObjectCount, false);
         out.Swap(clone);
         return S_OK;
@@ -48,9 +51,10 @@ HRESULT CCoZFrame2::MediaTake(IZFFrame *source, bool audio, FramePixels &pixels,
     HRESULT hr = source->ZFInfoGet(&info);
     if (FAILED(hr)) return hr;
     if (const auto own = QueryFor<CCoZFrame2>(source)) return MediaTake(*own, audio, pixels);
+    // A frame of another process travels in its stored form.
+    if (info.nProcessId != CurrentProcessId()) return S_OK;
     m_frameTime = info.time;
     m_props = info.avProps;
-    if (info.nProcessId != CurrentProcessId()) return S_OK;
     pixels.data = PointerFrom<>(info.pbVideo);
     pixels.size = pixels.data != nullptr ? static_cast<uint32_t>(std::max(info.cbVideo, 0)) : 0;
     if (!audio || info.cbAudio <= 0 || info.pbAudio == 0) return S_OK;

@@ -29,8 +29,10 @@ HRESULT CopyOutputsClear(int32_t *outSize, int64_t *outBlock) {
     return outSize == nullptr && outBlock == nullptr ? E_POINTER : S_OK;
 }
 
+}    // namespace
+
 // The section that a frame of any kind names.
-int64_t SectionIdOf(IUnknown *frame) {
+int64_t CCoZFrame2::SectionIdOf(IUnknown *frame) {
     int64_t id = 0;
     if (const auto quorvex = QueryFor<IZFrame_I>(frame)) {
         if (SUCCEEDED(quorvex->FrameBufferIdGet(&id)) && id != 0) return id;
@@ -41,8 +43,6 @@ int64_t SectionIdOf(IUnknown *frame) {
     }
     return 0;
 }
-
-}    // namespace
 
 HRESULT CCoZFrame2::FrameProcessIdGet(uint32_t *_pnProcessId) {
     if (_pnProcessId == nullptr) return E_POINTER;
@@ -125,14 +125,5 @@ HRESULT CCoZFrame2::FrameAudioResetFwd(int32_t _cbSize, int64_t _pbAudio) { retu
 HRESULT CCoZFrame2::FrameAudioForward(BSTR _bsFileName, int32_t _nFirstSample, int32_t _nSamples, int32_t) {
     return ZFAudioFromFile(_bsFileName, _nFirstSample, _nSamples);
 }
-
-HRESULT CCoZFrame2::ZFSaveToStream(IUnknown **_ppStream, int32_t) {
-    if (_ppStream == nullptr) return E_POINTER;
-    *_ppStream = nullptr;
-    return E_NOTIMPL;
-}
-
-HRESULT CCoZFrame2::ZFAddToStream(IUnknown *, int32_t) { return E_NOTIMPL; }
-HRESULT CCoZFrame2::ZFLoadFromStream(IUnknown *, int32_t) { return E_NOTIMPL; }
 
 }    // namespace zck

@@ -5,6 +5,7 @@
 #include <shared_mutex>
 
 #include "frames/object/frame.h"
+#include "frames/object/frame_stored.h"
 #include "platform/copy.h"
 
 const IID &ZIidHolder<zck::CCoZFrame2>::Get() {
@@ -37,20 +38,13 @@ HRESULT CCoZFrame2::Create(IZFrames_I *factory, ComPtr<CCoZFrame2> &out) noexcep
 
 // The factory goes last, and may die with its pool right here.
 void CCoZFrame2::FinalRelease() noexcept {
-    ComPtr<IUnknown> source;
-    ComPtr<IPCBuffer> buffer;
     {
+        PixelsOut out;
         const std::lock_guard lock(m_lockMedia);
-        source.Swap(m_pSource);
-        buffer.Swap(m_pSharedBuffer);
-    }
-    // A section with a second owner does not go back to the pool, so the borrowed one is let go before its owner.
-    m_pBorrowed.Reset();
-    if (source) {
-        buffer.Reset();
-        source.Reset();
-    } else if (buffer && m_pFactory) {
-        m_pFactory->BufferReturn(buffer.Detach());
+        out.factory = m_pFactory;
+        out.source.Swap(m_pSource);
+        out.buffer.Swap(m_pSharedBuffer);
+        out.borrowed.Swap(m_pBorrowed);
     }
     m_named.ObjectsClear();
     m_pFactory.Reset();

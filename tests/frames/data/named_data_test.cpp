@@ -123,7 +123,9 @@ TEST(NamedData, JoiningReplacesInPlaceAndAddsBehind) {
     maps.data.Set(ZCK_TEXT("three"), blob);
     maps.data.Set(ZCK_TEXT("one"), blob);
     maps.texts.Set(ZCK_TEXT("T"), Text(ZCK_TEXT("new")));
-    named.Join(maps);
+    bool ran = false;
+    named.Join(maps, [&] { ran = true; });
+    EXPECT_TRUE(ran);
     EXPECT_EQ(3, named.CountsGet().data);
     EXPECT_EQ(Text(ZCK_TEXT("One")), NameAt(named, 0).view());
     EXPECT_EQ(Text(ZCK_TEXT("three")), NameAt(named, 2).view());

@@ -278,10 +278,125 @@ TEST_F(RemoteClones, AMissingSectionIsAnError) {
     EXPECT_EQ(m_state.audio, AudioOf(clone).Copy());
 }
 
-TEST_F(RemoteClones, TessiluNeedsTheBlockForm) {
+// The other family's frames travel in their stored form.
+class StoredClones : public RemoteClones {
+protected:
+    void SetUp() override {
+        RemoteClones::SetUp();
+        m_origin = SoundFrame(Record(eZFCC_UYVY, 64, 48));
+        EXPECT_EQ(S_OK, As<IZFFrame>(m_origin)->ZFDataSet(Bstr(ZCK_TEXT("a long name")).get(), 0, 42));
+        ASSERT_EQ(S_OK, m_origin->FrameBufferIdGet(&m_state.section));
+    }
+
+    void Store(const ComPtr<IZFrame_I> &frame, int32_t flags) {
+        int32_t size = 0;
+        int64_t block = 0;
+        ASSERT_EQ(S_OK, As<IZFFrame>(frame)->ZFSaveAll(&size, &block, flags));
+        m_state.block.assign(At<uint8_t>(block), At<uint8_t>(block) + size);
+        CoTaskMemFree(At<void>(block));
+    }
+
+    ComPtr<IZFrame_I> CloneOf(const ComPtr<IZFFrame> &source, int32_t type) {
+        Store(m_origin, type);
+        ComPtr<IZFFrame> clone;
+        EXPECT_EQ(S_OK,
+                  m_tessiluFactory->ZFCloneConvert(source.get(), clone.Put(), static_cast<eZFrameClone>(type), eZFCC_Default));
+        return As<IZFrame_I>(clone);
+    }
+
+    static int64_t SectionOf(const ComPtr<IZFrame_I> &frame) {
+        int64_t id = 0;
+        EXPECT_EQ(S_OK, frame->FrameBufferIdGet(&id));
+        return id;
+    }
+};
+
+TEST_F(StoredClones, ReferenceMapsTheSection) {
+    Store(m_origin, eZFC_Reference);
+    auto source = Tessilu();
+    ComPtr<IZFFrame> local;
+    ASSERT_EQ(S_OK, m_tessiluFactory->ZFFrameLocal(source.get(), local.Put(), 0));
+    EXPECT_EQ(eZFC_Reference, m_state.blockFlags);
+    const auto clone = As<IZFrame_I>(local);
+    EXPECT_NE(VideoOf(m_origin).address, VideoOf(clone).address);
+    *VideoOf(m_origin).data() = 0x5A;
+    EXPECT_EQ(VideoOf(m_origin).Copy(), VideoOf(clone).Copy());
+    EXPECT_EQ(SectionOf(m_origin), SectionOf(clone));
+    EXPECT_EQ(Pattern(400), AudioOf(clone).Copy());
+    EXPECT_EQ(64, PropsOf(clone).vidProps.nWidth);
+    Z_TIME time = {};
+    EXPECT_EQ(S_OK, clone->FrameTimeGet(&time));
+    EXPECT_EQ(1234567, time.rtStartTime);
+    int64_t value = 0;
+    EXPECT_EQ(S_OK, local->ZFDataGet(Bstr(ZCK_TEXT("a long name")).get(), nullptr, &value));
+    EXPECT_EQ(42, value);
+    // Objects are asked for one by one; a failing one is passed over.
+    ZF_INFO info = {};
+    EXPECT_EQ(S_OK, local->ZFInfoGet(&info));
+    EXPECT_EQ(2, info.nObjectCount);
+    // The clone keeps the source, which is also both of the objects here.
+    EXPECT_EQ(5U, (source->AddRef(), source->Release() + 1));
+}
+
+TEST_F(StoredClones, CopyReadsTheSection) {
+    const auto source = Tessilu();
+    const auto clone = CloneOf(source, eZFC_Full);
+    EXPECT_EQ(VideoOf(m_origin).Copy(), VideoOf(clone).Copy());
+    EXPECT_NE(SectionOf(m_origin), SectionOf(clone));
+    EXPECT_EQ(Pattern(400), AudioOf(clone).Copy());
+}
+
+// What the type leaves out does not cross; the time crosses with any media.
+TEST_F(StoredClones, TheTypeChooses) {
+    const auto source = Tessilu();
+    const auto sound = CloneOf(source, eZFC_Audio);
+    EXPECT_EQ(400, AudioOf(sound).size);
+    EXPECT_EQ(0, VideoOf(sound).size);
+    EXPECT_EQ(0, PropsOf(sound).vidProps.nWidth);
+    const auto data = CloneOf(source, eZFC_Data);
+    Z_TIME time = {};
+    EXPECT_EQ(S_OK, data->FrameTimeGet(&time));
+    EXPECT_EQ(0, time.rtStartTime);
+    EXPECT_EQ(0, PropsOf(data).audProps.nChannels);
+    EXPECT_EQ(S_OK, As<IZFFrame>(data)->ZFDataGet(Bstr(ZCK_TEXT("a long name")).get(), nullptr, nullptr));
+}
+
+// Where the source tells its offset, the clone of a cut starts where the cut starts.
+TEST_F(StoredClones, ACutStartsWhereItStartsThere) {
+    tagRECT rect = {};
+    rect.left = 8;
+    rect.top = 10;
+    rect.right = 40;
+    rect.bottom = 40;
+    ComPtr<IZFrame> cut;
+    ASSERT_EQ(S_OK, m_origin->FrameCut(0, &rect, cut.Put()));
+    const std::vector<uint8_t> pixels = VideoOf(cut).Copy();
+    m_origin = As<IZFrame_I>(cut);
+    ASSERT_EQ(S_OK, m_origin->FrameVideoOffsetGet(&m_state.offset));
+    const auto source = ForeignCreate<ForeignBoth, IZFFrame>(m_state);
+    for (const int32_t type : {eZFC_Reference, eZFC_Full}) {
+        const auto clone = CloneOf(source, type & ~eZFC_Obj);
+        EXPECT_EQ(pixels, VideoOf(clone).Copy()) << type;
+        EXPECT_EQ(32, PropsOf(clone).vidProps.nWidth);
+        int32_t offset = -1;
+        EXPECT_EQ(S_OK, clone->FrameVideoOffsetGet(&offset));
+        EXPECT_EQ(type == eZFC_Full ? 0 : m_state.offset, offset);
+    }
+    m_state.offset = INT32_MAX;
+    ComPtr<IZFFrame> none;
+    EXPECT_EQ(E_UNEXPECTED, m_tessiluFactory->ZFFrameLocal(source.get(), none.Put(), 0));
+    EXPECT_FALSE(none);
+}
+
+TEST_F(StoredClones, RefusalsAreHandedOn) {
     const auto source = Tessilu();
     ComPtr<IZFFrame> clone;
-    EXPECT_EQ(E_NOTIMPL, As<IZFFactory>(m_factory)->ZFFrameLocal(source.get(), clone.Put(), 0));
+    m_state.blockStatus = E_ACCESSDENIED;
+    EXPECT_EQ(E_ACCESSDENIED, m_tessiluFactory->ZFFrameLocal(source.get(), clone.Put(), 0));
+    m_state.blockStatus = S_OK;
+    Store(m_origin, eZFC_Reference);
+    m_state.block[8] ^= 1;    // another section
+    EXPECT_EQ(kErrorFileNotFound, m_tessiluFactory->ZFFrameLocal(source.get(), clone.Put(), 0));
     EXPECT_FALSE(clone);
 }
 

@@ -14,7 +14,8 @@
 namespace zck::test {
 
 /// Every operation is there and refuses.
-class RefusingQuorvex : public CoObject<IZFrame_I> {
+template <class Base>
+class RefusesQuorvex : public Base {
 public:
     HRESULT Z_STDCALL FrameAVPropsGet(Z_AV_PROPS *) override { return E_NOTIMPL; }
     HRESULT Z_STDCALL FrameAVPropsSet(Z_AV_PROPS *) override { return E_NOTIMPL; }
@@ -57,7 +58,8 @@ protected:
     }
 };
 
-class RefusingTessilu : public CoObject<IZFFrame> {
+template <class Base>
+class RefusesTessilu : public Base {
 public:
     HRESULT Z_STDCALL ZFProcessIdGet(uint32_t *) override { return E_NOTIMPL; }
     HRESULT Z_STDCALL ZFAVPropsGet(Z_AV_PROPS *, int32_t *) override { return E_NOTIMPL; }
@@ -108,6 +110,9 @@ public:
     }
 };
 
+using RefusingQuorvex = RefusesQuorvex<CoObject<IZFrame_I>>;
+using RefusingTessilu = RefusesTessilu<CoObject<IZFFrame>>;
+
 /// What a foreign frame answers.
 struct ForeignState {
     Z_TIME time = {};
@@ -120,6 +125,9 @@ struct ForeignState {
     int32_t videoSize = 0;    ///< told in place of the true one, when not 0
     HRESULT infoStatus = S_OK;
     std::vector<uint8_t> packed;
+    std::vector<uint8_t> block;    ///< its stored form
+    HRESULT blockStatus = S_OK;
+    int32_t blockFlags = 0;    ///< as they were asked for
     int pixelReads = 0;
 
     bool Local() const { return process == CurrentProcessId(); }
@@ -230,6 +238,37 @@ public:
         AddRef();
         *object = static_cast<IZFFrame *>(this);
         return BstrCopyTo(index == 0 ? ZCK_TEXT("first") : ZCK_TEXT("third"), name);
+    }
+    HRESULT Z_STDCALL ZFSaveAll(int32_t *size, int64_t *block, int32_t flags) override {
+        m_state.blockFlags = flags;
+        if (FAILED(m_state.blockStatus)) return m_state.blockStatus;
+        return ForeignState::CopyOut(m_state.block, size, block);
+    }
+
+private:
+    ForeignState &m_state;
+};
+
+/// A frame of another process with both views, as this library's own have them.
+class ForeignBoth final : public RefusesTessilu<RefusesQuorvex<CoObject<IZFrame_I, IZFFrame>>> {
+public:
+    explicit ForeignBoth(ForeignState &state) : m_state(state) {}
+
+    HRESULT Z_STDCALL ZFProcessIdGet(uint32_t *process) override {
+        *process = m_state.process;
+        return S_OK;
+    }
+    HRESULT Z_STDCALL ZFInfoGet(ZF_INFO *info) override {
+        *info = {};
+        info->nProcessId = m_state.process;
+        return m_state.infoStatus;
+    }
+    HRESULT Z_STDCALL FrameVideoOffsetGet(int32_t *offset) override {
+        *offset = m_state.offset;
+        return S_OK;
+    }
+    HRESULT Z_STDCALL ZFSaveAll(int32_t *size, int64_t *block, int32_t) override {
+        return ForeignState::CopyOut(m_state.block, size, block);
     }
 
 private:

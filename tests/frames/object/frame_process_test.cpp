@@ -64,6 +64,37 @@ int CloneElsewhere(const std::vector<std::string> &args) {
 }
 const ChildRole kCloneElsewhere("clone-elsewhere", CloneElsewhere);
 
+// Process B again, for the other family: what crosses is the stored form, and the section that it names.
+int CloneStoredElsewhere(const std::vector<std::string> &args) {
+    ForeignState state;
+    state.process = static_cast<uint32_t>(std::stoul(args[0]));
+    state.offset = std::stoi(args[1]);
+    if (state.Local()) return 2;
+    std::string line;
+    std::getline(std::cin, line);
+    for (size_t i = 0; i + 1 < line.size(); i += 2) {
+        state.block.push_back(static_cast<uint8_t>(std::stoi(line.substr(i, 2), nullptr, 16)));
+    }
+    ComPtr<IZFFactory> factory;
+    if (FAILED(FrameFactoryCreate(ZIidOf<IZFFactory>(), factory.PutVoid()))) return 3;
+    ComPtr<IZFFrame> local;
+    {
+        const auto source = ForeignCreate<ForeignBoth, IZFFrame>(state);
+        if (factory->ZFFrameLocal(source.get(), local.Put(), 0) != S_OK) return 4;
+    }
+    const auto frame = As<IZFrame>(local);
+    const Bytes video = VideoOf(frame);
+    for (int32_t i = 0; i < video.size; ++i) {
+        if (video.data()[i] != PatternByte(static_cast<size_t>(i + state.offset))) return 6;
+    }
+    if (AudioOf(frame).Copy() != Pattern(400)) return 7;
+    int64_t value = 0;
+    if (local->ZFDataGet(Bstr(ZCK_TEXT("a long name")).get(), nullptr, &value) != S_OK || value != 42) return 8;
+    video.data()[2] = 0x3C;
+    return 0;
+}
+const ChildRole kCloneStoredElsewhere("clone-stored-elsewhere", CloneStoredElsewhere);
+
 std::string Hex(int64_t id) {
     char text[17];
     std::snprintf(text, sizeof(text), "%" PRIX64, static_cast<uint64_t>(id));
@@ -72,6 +103,19 @@ std::string Hex(int64_t id) {
 
 class FrameProcesses : public FrameTest {
 protected:
+    /// The stored form of a reference in one line.
+    static void StoredLine(const ComPtr<IZFFrame> &frame, std::string &line) {
+        int32_t size = 0;
+        int64_t block = 0;
+        ASSERT_EQ(S_OK, frame->ZFSaveAll(&size, &block, eZFC_Reference));
+        for (int32_t i = 0; i < size; ++i) {
+            constexpr char kDigits[] = "0123456789ABCDEF";
+            const uint8_t byte = At<uint8_t>(block)[i];
+            line += {kDigits[byte >> 4], kDigits[byte & 15]};
+        }
+        CoTaskMemFree(At<void>(block));
+    }
+
     void Cross(const ComPtr<IZFrame_I> &frame) {
         const std::vector<uint8_t> before = VideoOf(frame).Copy();
         int64_t section = 0;
@@ -91,6 +135,30 @@ protected:
         std::memcpy(VideoOf(frame).data(), before.data(), before.size());
     }
 };
+
+TEST_F(FrameProcesses, AFrameOfTheOtherFamilyIsClonedElsewhere) {
+    const auto frame = SoundFrame(Record(eZFCC_UYVY, kWidth, kHeight));
+    tagRECT rect = {};
+    rect.left = 8;
+    rect.top = 10;
+    rect.right = 40;
+    rect.bottom = 40;
+    ComPtr<IZFrame> cut;
+    ASSERT_EQ(S_OK, frame->FrameCut(0, &rect, cut.Put()));
+    for (const auto &source : {frame, As<IZFrame_I>(cut)}) {
+        std::string line;
+        int32_t offset = 0;
+        EXPECT_EQ(S_OK, As<IZFFrame>(source)->ZFDataSet(Bstr(ZCK_TEXT("a long name")).get(), 0, 42));
+        ASSERT_EQ(S_OK, source->FrameVideoOffsetGet(&offset));
+        ASSERT_NO_FATAL_FAILURE(StoredLine(As<IZFFrame>(source), line));
+        VideoOf(source).data()[2] = PatternByte(static_cast<size_t>(offset) + 2);
+        ChildProcess child;
+        ASSERT_TRUE(child.Start("clone-stored-elsewhere", {std::to_string(CurrentProcessId()), std::to_string(offset)}));
+        child.Send(line);
+        EXPECT_EQ(0, child.Wait());
+        EXPECT_EQ(0x3C, VideoOf(source).data()[2]);
+    }
+}
 
 TEST_F(FrameProcesses, AFrameIsReadAndClonedElsewhere) { Cross(Frame(Record(eZFCC_UYVY, kWidth, kHeight))); }
 

@@ -291,9 +291,6 @@ TEST_F(FrameViews, OperationsOfRoomsToComeAnswerNotImplemented) {
     Z_VID_PROPS props = Record(eZFCC_ARGB32, 8, -8);
     EXPECT_EQ(E_NOTIMPL, frame->FrameConvert(&props, result.Put(), nullptr));
     EXPECT_FALSE(result);
-    ComPtr<IUnknown> stream;
-    EXPECT_EQ(E_NOTIMPL, frame->ZFSaveToStream(stream.Put(), 786));
-    EXPECT_FALSE(stream);
     EXPECT_EQ(E_NOTIMPL, tessilu->ZFPrint(nullptr, 1.0, nullptr, 0, nullptr, 0));
 }
 

@@ -1,5 +1,5 @@
-#include "tests/props/persist/byte_stream.h"
 #include "tests/props/persist/persist_object.h"
+#include "tests/support/byte_stream.h"
 
 namespace zck {
 namespace {

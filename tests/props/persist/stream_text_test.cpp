@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "platform/com_ptr.h"
-#include "tests/props/persist/byte_stream.h"
 #include "tests/props/values/say.h"
+#include "tests/support/byte_stream.h"
 
 namespace zck {
 namespace {

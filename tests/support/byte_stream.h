@@ -13,6 +13,7 @@ namespace zck {
 class CByteStream : public CoObject<IStream> {
 public:
     HRESULT Z_STDCALL Read(void *pv, ULONG cb, ULONG *pcbRead) override {
+        m_largestAsked = std::max<size_t>(m_largestAsked, cb);
         const size_t count = std::min<size_t>({cb, m_bytes.size() - std::min(m_position, m_bytes.size()), m_most});
         if (FAILED(m_status)) return m_status;
         if (count != 0) std::memcpy(pv, m_bytes.data() + m_position, count);
@@ -22,6 +23,8 @@ public:
     }
     HRESULT Z_STDCALL Write(const void *pv, ULONG cb, ULONG *pcbWritten) override {
         const size_t count = std::min<size_t>(cb, m_most);
+        if (cb < m_least || m_after == 0) return E_ACCESSDENIED;
+        --m_after;
         if (m_bytes.size() < m_position + count) m_bytes.resize(m_position + count);
         std::memcpy(m_bytes.data() + m_position, pv, count);
         m_position += count;
@@ -50,8 +53,11 @@ public:
     static constexpr HRESULT kInvalidFunction = StatusOf(0x80030001);
     std::string m_bytes;
     size_t m_position = 0;
-    size_t m_most = SIZE_MAX;    // bytes that one call moves
-    HRESULT m_status = S_OK;     // a failure is what every call answers
+    size_t m_most = SIZE_MAX;     // bytes that one call moves
+    size_t m_least = 0;           // writes of fewer bytes are refused
+    size_t m_after = SIZE_MAX;    // and all after so many
+    size_t m_largestAsked = 0;    // by a read
+    HRESULT m_status = S_OK;      // a failure is what every call answers
     bool m_seeks = true;
 };
 
