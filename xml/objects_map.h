@@ -5,9 +5,9 @@
 #include <shared_mutex>
 
 #include "platform/com_ptr.h"
-#include "platform/name_key.h"
 #include "platform/sync.h"
 #include "xml/keyed_list.h"
+#include "xml/name_key.h"
 
 namespace zck::XMLParse {
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "fuzz/support/foreign_text.h"
-#include "platform/name_key.h"
+#include "xml/name_key.h"
 #include "xml/node.h"
 
 namespace zck::fuzz {
@@ -34,13 +34,13 @@ inline void RequireWhole(const XMLParse::XMLNodePtr &root, size_t depthMax) {
             }
             const Text name = child->NameGet();
             Require(!name.empty(), "a child has a name");
-            Require(node->ChildFind(name, seen[NameKey(name)]++).get() == child.get(), "a child is found");
+            Require(node->ChildFind(name, seen[XMLParse::NameKey(name)]++).get() == child.get(), "a child is found");
         }
         std::map<uint64_t, int32_t> names;
         Text name;
         Text value;
         for (size_t i = 0; node->AttributeAt(i, name, value); ++i) {
-            Require(!name.empty() && ++names[NameKey(name)] == 1, "an attribute has a name of its own");
+            Require(!name.empty() && ++names[XMLParse::NameKey(name)] == 1, "an attribute has a name of its own");
         }
         Require(names.size() == node->AttributeCount(), "attributes are counted");
     });

@@ -6,9 +6,9 @@
 
 #include "fuzz/support/foreign_text.h"
 #include "fuzz/support/trees.h"
-#include "platform/name_key.h"
 #include "platform/status.h"
 #include "xml/attribute_list.h"
+#include "xml/name_key.h"
 
 namespace zck::XMLParse {
 namespace {

@@ -3,16 +3,15 @@
 
 #include <random>
 
-#include "platform/name_key.h"
 #include "tests/conformance/xml_model.h"
 #include "xml/decode.h"
 #include "xml/entities.h"
+#include "xml/name_key.h"
 
 namespace conformance {
 namespace {
 
 using namespace zck::XMLParse;
-using zck::NameKey;
 
 TEST(NameKeys, WorkedKeys) {
     const struct {
