@@ -237,7 +237,7 @@ TEST_F(ConvertedClones, FormatsWithoutConversionGiveZeros) {
     std::vector<std::pair<eZFCC, eZFCC>> pairs = {
         {eZFCC_ARGB32, eZFCC_v210}, {eZFCC_v210, eZFCC_I420}, {eZFCC_I420, eZFCC_v210}};
     const auto closed = [](const FormatRow &row) {
-        return row.nPixelBits != 0 && row.pixels == PixelClass::None && row.route == RouteClass::None;
+        return (row.bPacked || row.bPlanar) && row.pixels == PixelClass::None && row.route == RouteClass::None;
     };
     for (const eZFCC none : test::FormatsWhere(closed)) {
         pairs.emplace_back(none, eZFCC_ARGB32);
