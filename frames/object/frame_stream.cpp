@@ -152,6 +152,7 @@ void CCoZFrame2::MediaReplace(FrameLoad &load) noexcept {
         const uint32_t size = load.audio.Size();
         m_audio.Attach(load.audio.Detach(), size);
         m_audioRef.Clear();
+        m_channels.Clear();
     }
     if (load.bTime) m_frameTime = load.time;
     if (load.bProps && ChoosesVideo(load.flags)) m_props.vidProps = load.props.vidProps;

@@ -17,10 +17,23 @@ constexpr const char *kGeneral = R"(zkey: takes a coloured screen out of clips a
   zkey detect INPUT                    finds the screen of one picture and prints the key
   zkey edit INPUT STEP...              builds a key on one picture, step by step
   zkey props [NAME[=VALUE] ...]        the keyer's properties; --store keeps one, --forget forgets it
+  zkey frame save|load|show ...        one keyed frame as a file, and what is in it
   zkey --version                       version and what it was built with
 
 A first try:  zkey key interview.mp4 -o interview.mov
 It looks for a green or blue screen, says what it found, and writes a clip with transparency.
+)";
+
+constexpr const char *kFrame = R"(zkey frame save INPUT -o FILE [options]
+  keys the first picture and stores the frame with its time and data. Pixels stay in memory that other programs
+  can reach, and go when the program ends: with --hold it stays until its input ends
+      --data NAME=TEXT    attaches data
+      --hold              waits, so that others can load the pixels
+      the options of the key, --raw and --prop as in zkey key --help
+zkey frame show FILE
+  tells what a stored frame holds
+zkey frame load FILE -o OUTPUT
+  writes the picture of a stored frame; .png, .raw and other pictures, as zkey key
 )";
 
 constexpr const char *kKey = R"(zkey key INPUT -o OUTPUT [options]
@@ -168,6 +181,8 @@ std::string EditHelp() {
 }
 
 std::string PropsHelp() { return kProps; }
+
+std::string FrameHelp() { return kFrame; }
 
 std::string VersionText() { return std::string("zkey ") + kVersion + ", " + LibavText() + "\n"; }
 

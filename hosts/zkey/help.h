@@ -10,6 +10,7 @@ std::string KeyHelp();
 std::string DetectHelp();
 std::string EditHelp();
 std::string PropsHelp();
+std::string FrameHelp();
 std::string VersionText();
 
 }    // namespace zkey

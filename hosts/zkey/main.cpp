@@ -3,6 +3,7 @@
 
 #include "hosts/zkey/edit_command.h"
 #include "hosts/zkey/failure.h"
+#include "hosts/zkey/frame_command.h"
 #include "hosts/zkey/help.h"
 #include "hosts/zkey/job.h"
 #include "hosts/zkey/pipe.h"
@@ -30,6 +31,7 @@ ExitStatus Run(const std::vector<std::string> &arguments) {
     if (first == "props") return zkey::RunPropsCommand({arguments.begin() + 1, arguments.end()});
     if (first == "detect") return zkey::RunDetectCommand({arguments.begin() + 1, arguments.end()});
     if (first == "edit") return zkey::RunEditCommand({arguments.begin() + 1, arguments.end()});
+    if (first == "frame") return zkey::RunFrameCommand({arguments.begin() + 1, arguments.end()});
     if (first != "key") {
         const bool input = first == "-" || first.starts_with('-') || zkey::Exists(first);
         zkey::FailUsage(input ? "the command is missing: zkey key " + first + " ..."

@@ -2,7 +2,10 @@
 #pragma once
 
 #include "zchromakey/com.h"
+#include "zchromakey/f_frame.h"
 #include "zchromakey/frame.h"
+#include "zchromakey/frame_i.h"
+#include "zchromakey/frame_info.h"
 #include "zchromakey/frames.h"
 #include "zchromakey/holders.h"
 #include "zchromakey/key.h"

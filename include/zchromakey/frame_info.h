@@ -1,4 +1,4 @@
-// Records of the private frame views.
+// Records of the wide frame views.
 #pragma once
 
 #include "zchromakey/media_types.h"
