@@ -11,11 +11,15 @@ else()
   target_link_libraries(zck_gtest_main INTERFACE GTest::gmock GTest::gtest GTest::gtest_main)
 endif()
 
-# The headers that all test programs include, compiled once for them: by a program, since its flags are those of programs.
+# The headers that all test programs include, compiled once for each of their two levels of optimisation: by programs, since
+# the flags are those of programs.
 if(ZCK_PCH)
   file(CONFIGURE OUTPUT zck_test_pch.cpp CONTENT "")
-  add_executable(zck_test_pch ${CMAKE_CURRENT_BINARY_DIR}/zck_test_pch.cpp)
-  zck_compile(zck_test_pch)
-  target_link_libraries(zck_test_pch PRIVATE zck_gtest_main)
-  target_precompile_headers(zck_test_pch PRIVATE <gtest/gtest.h> <algorithm> <random> <string> <vector>)
+  foreach(pch zck_test_pch zck_test_pch_kernel)
+    add_executable(${pch} ${CMAKE_CURRENT_BINARY_DIR}/zck_test_pch.cpp)
+    zck_compile(${pch})
+    target_link_libraries(${pch} PRIVATE zck_gtest_main)
+    target_precompile_headers(${pch} PRIVATE <gtest/gtest.h> <algorithm> <random> <string> <vector>)
+  endforeach()
+  target_compile_options(zck_test_pch PRIVATE -O0)
 endif()

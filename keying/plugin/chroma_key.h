@@ -50,6 +50,8 @@ public:
 protected:
     void *InterfaceFind(REFIID riid) noexcept override { return PersistViewFind(riid); }
 
+    Event m_outputDone;    ///< the output thread has no frame to work on
+
 private:
     static void OutputThread(void *owner, int32_t index, CWorkerThread &self);
 
@@ -69,7 +71,6 @@ private:
     CSliceThreads m_slices;
     CriticalSection m_keyingLock;
     CriticalSection m_receiveLock;
-    Event m_outputDone;
     ComPtr<IZFrame> m_pendingFrame;
     ComPtr<IZFrame> m_finishedFrame;
     mutable CriticalSection m_keyLock;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/sync.h"
+#include "tests/support/eventually.h"
 
 namespace zck {
 namespace {
@@ -73,15 +74,27 @@ TEST(FrameRWLockTest, WriterWaitsForTheLastReader) {
 TEST(FrameRWLockTest, AnnouncedWriterGoesBeforeLaterReaders) {
     FrameRWLock lock;
     Shared mine(lock);
-    auto writer = std::make_unique<Contender<Exclusive>>(lock);
-    EXPECT_FALSE(writer->Inside(30));
-    Contender<Shared> late(lock);
-    EXPECT_FALSE(late.Inside(30));
+    Contender<Exclusive> writer(lock);
+    std::atomic<int> entries{0};
+    std::atomic<bool> writerWasIn{false};
+    std::thread later([&] {
+        while (!writerWasIn) {
+            const Shared hold(lock);
+            ++entries;
+        }
+    });
+    // The announcement itself cannot be seen, only that later readers come in no more.
+    EXPECT_TRUE(test::Eventually([&] {
+        const int before = entries;
+        SleepMs(30);
+        return entries == before;
+    }));
+    EXPECT_FALSE(writer.Inside(0));
     mine.unlock();
-    EXPECT_TRUE(writer->Inside(10000));
-    EXPECT_FALSE(late.Inside(0));
-    writer.reset();
-    EXPECT_TRUE(late.Inside(10000));
+    EXPECT_TRUE(writer.Inside(kInfinite));
+    writerWasIn = true;
+    writer.Leave();
+    later.join();
 }
 
 TEST(FrameRWLockTest, ExclusiveOwnerEntersAgain) {

@@ -23,10 +23,10 @@ TEST(Writer, DepthIsInFront) {
 }
 
 TEST(Writer, AtMost64Tabs) {
-    EXPECT_EQ(Written(Tree("<a/>"), 64), std::string(64, '\t') + "<a/>");
-    EXPECT_EQ(Written(Tree("<a/>"), 65), std::string(64, '\t') + "<a/>");
-    EXPECT_EQ(Written(Tree("<a><b/></a>"), 600),
-              std::string(64, '\t') + "<a>\r\n" + std::string(64, '\t') + "<b/>\r\n" + std::string(64, '\t') + "</a>");
+    const std::string tabs(64, '\t');
+    EXPECT_EQ(Written(Tree("<a/>"), 64), tabs + "<a/>");
+    EXPECT_EQ(Written(Tree("<a/>"), 65), tabs + "<a/>");
+    EXPECT_EQ(Written(Tree("<a><b/></a>"), 600), tabs + "<a>\r\n" + tabs + "<b/>\r\n" + tabs + "</a>");
 }
 
 TEST(Writer, EscapesTextAndNotValues) {

@@ -4,17 +4,14 @@
 #include <vector>
 
 #include "frames/memory/ipc_buffer_heap.h"
+#include "tests/support/eventually.h"
 
 namespace zck {
 namespace {
 
-// Waits until the thread has brought the count down, at most ten seconds.
+// Waits until the thread has brought the count down.
 bool FallsTo(IPCBufferHeap &heap, int32_t count) {
-    for (int i = 0; i < 10000; ++i) {
-        if (heap.BufferCount() <= count) return true;
-        SleepMs(1);
-    }
-    return false;
+    return test::Eventually([&] { return heap.BufferCount() <= count; });
 }
 
 void Fill(IPCBufferHeap &heap, int32_t size, int32_t count) { ASSERT_EQ(heap.GetBuffer(size, nullptr, count), S_OK); }
@@ -87,12 +84,11 @@ TEST(ReleaseFreeFrames, ClosesTheSections) {
     heap.ReturnFrame(b);
     ASSERT_TRUE(FallsTo(heap, 0));
     IPCBuffer other;
-    // The count falls before the section is closed, so look for a while.
-    for (int i = 0; i < 2000 && other.OpenBuffer(id) == S_OK; ++i) {
+    // The count falls before the section is closed.
+    EXPECT_TRUE(test::Eventually([&] {
         other.CloseBuffer();
-        SleepMs(1);
-    }
-    EXPECT_NE(other.OpenBuffer(id), S_OK);
+        return other.OpenBuffer(id) != S_OK;
+    }));
 }
 
 TEST(ReleaseWorker, BringsThePoolBackToSixteen) {

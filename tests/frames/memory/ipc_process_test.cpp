@@ -11,6 +11,7 @@
 #include "frames/memory/ipc_buffer_heap.h"
 #include "platform/status.h"
 #include "tests/support/child_process.h"
+#include "tests/support/eventually.h"
 
 namespace zck {
 namespace {
@@ -75,15 +76,12 @@ int Holder(const std::vector<std::string> &args) {
 }
 const ChildRole kHolder("holder", Holder);
 
-// Waits until a section has gone, at most five seconds: a killed process is taken apart by the system.
+// Waits until a section has gone: a killed process is taken apart by the system.
 bool Goes(uint64_t id) {
-    for (int i = 0; i < 5000; ++i) {
+    return test::Eventually([&] {
         IPCBuffer b;
-        if (b.OpenBuffer(id) == kErrorFileNotFound) return true;
-        b.CloseBuffer();
-        SleepMs(1);
-    }
-    return false;
+        return b.OpenBuffer(id) == kErrorFileNotFound;
+    });
 }
 
 TEST(TwoProcesses, ASectionIsOpenedByItsNumber) {

@@ -10,6 +10,7 @@
 #include "frames/media/pixel_format.h"
 #include "keying/plugin/chroma_key.h"
 #include "platform/status.h"
+#include "tests/support/awaited_keyer.h"
 #include "zchromakey/zchromakey.h"
 
 namespace zck {
@@ -29,11 +30,13 @@ protected:
 
     /// Another plug-in takes the place of the present one.
     void Create() {
-        ASSERT_EQ(CreateObject<CCoZChromaKey>(nullptr, IID_IZPlugin, reinterpret_cast<void **>(m_plugin.Put())), S_OK);
+        ASSERT_EQ(CreateObject<test::AwaitedKeyer>(nullptr, IID_IZPlugin, reinterpret_cast<void **>(m_plugin.Put())), S_OK);
         m_key = QueryFor<IZChromaKey>(m_plugin.get());
         m_props = QueryFor<IZProps>(m_plugin.get());
         ASSERT_TRUE(m_key && m_props);
     }
+
+    void AwaitOutput() { test::AwaitedKeyer::AwaitOutput(m_plugin.get()); }
 
     std::string Get(const char *name) {
         const Bstr bsName(TextFromUtf8(name));

@@ -13,6 +13,7 @@ TEST_F(MediaPath, EachFrameComesOneCallLate) {
     ComPtr<IZFrame> out;
     EXPECT_EQ(m_plugin->OnMediaReceive(0, nullptr, first.get(), out.Put()), S_FALSE);
     EXPECT_FALSE(out);
+    AwaitOutput();
     EXPECT_EQ(m_plugin->OnMediaReceive(0, nullptr, Frame(eZFCC_RGB32, 32, 16).get(), out.Put()), S_OK);
     ASSERT_TRUE(out);
     Z_AV_PROPS props{};
@@ -61,6 +62,7 @@ TEST_F(MediaPath, ASwitchedOffKeyRefusesTheFrameButKeepsIt) {
     EXPECT_EQ(m_key->KeyGet(nullptr, key.Put(), nullptr), CLASS_E_CLASSNOTAVAILABLE);
     Set("output.thread", "true");
     EXPECT_EQ(m_plugin->OnMediaReceive(0, nullptr, Frame().get(), out.Put()), S_FALSE);
+    AwaitOutput();
     EXPECT_EQ(m_plugin->OnMediaReceive(0, nullptr, Frame().get(), out.Put()), S_FALSE);
     EXPECT_FALSE(out);
 }
@@ -181,6 +183,7 @@ TEST_F(MediaPath, FrameProcessHandsTheInputBackWhenThereIsNoResult) {
     ComPtr<IUnknown> out;
     EXPECT_EQ(process->FrameProcess(in.get(), out.Put(), nullptr), S_FALSE);
     EXPECT_EQ(QueryFor<IZFrame>(out.get()).get(), in.get());
+    AwaitOutput();
     EXPECT_EQ(process->FrameProcess(Frame().get(), out.Put(), nullptr), S_OK);
     EXPECT_NE(QueryFor<IZFrame>(out.get()).get(), in.get());
 }
@@ -191,6 +194,7 @@ TEST_F(MediaPath, FlushAndEndLeaveThePendingFrame) {
     m_plugin->OnMediaReceive(0, nullptr, Frame().get(), out.Put());
     EXPECT_EQ(m_plugin->OnMediaFlush(0, nullptr, 7), S_OK);
     EXPECT_EQ(m_plugin->OnMediaEnd(0, nullptr, 7), S_OK);
+    AwaitOutput();
     EXPECT_EQ(m_plugin->OnMediaReceive(0, nullptr, Frame().get(), out.Put()), S_OK);
     EXPECT_TRUE(out);
 }

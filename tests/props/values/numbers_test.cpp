@@ -153,10 +153,12 @@ TEST(FloatFromText, RangeEndsInInfinityAndZero) {
 TEST(FloatFromText, KeepsTheSignOfZero) { EXPECT_TRUE(std::signbit(FloatFromText(In("-0")))); }
 
 TEST(FloatFromText, ZerosInFrontOfTheDigitsDoNotCount) {
-    EXPECT_EQ(FloatFromText(In(std::string(5000, '0') + "7")), 7.0);
-    EXPECT_EQ(FloatFromText(In("0." + std::string(299, '0') + "1e300")), 1.0);
-    EXPECT_EQ(FloatFromText(In("1" + std::string(2000, '0') + "e-2000")), 1.0);
-    EXPECT_EQ(FloatFromText(In(std::string(2000, '9') + "e-2000")), 1.0);
+    const std::string zeros(5000, '0');
+    const std::string nines(2000, '9');
+    EXPECT_EQ(FloatFromText(In(zeros + "7")), 7.0);
+    EXPECT_EQ(FloatFromText(In("0." + zeros.substr(0, 299) + "1e300")), 1.0);
+    EXPECT_EQ(FloatFromText(In("1" + zeros.substr(0, 2000) + "e-2000")), 1.0);
+    EXPECT_EQ(FloatFromText(In(nines + "e-2000")), 1.0);
 }
 
 TEST(FloatFromText, IsExactWhereOnlyAFarDigitDecides) {
