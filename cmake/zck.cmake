@@ -32,20 +32,20 @@ function(zck_headers name)
   target_link_libraries(zck_${name} INTERFACE ${ARG_LINKS})
 endfunction()
 
-# zck_test(<name> SOURCES <file>... [LINKS <target>...] [LABELS <label>...])
+# zck_test(<name> [OPTIMISED] SOURCES <file>... [LINKS <target>...] [LABELS <label>...])
 # One GoogleTest program per folder: the target test_<name>, run by CTest as one test.
 #
-# Tests are compiled without optimisation: to compile them takes most of a build's time, to run them little. Those with the
-# label `kernel` walk over many pixels in code of their own and keep the level of the preset.
+# Tests are compiled without optimisation: to compile them takes most of a build's time, to run them little. Those that walk
+# over many pixels in code of their own keep the level of the preset: with OPTIMISED, or with the label `kernel`.
 function(zck_test name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS;LABELS" ${ARGN})
+  cmake_parse_arguments(ARG "OPTIMISED" "" "SOURCES;LINKS;LABELS" ${ARGN})
   if(NOT ARG_LABELS)
     set(ARG_LABELS unit)
   endif()
   add_executable(test_${name} ${ARG_SOURCES})
   zck_compile(test_${name})
-  set(pch zck_test_pch_kernel)
-  if(NOT kernel IN_LIST ARG_LABELS)
+  set(pch zck_test_pch_optimised)
+  if(NOT ARG_OPTIMISED AND NOT kernel IN_LIST ARG_LABELS)
     set(pch zck_test_pch)
     target_compile_options(test_${name} PRIVATE -O0)
   endif()

@@ -15,7 +15,7 @@ endif()
 # the flags are those of programs.
 if(ZCK_PCH)
   file(CONFIGURE OUTPUT zck_test_pch.cpp CONTENT "")
-  foreach(pch zck_test_pch zck_test_pch_kernel)
+  foreach(pch zck_test_pch zck_test_pch_optimised)
     add_executable(${pch} ${CMAKE_CURRENT_BINARY_DIR}/zck_test_pch.cpp)
     zck_compile(${pch})
     target_link_libraries(${pch} PRIVATE zck_gtest_main)
