@@ -12,7 +12,6 @@ HRESULT Absent(T **out) {
 
 }    // namespace
 
-
 HRESULT CCoZFrame2::ZFOverlay(IZFFrame *, IZFFrame *, int32_t, int32_t, double, BSTR, int64_t, int32_t) { return E_NOTIMPL; }
 HRESULT CCoZFrame2::ZFConvert(Z_AV_PROPS *, IZFFrame **, int32_t *, BSTR, int64_t) { return E_NOTIMPL; }
 HRESULT CCoZFrame2::ZFResize(eZFCC, int32_t, int32_t, int32_t, IZFFrame **_ppFrameRes, BSTR, int64_t) {

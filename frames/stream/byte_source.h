@@ -7,8 +7,6 @@
 
 namespace zck {
 
-constexpr HRESULT kErrorHandleEof = StatusOf(0x80070026);    ///< fewer bytes than asked for
-
 /// Most bytes that the count of a text may tell.
 constexpr uint32_t kTextBytesMax = 0x100000;
 

@@ -19,7 +19,7 @@ void Put(std::string &out, uint32_t value, int32_t bytes) {
 }
 
 std::string Headers(eZFCC fcc, int32_t width, int32_t height, uint32_t imageBytes) {
-    const PixelFormatRow &row = *PixelFormatFind(fcc);
+    const FormatRow &row = *PixelFormatFind(fcc);
     std::string out = "BM";
     Put(out, kFileHeader + kInfoHeader + imageBytes, 4);
     Put(out, 0, 4);
@@ -46,8 +46,7 @@ void PutPixel(std::string &out, int32_t luma, int32_t cb, int32_t cr) {
 }
 
 /// The last row first.
-void PutPairs(std::string &out, const PixelFormatRow &format, int32_t width, int32_t rows, int64_t step,
-              const uint8_t *pixels) {
+void PutPairs(std::string &out, const FormatRow &format, int32_t width, int32_t rows, int64_t step, const uint8_t *pixels) {
     for (int64_t y = rows - 1; y >= 0; --y) {
         const uint8_t *pair = pixels + y * step;
         for (int32_t x = 0; x < width; x += 2, pair += 4) {
@@ -61,7 +60,7 @@ void PutPairs(std::string &out, const PixelFormatRow &format, int32_t width, int
 bool IsPlainRgb(eZFCC fcc) { return fcc == eZFCC_RGB24 || fcc == eZFCC_RGB32 || fcc == eZFCC_ARGB32; }
 bool IsPairs(eZFCC fcc) { return fcc == eZFCC_YUY2 || fcc == eZFCC_UYVY || fcc == eZFCC_YVYU; }
 
-bool Suits(const PixelFormatRow &format, int32_t width, int32_t height, int32_t rowPixels) {
+bool Suits(const FormatRow &format, int32_t width, int32_t height, int32_t rowPixels) {
     if (width < 1 || width % format.nDivX != 0 || height % format.nDivY != 0) return false;
     return rowPixels == 0 || (rowPixels >= width && rowPixels % format.nDivX == 0);
 }
@@ -69,7 +68,7 @@ bool Suits(const PixelFormatRow &format, int32_t width, int32_t height, int32_t 
 }    // namespace
 
 HRESULT WriteBmp(TextView name, eZFCC fcc, int32_t width, int32_t height, int32_t rowPixels, const uint8_t *pixels) {
-    const PixelFormatRow *format = PixelFormatFind(fcc);
+    const FormatRow *format = PixelFormatFind(fcc);
     if (name.empty() || height == 0 || pixels == nullptr || format == nullptr) return E_INVALIDARG;
     if (!Suits(*format, width, height, rowPixels) || (!IsPlainRgb(fcc) && !IsPairs(fcc))) return E_INVALIDARG;
     return Guarded([&]() -> HRESULT {
