@@ -27,7 +27,8 @@ struct IZFrame : IUnknown {
     virtual HRESULT Z_STDCALL FrameVideoGetHbitmap(int64_t *_pcpHBitmap) = 0;
     /// Saves the picture; the kind of file follows from the extension. Not implemented yet: `E_NOTIMPL`.
     virtual HRESULT Z_STDCALL FrameVideoSaveToFile(BSTR _bsFileName) = 0;
-    /// Saves the audio as a WAV file, or adds it to the end of one. Not implemented yet: `E_NOTIMPL`.
+    /// Saves the audio as a WAV file, or adds it to the end of one. Adding to a file that holds no sound of the same format
+    /// starts it anew.
     virtual HRESULT Z_STDCALL FrameAudioSaveToFile(BSTR _bsFileName, int32_t _bAppend) = 0;
     /// Ancillary data by index, in the order of first insertion: its code, its byte count and its address, which stays good
     /// while the frame holds the entry. A value that was set with a count of 0 comes back in place of the address. Each

@@ -451,7 +451,6 @@ TEST_F(Keyer, TakesTheKeyOfAKeyObject) {
     FakeKey object;
     object.m_raw.eType = eCKT_YUV;
     object.m_raw.nKeysUsed = 20;
-    object.m_status = E_FAIL;    // nobody looks at it
     EXPECT_EQ(m_key->KeySet(&object), S_OK);
     EXPECT_EQ(object.m_calls, 1);
     EXPECT_TRUE(object.m_adjustAsked);
@@ -459,6 +458,15 @@ TEST_F(Keyer, TakesTheKeyOfAKeyObject) {
     EXPECT_EQ(m_key->KeyRawGet(&back), S_OK);
     EXPECT_EQ(back.eType, eCKT_YUV);
     EXPECT_EQ(back.nKeysUsed, 20);
+    EXPECT_EQ(object.m_refs, 1U);
+
+    // A read that fails copies nothing, and nobody is told.
+    object.m_raw.eType = eCKT_HLS;
+    object.m_status = E_FAIL;
+    EXPECT_EQ(m_key->KeySet(&object), S_OK);
+    EXPECT_EQ(object.m_calls, 2);
+    EXPECT_EQ(m_key->KeyRawGet(&back), S_OK);
+    EXPECT_EQ(back.eType, eCKT_YUV);
     EXPECT_EQ(object.m_refs, 1U);
 }
 
