@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 #include "frames/media/audio_props.h"
 #include "platform/status.h"

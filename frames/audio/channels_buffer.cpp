@@ -1,6 +1,7 @@
 #include "frames/audio/channels_buffer.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "frames/audio/channel_map.h"
 #include "frames/media/audio_props.h"

@@ -1,5 +1,7 @@
 #include "frames/data/packed_data.h"
 
+#include <cstring>
+
 #include "frames/data/data_name.h"
 
 namespace zck {

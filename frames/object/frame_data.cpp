@@ -1,4 +1,6 @@
 // Ancillary data by name and by four-character code.
+#include <cstring>
+
 #include "frames/data/data_name.h"
 #include "frames/object/address.h"
 #include "frames/object/frame.h"

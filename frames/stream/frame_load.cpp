@@ -1,5 +1,7 @@
 #include "frames/stream/frame_load.h"
 
+#include <cstring>
+
 #include "frames/stream/byte_source.h"
 #include "platform/memory_stream.h"
 

@@ -1,5 +1,7 @@
 #include "frames/stream/frame_save.h"
 
+#include <cstring>
+
 #include "platform/copy.h"
 #include "platform/memory_stream.h"
 #include "platform/status.h"

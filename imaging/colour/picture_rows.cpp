@@ -102,9 +102,16 @@ void Nv12To(uint8_t *dst, const RowFrom &src, int32_t width) {
     }
 }
 
+/// A function of a table. It has no default: a table in which a new class has no entry does not compile.
+template <class Function>
+struct Entry {
+    constexpr Entry(Function function) : call(function) {}
+    Function call;
+};
+
 // Rows are sources, columns packed targets, both in the order of `PixelClass`.
 constexpr int kPackedClasses = static_cast<int>(PixelClass::Planes420);    // the classes before it
-constexpr PackedRow kPackedRows[kPixelClasses][kPackedClasses] = {
+constexpr Entry<PackedRow> kPackedRows[kPixelClasses][kPackedClasses] = {
     // The last one reads YVYU as YUY2.
     {Copy<2>, Kernel<&K::swap_chroma>, Packed<YvyuToUyvy>, Packed<YvyuToBgr>, Opaque<&K::yuy2_to_bgra>},
     {Kernel<&K::swap_chroma>, Copy<2>, Kernel<&K::yuy2_to_uyvy>, Packed<RowYuy2ToBgr>, Opaque<&K::yuy2_to_bgra>},
@@ -143,28 +150,14 @@ void ToNv12(const RowsTo &dst, const RowFrom &a, const RowFrom &b, int32_t width
 }
 
 struct To420Kind {
-    PlanesRows planes;
-    PlanesRows nv12;
+    Entry<PlanesRows> planes;
+    Entry<PlanesRows> nv12;
 };
 constexpr To420Kind kTo420[kPackedClasses] = {{YvyuTo420, ToNv12<YvyuTo420, 2>},
                                               {To420<RowsYuy2To420>, ToNv12<To420<RowsYuy2To420>, 2>},
                                               {To420<RowsUyvyTo420>, ToNv12<To420<RowsUyvyTo420>, 2>},
                                               {To420<RowsBgrTo420>, ToNv12<To420<RowsBgrTo420>, 3>},
                                               {BgraTo420, ToNv12<BgraTo420, 4>}};
-
-// A new class has all its entries.
-constexpr bool Complete() {
-    for (const auto &row : kPackedRows) {
-        for (const PackedRow entry : row) {
-            if (entry == nullptr) return false;
-        }
-    }
-    for (const To420Kind &kind : kTo420) {
-        if (kind.planes == nullptr || kind.nv12 == nullptr) return false;
-    }
-    return true;
-}
-static_assert(Complete());
 
 // Grey for a picture that has no chroma.
 struct Grey {
@@ -290,13 +283,13 @@ RowFrom PictureRow(const uint8_t *image, const ImageLayout &layout, int32_t left
 
 PackedRow PackedRowFind(PixelClass from, PixelClass to) {
     if (from == PixelClass::None || to == PixelClass::None || Is420(to)) return nullptr;
-    return kPackedRows[static_cast<int>(from)][static_cast<int>(to)];
+    return kPackedRows[static_cast<int>(from)][static_cast<int>(to)].call;
 }
 
 PlanesRows PlanesRowsFind(PixelClass from, PixelClass to) {
     if (from == PixelClass::None || Is420(from) || !Is420(to)) return nullptr;
     const To420Kind &kind = kTo420[static_cast<int>(from)];
-    return to == PixelClass::Nv12 ? kind.nv12 : kind.planes;
+    return to == PixelClass::Nv12 ? kind.nv12.call : kind.planes.call;
 }
 
 void PictureConvert(const uint8_t *src, const ImageLayout &from, uint8_t *dst, const ImageLayout &to, const PicturePart &part,

@@ -166,16 +166,6 @@ constexpr ConvertRoute kRoutes[kRouteClasses][kRouteClasses] = {
      {CopyV210Row, 1}},
 };
 
-// A new class has all its entries; 32-bit and 24-bit RGB to v210 have none.
-constexpr int Unprovided() {
-    int count = 0;
-    for (const auto &row : kRoutes) {
-        for (const ConvertRoute &route : row) count += route.routine == nullptr ? 1 : 0;
-    }
-    return count;
-}
-static_assert(Unprovided() == 2);
-
 }    // namespace
 
 const ConvertRoute *ConvertRouteFind(eZFCC from, eZFCC to) {

@@ -30,6 +30,9 @@ struct RowJob {
 using RowRoutine = void (*)(const RowJob &job);
 
 struct ConvertRoute {
+    /// There is no default: a table in which a new class has no entry does not compile.
+    constexpr ConvertRoute(RowRoutine row, int32_t alphaArg) : routine(row), nAlphaArg(alphaArg) {}
+
     RowRoutine routine;    ///< null: not provided
     int32_t nAlphaArg;     ///< -1: the routine is told the alpha, always 255; 1: it is not
 };

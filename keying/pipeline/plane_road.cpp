@@ -1,6 +1,7 @@
 #include "keying/pipeline/plane_road.h"
 
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <new>
 #include <utility>

@@ -1,5 +1,7 @@
 #include "keying/pipeline/row_keyer.h"
 
+#include <cstring>
+
 namespace zck {
 
 void RowKeyer::Start(const KeyView &view, const KeyPlan *plan) {

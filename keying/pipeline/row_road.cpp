@@ -1,6 +1,7 @@
 #include "keying/pipeline/row_road.h"
 
 #include <atomic>
+#include <cstring>
 
 namespace zck {
 namespace {

@@ -1,5 +1,7 @@
 #include "keying/pipeline/row_spill.h"
 
+#include <cstring>
+
 namespace zck {
 namespace {
 

@@ -1,6 +1,7 @@
 #include "keying/pipeline/smooth_stream.h"
 
 #include <bit>
+#include <cstring>
 
 namespace zck {
 namespace {

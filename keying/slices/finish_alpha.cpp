@@ -1,5 +1,6 @@
 #include "keying/slices/finish_alpha.h"
 
+#include <cstring>
 #include <limits>
 #include <vector>
 

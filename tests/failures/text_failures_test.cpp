@@ -1,4 +1,6 @@
 // Settings, trees and their text.
+#include <cstring>
+
 #include "keying/plugin/chroma_key.h"
 #include "platform/settings.h"
 #include "props/store/store.h"

@@ -1,4 +1,6 @@
 // `KeyDetect`: parameters, the blocks that it accepts, and what becomes of key, ranges, history and picture.
+#include <cstring>
+
 #include "keyobject/block_scan.h"
 #include "platform/files.h"
 #include "tests/keyobject/key_fixture.h"

@@ -1,6 +1,8 @@
 // The frames of a key object: what it takes, what it gives back, and what a preview is.
 #include "keyobject/key_frames.h"
 
+#include <cstring>
+
 #include "keyobject/key_adjust.h"
 #include "tests/keyobject/key_fixture.h"
 #include "tests/keyobject/own_frame.h"

@@ -2,6 +2,7 @@
 #include "imaging/colour/convert.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "frames/media/pixel_format.h"
 #include "frames/views/frame_shell.h"

@@ -1,4 +1,6 @@
 // Frames from descriptions and memory, and the pool behind them.
+#include <cstring>
+
 #include "frames/memory/ipc_buffer.h"
 #include "frames/views/frame_shell.h"
 #include "tests/frames/object/frame_fixture.h"

@@ -1,6 +1,8 @@
 // What tests of a frame's sound share.
 #pragma once
 
+#include <cstring>
+
 #include "tests/frames/object/frame_fixture.h"
 
 namespace zck::test {

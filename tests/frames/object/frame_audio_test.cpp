@@ -1,5 +1,6 @@
 // The frame's own sound: setting it, its channels, gain, levels.
 #include <cmath>
+#include <cstring>
 #include <limits>
 
 #include "tests/frames/object/audio_fixture.h"

@@ -1,5 +1,6 @@
 // Clones of our own frames, on both roads.
 #include <cstdlib>
+#include <cstring>
 
 #include "frames/object/frame.h"
 #include "tests/frames/object/frame_fixture.h"

@@ -1,3 +1,5 @@
+#include <cstring>
+
 #include "tests/frames/object/frame_fixture.h"
 
 namespace zck::test {

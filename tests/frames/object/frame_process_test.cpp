@@ -1,6 +1,7 @@
 // A frame of one process, opened by its section's number in another.
 #include <cinttypes>
 #include <cstdio>
+#include <cstring>
 #include <iostream>
 #include <string>
 

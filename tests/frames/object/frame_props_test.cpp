@@ -1,4 +1,6 @@
 // The checked form of setting the description.
+#include <cstring>
+
 #include "frames/media/pixel_format.h"
 #include "tests/frames/object/frame_fixture.h"
 

@@ -1,4 +1,6 @@
 // Frames stored and loaded, as streams and as blocks.
+#include <cstring>
+
 #include "frames/object/frame.h"
 #include "platform/memory_stream.h"
 #include "tests/frames/object/foreign_frame.h"

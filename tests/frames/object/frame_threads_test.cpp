@@ -1,5 +1,6 @@
 // One frame and many threads. Most of what these find shows under the thread sanitizer.
 #include <atomic>
+#include <cstring>
 #include <thread>
 
 #include "frames/media/pixel_format.h"

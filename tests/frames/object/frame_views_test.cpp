@@ -1,4 +1,6 @@
 // One object, three views: queries, counting, and that every view reaches the same state.
+#include <cstring>
+
 #include "frames/views/frame_shell.h"
 #include "frames/views/sample_buffer.h"
 #include "platform/process.h"

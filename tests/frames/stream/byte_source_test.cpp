@@ -1,5 +1,7 @@
 #include "frames/stream/byte_source.h"
 
+#include <cstring>
+
 #include "tests/frames/stream/stored_bytes.h"
 
 namespace zck::test {

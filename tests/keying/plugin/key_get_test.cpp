@@ -1,4 +1,6 @@
 // `KeyGet` and `KeySet`: the round between the plug-in and a key object.
+#include <cstring>
+
 #include "keyobject/key_value.h"
 #include "platform/class_table.h"
 #include "tests/keying/plugin/keyer_test.h"

@@ -1,3 +1,4 @@
+#include <cstring>
 #include <thread>
 
 #include "tests/keying/plugin/keyer_test.h"
