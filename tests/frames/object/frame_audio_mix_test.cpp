@@ -116,8 +116,8 @@ TEST_F(AudioTest, AddIntoAFrameWithoutSound) {
     ASSERT_EQ(S_OK, other->ZFAudioSamplesSet(&record, 0));
     EXPECT_EQ(S_OK, other->ZFAudioAdd(source.get(), nullptr, nullptr, -1, 0, 0, 0));
     EXPECT_EQ(16, Record(other).nBitsPerSample);
-    int32_t far = INT32_MAX;
-    EXPECT_EQ(E_OUTOFMEMORY, Empty()->ZFAudioAdd(source.get(), nullptr, &far, -1, 0, 0, 0));
+    int32_t farAway = INT32_MAX;
+    EXPECT_EQ(E_OUTOFMEMORY, Empty()->ZFAudioAdd(source.get(), nullptr, &farAway, -1, 0, 0, 0));
 }
 
 TEST_F(AudioTest, AddMeasuresTheWholeFrame) {
