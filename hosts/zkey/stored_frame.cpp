@@ -32,7 +32,8 @@ std::string BytesOf(const std::string &path) {
     PipeReader file(path);
     std::string bytes;
     std::vector<uint8_t> piece(std::size_t{1} << 20);
-    while (const std::size_t got = file.Read(piece.data(), piece.size())) bytes.append(piece.begin(), piece.begin() + got);
+    while (const std::size_t got = file.Read(piece.data(), piece.size()))
+        bytes.append(reinterpret_cast<const char *>(piece.data()), got);
     return bytes;
 }
 

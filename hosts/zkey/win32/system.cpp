@@ -18,6 +18,12 @@ std::atomic<bool> g_interrupted{false};
 // The second interrupt is left to the system, which ends the program.
 BOOL WINAPI OnInterrupt(DWORD) { return g_interrupted.exchange(true) ? FALSE : TRUE; }
 
+// The C library takes every character device for a terminal, and files that a shell has put in place of one.
+bool IsConsole(DWORD handle) {
+    DWORD mode = 0;
+    return GetConsoleMode(GetStdHandle(handle), &mode) != 0;
+}
+
 std::wstring Wide(const std::string &text) {
     const int n = MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0);
     std::wstring out(static_cast<size_t>(n), L'\0');
@@ -103,8 +109,8 @@ bool SameFile(const std::string &a, const std::string &b) {
            CompareStringOrdinal(FullPath(a).c_str(), -1, FullPath(b).c_str(), -1, TRUE) == CSTR_EQUAL;
 }
 
-bool ErrorIsTerminal() { return _isatty(_fileno(stderr)) != 0; }
-bool InputIsTerminal() { return _isatty(_fileno(stdin)) != 0; }
+bool ErrorIsTerminal() { return IsConsole(STD_ERROR_HANDLE); }
+bool InputIsTerminal() { return IsConsole(STD_INPUT_HANDLE); }
 
 void WatchInterrupt() { SetConsoleCtrlHandler(OnInterrupt, TRUE); }
 
