@@ -25,7 +25,7 @@ public:
     T Take() {
         T value = {};
         const size_t n = std::min(m_left, sizeof(T));
-        std::memcpy(&value, m_data, n);
+        if (n != 0) std::memcpy(&value, m_data, n);
         Skip(n);
         return value;
     }
