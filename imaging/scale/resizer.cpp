@@ -106,7 +106,7 @@ void Resizer::Columns(const uint8_t *row, uint8_t *dst) {
 
 // Areas in units of 1/target of a source sample, in both directions. The largest sum, 255 times the area of the source, is
 // far below 64 bits for anything that has memory.
-void Resizer::SummedRow(int32_t y, const ScaleRows &source, uint8_t *dst) {
+void Resizer::SummedRow(int32_t y, const RowsOnDemand &source, uint8_t *dst) {
     const auto [sw, sh] = m_shape.source;
     const auto [tw, th] = m_shape.target;
     const int64_t pixel = m_shape.channels;
@@ -130,7 +130,7 @@ void Resizer::SummedRow(int32_t y, const ScaleRows &source, uint8_t *dst) {
     for (size_t i = 0; i < m_sums.size(); ++i) dst[i] = static_cast<uint8_t>((2 * m_sums[i] + area) / (2 * area));
 }
 
-void Resizer::FilteredRow(int32_t y, const ScaleRows &source, uint8_t *dst) {
+void Resizer::FilteredRow(int32_t y, const RowsOnDemand &source, uint8_t *dst) {
     ResizeTaps taps = {y, 1, {1 << kWeightBits}};
     if (m_shape.source.height != m_shape.target.height || Filters(m_shape.code))
         ResizeTapsMake(m_shape.code, m_shape.source.height, m_shape.target.height, y, &taps);
@@ -150,7 +150,7 @@ void Resizer::FilteredRow(int32_t y, const ScaleRows &source, uint8_t *dst) {
         k.narrow(dst, m_mid.data(), m_shape.target.width * channels);
 }
 
-void Resizer::Row(int32_t y, const ScaleRows &source, uint8_t *dst) {
+void Resizer::Row(int32_t y, const RowsOnDemand &source, uint8_t *dst) {
     if (m_bSummed)
         SummedRow(y, source, dst);
     else

@@ -13,7 +13,7 @@ constexpr int32_t kPrimitiveNoMemory = -9;
 
 /// Rows of a source that are made when they are asked for. A row is good until another row was asked for that lies
 /// `Resizer::RowsAtOnce` or more away from it.
-struct ScaleRows {
+struct RowsOnDemand {
     const uint8_t *(*row)(void *owner, int32_t y);
     void *owner;
 };
@@ -45,14 +45,14 @@ public:
     int32_t RowsAtOnce() const;
 
     /// Makes target row `y` of the shape: `target.width` pixels.
-    void Row(int32_t y, const ScaleRows &source, uint8_t *dst);
+    void Row(int32_t y, const RowsOnDemand &source, uint8_t *dst);
 
 private:
     void SizeColumns();
     void MakeColumns(int32_t x);
     void Columns(const uint8_t *row, uint8_t *dst);
-    void FilteredRow(int32_t y, const ScaleRows &source, uint8_t *dst);
-    void SummedRow(int32_t y, const ScaleRows &source, uint8_t *dst);
+    void FilteredRow(int32_t y, const RowsOnDemand &source, uint8_t *dst);
+    void SummedRow(int32_t y, const RowsOnDemand &source, uint8_t *dst);
 
     ResizeShape m_shape = {};
     bool m_bSummed = false;
