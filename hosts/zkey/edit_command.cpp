@@ -15,6 +15,7 @@
 #include "hosts/zkey/progress.h"
 #include "hosts/zkey/still.h"
 #include "hosts/zkey/system.h"
+#include "hosts/zkey/text.h"
 
 namespace zkey {
 namespace {
@@ -67,21 +68,6 @@ EditCommand Parse(const std::vector<std::string> &arguments) {
         FailUsage("standard input cannot bring both the picture and the steps");
     }
     return c;
-}
-
-std::string Quoted(const std::string &text) {
-    std::string out = "\"";
-    for (const char c : text) {
-        if (c == '"' || c == '\\') out += '\\';
-        if (static_cast<unsigned char>(c) >= 0x20) {
-            out += c;
-        } else {
-            char code[8];
-            std::snprintf(code, sizeof code, "\\u%04x", static_cast<unsigned>(static_cast<unsigned char>(c)));
-            out += code;
-        }
-    }
-    return out + "\"";
 }
 
 std::string Number(const char *format, double value) {
@@ -238,10 +224,10 @@ private:
         char code[16];
         std::snprintf(code, sizeof code, "0x%08X", static_cast<unsigned>(status));
         if (m_command.json) {
-            PrintOut("{\"op\":" + Quoted(step.name) + ",\"status\":\"" + code + "\",\"ok\":" +
+            PrintOut("{\"op\":" + JsonText(step.name) + ",\"status\":\"" + code + "\",\"ok\":" +
                      (FAILED(status) ? "false" : "true") + ",\"history\":{\"size\":" + std::to_string(m_editor->HistorySize()) +
                      ",\"position\":" + std::to_string(m_editor->HistoryPosition()) + "},\"entries\":" + std::to_string(live) +
-                     ",\"key\":" + Quoted(RawKeyText(key)) + ",\"ms\":" + Number("%.3f", ms) + "}\n");
+                     ",\"key\":" + JsonText(RawKeyText(key)) + ",\"ms\":" + Number("%.3f", ms) + "}\n");
         } else if (FAILED(status)) {
             Note(step.name + ": " + StatusText(status));
         } else if (step.op == EditOp::Key) {
@@ -263,7 +249,7 @@ private:
 
     void TellFailure(const std::string &op, const std::string &line) const {
         if (m_command.json) {
-            PrintOut("{\"op\":" + Quoted(op) + ",\"ok\":false,\"error\":" + Quoted(line) + "}\n");
+            PrintOut("{\"op\":" + JsonText(op) + ",\"ok\":false,\"error\":" + JsonText(line) + "}\n");
         } else {
             Note(line);
         }

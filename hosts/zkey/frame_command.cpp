@@ -113,6 +113,9 @@ Ref<IZFrame> KeyFirst(const SaveRequest &r) {
     const Ref<IZFrame> frame = keyer.NewFrame(props, pixels);
     reader->Store(pixels, props);
     RepeatEdges(pixels, props, info.width, info.height);
+    Sound sound;
+    reader->TakeSound(sound);
+    GiveSound(frame.get(), sound);
     const CHROMA_KEY_RAW key = KeyOf(r.key, keyer, frame.get(), info);
     keyer.SetKey(key);
     const Ref<IZFrame> keyed = keyer.Key(frame.get());

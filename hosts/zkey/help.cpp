@@ -18,6 +18,7 @@ constexpr const char *kGeneral = R"(zkey: takes a coloured screen out of clips a
   zkey edit INPUT STEP...              builds a key on one picture, step by step
   zkey props [NAME[=VALUE] ...]        the keyer's properties; --store keeps one, --forget forgets it
   zkey frame save|load|show ...        one keyed frame as a file, and what is in it
+  zkey audio INPUT [options]           levels of the sound, its gain and its channels
   zkey --version                       version and what it was built with
 
 A first try:  zkey key interview.mp4 -o interview.mov
@@ -34,6 +35,25 @@ zkey frame show FILE
   tells what a stored frame holds
 zkey frame load FILE -o OUTPUT
   writes the picture of a stored frame; .png, .raw and other pictures, as zkey key
+)";
+
+constexpr const char *kAudio = R"(zkey audio INPUT [options]
+
+Tells the levels of each channel of the sound of INPUT: a WAV file, or any clip or sound that FFmpeg's libraries decode.
+Decibels below full scale: the largest sample, the mean power (0 for a sine of full scale), and the library's slow meter
+with its peak.
+
+      --map LIST          these channels instead, in this order: 1,0 swaps two; 0,0 doubles the first; a channel that
+                          is not there is silent
+      --gain DB[:DB]      louder or softer by so many decibels, or in a ramp from the first to the second; -inf is
+                          silence. Levels are those behind map and gain
+  -o, --output FILE.wav   writes the sound
+      --json              one JSON object: input, channels, rate, bits, float, samples, levels
+                          (channel, peak, rms, vu, vu_peak; null where there is no finite number)
+  -h, --help              this text
+
+The whole sound lies in one frame, which has 2 GB at most. Sample for sample the same without --gain, whatever the map;
+32-bit integers alone keep 24 bits where --map or --gain is given.
 )";
 
 constexpr const char *kKey = R"(zkey key INPUT -o OUTPUT [options]
@@ -58,7 +78,7 @@ Output
                       stands beside the screen. The screen is not looked for there
       --matte         writes the matte alone: white figure, black screen
       --alpha KIND    straight or premultiplied colour. By default files get straight, raw frames premultiplied
-      --no-audio      leaves sound out; otherwise it is copied where the output can hold it
+      --no-audio      leaves sound out; otherwise it goes over unchanged where the output can hold it
       --frames N      stops after N frames
 
 The key. Without --color the screen is looked for at the border of the pictures, all over a file.
@@ -183,6 +203,8 @@ std::string EditHelp() {
 std::string PropsHelp() { return kProps; }
 
 std::string FrameHelp() { return kFrame; }
+
+std::string AudioHelp() { return kAudio; }
 
 std::string VersionText() { return std::string("zkey ") + kVersion + ", " + LibavText() + "\n"; }
 

@@ -11,6 +11,7 @@ std::string DetectHelp();
 std::string EditHelp();
 std::string PropsHelp();
 std::string FrameHelp();
+std::string AudioHelp();
 std::string VersionText();
 
 }    // namespace zkey

@@ -154,6 +154,9 @@ private:
         Passage passage{m_keyer.NewFrame(props, pixels), arrival.time, borders};
         reader.Store(pixels, props);
         RepeatEdges(pixels, props, m_info.width, m_info.height);
+        Sound sound;
+        reader.TakeSound(sound);
+        GiveSound(passage.frame.get(), sound);
         return passage;
     }
 
@@ -333,6 +336,7 @@ private:
         Image finished;
         m_writeFailed = true;
         while (std::optional<Passage> next = m_keyed.Pop()) {
+            m_writer->PutSound(SoundOf(next->frame.get()));
             if (m_command.garbage) {
                 Keyer::ClearBorders(next->frame.get(), m_info.width, m_info.height, *m_command.garbage);
             }

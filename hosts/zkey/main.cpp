@@ -1,6 +1,7 @@
 #include <cstdio>
 #include <new>
 
+#include "hosts/zkey/audio_command.h"
 #include "hosts/zkey/edit_command.h"
 #include "hosts/zkey/failure.h"
 #include "hosts/zkey/frame_command.h"
@@ -31,6 +32,7 @@ ExitStatus Run(const std::vector<std::string> &arguments) {
     if (first == "props") return zkey::RunPropsCommand({arguments.begin() + 1, arguments.end()});
     if (first == "detect") return zkey::RunDetectCommand({arguments.begin() + 1, arguments.end()});
     if (first == "edit") return zkey::RunEditCommand({arguments.begin() + 1, arguments.end()});
+    if (first == "audio") return zkey::RunAudioCommand({arguments.begin() + 1, arguments.end()});
     if (first == "frame") return zkey::RunFrameCommand({arguments.begin() + 1, arguments.end()});
     if (first != "key") {
         const bool input = first == "-" || first.starts_with('-') || zkey::Exists(first);

@@ -9,11 +9,13 @@
 
 #include "hosts/zkey/composite.h"
 #include "hosts/zkey/frame_format.h"
+#include "hosts/zkey/frame_sound.h"
 #include "hosts/zkey/options.h"
 
 namespace zkey {
 
-/// Sound that goes from the reader's file to the writer's untouched; known to those two only.
+/// Sound that goes from the reader's file to the writer's, known to those two only. Compressed sound stays in it untouched;
+/// plain samples travel in the frames.
 struct AudioTrack;
 
 struct SourceInfo {
@@ -45,6 +47,8 @@ public:
     virtual bool Next(Arrival &arrival) = 0;
     /// Goes on with this picture of the clip, counted from 0, or with one near it. False where there is no way to get there.
     virtual bool JumpTo(int64_t /*picture*/) { return false; }
+    /// The plain samples that belong to the fetched picture, or nothing.
+    virtual void TakeSound(Sound & /*sound*/) {}
     /// How many pictures were too damaged to be given so far.
     virtual int64_t Lost() const { return 0; }
     /// Writes the fetched picture into a frame of the announced format and at least the announced size.
@@ -56,6 +60,8 @@ public:
     virtual ~MediaWriter() = default;
     /// One finished picture, 4 bytes a pixel.
     virtual void Write(const ImageView &picture, int64_t time) = 0;
+    /// Samples that came with the picture that is written next.
+    virtual void PutSound(SoundBytes /*samples*/) {}
     /// Completes the file. Without it a destructed writer leaves what there is.
     virtual void Close() = 0;
     /// The file that is no good when writing fails: that of the whole output, or of one picture.

@@ -63,6 +63,12 @@ std::string StatusText(HRESULT status) {
         case Z_E_TIMEOUT:
             words = "the keyer's threads did not answer in time";
             break;
+        case Z_E_DISK_FULL:
+            words = "no space left";
+            break;
+        case Z_E_ACCESS_DENIED:
+            words = "access denied";
+            break;
         case Z_E_CLASS_NOT_REGISTERED:
         case CLASS_E_CLASSNOTAVAILABLE:
             words = "the keyer's library has no such class";

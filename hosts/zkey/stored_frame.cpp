@@ -6,6 +6,7 @@
 
 #include "hosts/zkey/byte_stream.h"
 #include "hosts/zkey/failure.h"
+#include "hosts/zkey/frame_sound.h"
 #include "hosts/zkey/obstacles.h"
 #include "hosts/zkey/pipe.h"
 #include "hosts/zkey/plugin_door.h"
@@ -13,20 +14,12 @@
 #include "hosts/zkey/text.h"
 #include "zchromakey/f_frame.h"
 #include "zchromakey/frame_i.h"
-#include "zchromakey/module.h"
 
 namespace zkey {
 namespace {
 
 constexpr HRESULT kEndOfFile = static_cast<HRESULT>(0x80070026);
 constexpr HRESULT kNotFound = static_cast<HRESULT>(0x80070002);
-
-template <class Wide>
-Ref<Wide> ViewOf(IZFrame *frame) {
-    Ref<Wide> view;
-    if (FAILED(frame->QueryInterface(ZIidOf<Wide>(), view.PutVoid()))) Fail("the library's frames cannot be stored");
-    return view;
-}
 
 std::string BytesOf(const std::string &path) {
     PipeReader file(path);
@@ -37,18 +30,9 @@ std::string BytesOf(const std::string &path) {
     return bytes;
 }
 
-Ref<IZFrame> EmptyFrame() {
-    Ref<IZFrames> frames;
-    Ref<IZFrame> frame;
-    if (FAILED(ZFramesCreate(ZIidOf<IZFrames>(), frames.PutVoid())) || FAILED(frames->FrameCreate(0, nullptr, frame.Put()))) {
-        Fail("cannot create a frame");
-    }
-    return frame;
-}
-
 HRESULT Load(IZFrame *frame, const std::string &bytes, int32_t flags) {
     ByteStream stream(bytes);
-    return ViewOf<IZFrame_I>(frame)->ZFLoadFromStream(&stream, flags);
+    return WideView<IZFrame_I>(frame)->ZFLoadFromStream(&stream, flags);
 }
 
 void CopyAll(IStream *from, const std::string &path) {
@@ -89,7 +73,7 @@ std::string SoundLine(const ZF_INFO &info) {
 
 void StoreFrame(IZFrame *frame, const std::string &path) {
     Ref<IUnknown> stored;
-    const HRESULT status = ViewOf<IZFrame_I>(frame)->ZFSaveToStream(stored.Put(), eZFC_Full);
+    const HRESULT status = WideView<IZFrame_I>(frame)->ZFSaveToStream(stored.Put(), eZFC_Full);
     if (FAILED(status)) Fail("cannot store the frame: " + StatusText(status));
     Ref<IStream> stream;
     if (FAILED(stored->QueryInterface(IID_IStream, stream.PutVoid()))) Fail("cannot store the frame");
@@ -117,7 +101,7 @@ StoredFrame LoadFrame(const std::string &path) {
 }
 
 std::string DescribeStored(const StoredFrame &stored) {
-    const Ref<IZFFrame> frame = ViewOf<IZFFrame>(stored.frame.get());
+    const Ref<IZFFrame> frame = WideView<IZFFrame>(stored.frame.get());
     ZF_INFO info{};
     if (FAILED(frame->ZFInfoGet(&info))) Fail("cannot read the frame");
     std::string out = "picture: " + PictureLine(stored, info) + "\ntime: " + Seconds(info.time.rtStartTime) + " to " +

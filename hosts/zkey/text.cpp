@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cstdint>
+#include <cstdio>
 
 namespace zkey {
 namespace {
@@ -100,6 +101,21 @@ bool ParseWhole(std::string_view text, int32_t &value) {
 bool ParseReal(std::string_view text, double &value) {
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed);
     return !text.empty() && error == std::errc() && end == text.data() + text.size() && value >= 0 && value < 1e9;
+}
+
+std::string JsonText(const std::string &text) {
+    std::string out = "\"";
+    for (const char c : text) {
+        if (c == '"' || c == '\\') out += '\\';
+        if (static_cast<unsigned char>(c) >= 0x20) {
+            out += c;
+        } else {
+            char code[8];
+            std::snprintf(code, sizeof code, "\\u%04x", static_cast<unsigned>(static_cast<unsigned char>(c)));
+            out += code;
+        }
+    }
+    return out + "\"";
 }
 
 std::string ExtensionOf(const std::string &path) {

@@ -31,6 +31,8 @@ bool SameWord(std::string_view a, std::string_view b);
 bool ParseWhole(std::string_view text, int32_t &value);
 /// A whole text as a real number of 0 or more.
 bool ParseReal(std::string_view text, double &value);
+/// The text as JSON has it, in quotes.
+std::string JsonText(const std::string &text);
 /// The last extension with its dot in small letters, or nothing.
 std::string ExtensionOf(const std::string &path);
 

@@ -14,6 +14,8 @@ namespace {
 constexpr int kMostPassed = 100;
 // As many pictures in a row may be damaged before the clip is given up.
 constexpr int kMostDamaged = 1000;
+// As many bytes of pictures are read ahead at most, to find the sound of the present one.
+constexpr int64_t kMostWaiting = int64_t{1} << 24;
 
 AVRational SteadyRate(AVFormatContext *format, AVStream *stream) {
     const AVRational guess = av_guess_frame_rate(format, stream, nullptr);
@@ -131,6 +133,8 @@ bool Clip::JumpTo(int64_t picture) {
     if (m_stamp == AV_NOPTS_VALUE || target <= m_stamp || target > m_stamp + furthest) {
         if (av_seek_frame(m_format, m_stream->index, target, AVSEEK_FLAG_BACKWARD) < 0) return false;
         avcodec_flush_buffers(m_decoder.get());
+        m_waiting.clear();
+        m_waitingBytes = 0;
         m_draining = false;
     }
     m_found = false;
@@ -142,26 +146,50 @@ bool Clip::JumpTo(int64_t picture) {
     return true;
 }
 
-bool Clip::FeedDecoder() {
-    while (!m_draining) {
-        const int error = av_read_frame(m_format, m_packet.get());
-        if (error < 0) {
-            // A file that breaks off ends here, with the pictures that it still gave.
-            m_draining = true;
-            return avcodec_send_packet(m_decoder.get(), nullptr) == 0;
-        }
-        if (m_packet->stream_index == m_sound) {
-            KeepSound();
-        } else if (m_packet->stream_index == m_stream->index) {
-            const int sent = avcodec_send_packet(m_decoder.get(), m_packet.get());
-            av_packet_unref(m_packet.get());
-            if (sent < 0 && sent != AVERROR_INVALIDDATA) Fail("cannot decode " + m_path + ": " + LibavError(sent));
-            if (sent < 0) ++m_lost;
-            return true;
-        }
-        av_packet_unref(m_packet.get());
+bool Clip::ReadPacket() {
+    // A file that breaks off ends here, with the pictures that it still gave.
+    if (av_read_frame(m_format, m_packet.get()) < 0) return false;
+    if (m_packet->stream_index == m_sound) {
+        KeepSound();
+    } else if (m_packet->stream_index == m_stream->index) {
+        m_waiting.emplace_back(av_packet_alloc());
+        if (!m_waiting.back()) Fail("out of memory");
+        m_waitingBytes += m_packet->size;
+        av_packet_move_ref(m_waiting.back().get(), m_packet.get());
     }
-    return false;
+    av_packet_unref(m_packet.get());
+    return true;
+}
+
+bool Clip::FeedDecoder() {
+    if (m_draining) return false;
+    while (m_waiting.empty()) {
+        if (ReadPacket()) continue;
+        m_draining = true;
+        return avcodec_send_packet(m_decoder.get(), nullptr) == 0;
+    }
+    const Libav<AVPacket> packet = std::move(m_waiting.front());
+    m_waiting.pop_front();
+    m_waitingBytes -= packet->size;
+    const int sent = avcodec_send_packet(m_decoder.get(), packet.get());
+    if (sent < 0 && sent != AVERROR_INVALIDDATA) Fail("cannot decode " + m_path + ": " + LibavError(sent));
+    if (sent < 0) ++m_lost;
+    return true;
+}
+
+int64_t Clip::PictureEnd() const {
+    const AVRational length{m_info.rate.den, m_info.rate.num};
+    return m_time + std::max<int64_t>(1, av_rescale_q(1, length, AVRational{m_info.timeBase.num, m_info.timeBase.den}));
+}
+
+void Clip::TakeSound(Sound &sound) {
+    if (!m_info.audio || !m_info.audio->Samples()) return;
+    const AVRational unit{m_info.timeBase.num, m_info.timeBase.den};
+    const int64_t end = PictureEnd();
+    while (!m_info.audio->Reaches(end, unit) && m_waitingBytes < kMostWaiting && ReadPacket()) {
+    }
+    sound.props = *m_info.audio->Samples();
+    m_info.audio->TakeSamples(end, unit, sound.samples);
 }
 
 void Clip::KeepSound() {

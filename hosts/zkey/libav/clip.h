@@ -1,6 +1,8 @@
 // A clip or picture opened by FFmpeg's libraries: decoded pictures in order, sound on the side.
 #pragma once
 
+#include <deque>
+
 #include "hosts/zkey/libav/audio_track.h"
 #include "hosts/zkey/libav/libav.h"
 #include "hosts/zkey/media.h"
@@ -25,13 +27,18 @@ public:
     bool JumpTo(int64_t picture);
     /// When the picture that `Next` gave is shown, in units of the time base; always later than the one before.
     int64_t Time() const { return m_time; }
+    /// The plain samples that begin before the present picture ends. They leave the audio track, which gets them back from
+    /// the writer.
+    void TakeSound(Sound &sound);
     /// How many pictures were too damaged to be decoded.
     int64_t Lost() const { return m_lost; }
 
 private:
     void Describe(bool audio);
+    bool ReadPacket();
     bool FeedDecoder();
     void KeepSound();
+    int64_t PictureEnd() const;
     void StampTime();
 
     std::string m_path;
@@ -42,6 +49,8 @@ private:
     Libav<AVFrame> m_frame;
     Libav<AVPacket> m_packet;
     SourceInfo m_info;
+    std::deque<Libav<AVPacket>> m_waiting;    ///< of the pictures, read ahead of the decoder
+    int64_t m_waitingBytes = 0;
     bool m_steady = true;    ///< every picture lasts equally long
     bool m_draining = false;
     int64_t m_start = AV_NOPTS_VALUE;    ///< time stamp of the first picture

@@ -26,6 +26,8 @@ public:
 
     int64_t Lost() const override { return m_clip.Lost(); }
 
+    void TakeSound(Sound &sound) override { m_clip.TakeSound(sound); }
+
     void Store(uint8_t *pixels, const Z_VID_PROPS &props) override { m_packer.Store(pixels, props); }
 
 private:

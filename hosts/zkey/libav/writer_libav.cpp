@@ -45,6 +45,10 @@ public:
         MoveSound();
     }
 
+    void PutSound(SoundBytes samples) override {
+        if (m_source.audio) m_source.audio->GiveBack(samples);
+    }
+
     void Close() override {
         Encode(nullptr);
         MoveSound();
@@ -231,7 +235,7 @@ private:
     void MoveSound() {
         if (!m_source.audio) return;
         for (;;) {
-            if (!m_held) m_held = m_source.audio->Take();
+            if (!m_held) m_held = m_source.audio->Samples() ? m_source.audio->TakeBack() : m_source.audio->Take();
             if (!m_held) return;
             const bool early = m_held->pts != AV_NOPTS_VALUE &&
                                av_compare_ts(m_held->pts, m_source.audio->timeBase, m_end, m_encoder->time_base) >= 0;

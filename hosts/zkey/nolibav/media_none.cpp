@@ -1,6 +1,7 @@
 // The build without FFmpeg's libraries: raw frames and YUV4MPEG2 only.
 #include "hosts/zkey/failure.h"
 #include "hosts/zkey/media.h"
+#include "hosts/zkey/sound_file.h"
 
 namespace zkey {
 namespace {
@@ -21,6 +22,10 @@ std::unique_ptr<MediaWriter> OpenLibavWriter(const Delivery &delivery) {
 std::unique_ptr<Background> OpenFileBackground(const std::string &path, int, int) {
     Fail("--over " + path +
          ": neither a colour nor \"checker\", and this build of zkey has no FFmpeg libraries to read a file");
+}
+
+Sound DecodeSound(const std::string &path) {
+    Fail("cannot read the sound of " + path + ": this build of zkey has no FFmpeg libraries; it reads WAV files");
 }
 
 std::string LibavText() { return "without FFmpeg's libraries: raw frames and YUV4MPEG2 only"; }
