@@ -3,6 +3,7 @@
 #include <cstring>
 #include <vector>
 
+#include "keying/kernels/kernels.h"
 #include "keying/spill/spill_colour.h"
 
 namespace zck {
@@ -13,21 +14,17 @@ KeyBytes FromHls(const uint8_t *pixel) {
     return {{rgb.b[2], rgb.b[1], rgb.b[0]}};
 }
 
-// The space has red and blue exchanged, and so they come back in the order of memory.
-KeyBytes FromYuv(const uint8_t *pixel) { return YuvToRgb({{pixel[0], pixel[1], pixel[2]}}); }
-
 /// Converts rows in place. Few of the colours that there could be are in a picture, and most come again: what was converted is
 /// kept, in a table with one place for many colours.
-template <class Convert>
-class Converter {
+class HlsConverter {
 public:
-    explicit Converter(Convert convert) : m_convert(convert), m_places(kPlaces) {}
+    HlsConverter() : m_places(kPlaces) {}
 
     void Row(uint8_t *row, int32_t width) {
         for (int32_t x = 0; x < width; ++x, row += 4) {
             const uint32_t colour = row[0] | static_cast<uint32_t>(row[1]) << 8 | static_cast<uint32_t>(row[2]) << 16;
             Place &place = m_places[colour * 2654435761U >> (32 - kPlaceBits)];
-            if (place.colour != colour) place = {colour, m_convert(row)};
+            if (place.colour != colour) place = {colour, FromHls(row)};
             std::memcpy(row, place.result.b, 3);
         }
     }
@@ -40,14 +37,19 @@ private:
         KeyBytes result = {};
     };
 
-    Convert m_convert;
     std::vector<Place> m_places;
 };
 
-template <class Convert>
-void ConvertPicture(const PictureView &view, Convert convert) {
-    Converter converter(convert);
-    for (int64_t y = 0; y < view.rows; ++y) converter.Row(view.pixels + y * view.rowBytes, view.props.nWidth);
+void ConvertPicture(const PictureView &view, KeySpace space) {
+    if (space == KeySpace::Rgb) return;
+    const KeyingKernels &kernels = KeyingKernelsGet();
+    HlsConverter hls;
+    for (int64_t y = 0; y < view.rows; ++y) {
+        uint8_t *row = view.pixels + y * view.rowBytes;
+        // The YUV space has red and blue exchanged, and so they come back in the order of memory.
+        if (space == KeySpace::Yuv) kernels.from_yuv(row, row, view.props.nWidth);
+        if (space == KeySpace::Hls) hls.Row(row, view.props.nWidth);
+    }
 }
 
 }    // namespace
@@ -62,8 +64,7 @@ HRESULT BlockPicture(IZFrames *factory, const WorkingImage &image, ComPtr<IZFram
     PictureView view;
     if (SUCCEEDED(hr)) hr = PictureViewOf(frame.get(), &view);
     if (FAILED(hr)) return hr;
-    if (image.Space() == KeySpace::Hls) ConvertPicture(view, FromHls);
-    if (image.Space() == KeySpace::Yuv) ConvertPicture(view, FromYuv);
+    ConvertPicture(view, image.Space());
     *result = std::move(frame);
     return S_OK;
 }

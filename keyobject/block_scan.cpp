@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "keying/kernels/kernels.h"
-#include "keying/spill/spill_colour.h"
 
 namespace zck {
 namespace {
@@ -20,13 +19,6 @@ constexpr KeyRange kScreens[] = {
     {{230.0 / 360.0, 0.5, 0.6, 0.5}, {25.0 / 360.0, 0.4, 0.8, 3.0}, 0},    // blue
 };
 
-int32_t Distance(const uint8_t *a, const uint8_t *b) {
-    const int32_t d0 = a[0] - b[0];
-    const int32_t d1 = a[1] - b[1];
-    const int32_t d2 = a[2] - b[2];
-    return d0 * d0 + d1 * d1 + d2 * d2;
-}
-
 /// A vector of the compiler's: bytes are compared 16 at a time on every processor that the library runs on.
 using FourPixels = uint8_t __attribute__((vector_size(16)));
 
@@ -37,56 +29,44 @@ FourPixels LoadFour(const uint8_t *pixels) {
 }
 
 /// A pixel four times.
-FourPixels Repeated(const uint8_t (&pixel)[4]) {
-    FourPixels four;
-    for (size_t i = 0; i < sizeof(four); ++i) four[i] = pixel[i % 4];
-    return four;
-}
-
-/// `limit` for the colour bytes, anything for alpha.
-FourPixels ColourLimit(int32_t limit) {
-    const auto byte = static_cast<uint8_t>(std::min(limit, 255));
-    const uint8_t pixel[4] = {byte, byte, byte, 255};
-    return Repeated(pixel);
-}
-
-/// No byte differs by more than that of `limit`.
-bool AllWithin(FourPixels a, FourPixels b, FourPixels limit) {
-    const auto beyond = (a > b ? a : b) - (a > b ? b : a) > limit;
-    uint64_t halves[2];
-    std::memcpy(halves, &beyond, sizeof(halves));
-    return (halves[0] | halves[1]) == 0;
+FourPixels Repeated(const uint8_t *pixel) {
+    using FourWords = uint32_t __attribute__((vector_size(16)));
+    uint32_t word;
+    std::memcpy(&word, pixel, sizeof(word));
+    return reinterpret_cast<FourPixels>(FourWords{word, word, word, word});
 }
 
 /// The smallest and the greatest of each of the four bytes of some pixels.
-struct ByteBox {
-    uint8_t low[4];
-    uint8_t high[4];
+class ByteBox {
+public:
+    struct Corners {
+        uint8_t low[4];
+        uint8_t high[4];
+    };
 
-    explicit ByteBox(const uint8_t *pixel) {
-        std::copy_n(pixel, 4, low);
-        std::copy_n(pixel, 4, high);
-    }
-    void Include(const ByteBox &other) {
-        for (int32_t i = 0; i < 4; ++i) {
-            low[i] = std::min(low[i], other.low[i]);
-            high[i] = std::max(high[i], other.high[i]);
-        }
-    }
+    explicit ByteBox(const uint8_t *pixel) : m_low(Repeated(pixel)), m_high(m_low) {}
+
     void Include(const uint8_t *pixels, int32_t count) {
-        FourPixels lows = Repeated(low);
-        FourPixels highs = Repeated(high);
-        for (; count >= 4; count -= 4, pixels += sizeof(FourPixels)) {
-            const FourPixels four = LoadFour(pixels);
-            lows = four < lows ? four : lows;
-            highs = four > highs ? four : highs;
-        }
-        for (size_t i = 0; i < sizeof(FourPixels); ++i) {
-            low[i % 4] = std::min<uint8_t>(low[i % 4], lows[i]);
-            high[i % 4] = std::max<uint8_t>(high[i % 4], highs[i]);
-        }
-        for (; count > 0; --count, pixels += 4) Include(ByteBox(pixels));
+        for (; count >= 4; count -= 4, pixels += sizeof(FourPixels)) Include(LoadFour(pixels));
+        for (; count > 0; --count, pixels += 4) Include(Repeated(pixels));
     }
+    Corners Ends() const {
+        Corners ends;
+        for (size_t i = 0; i < 4; ++i) {
+            ends.low[i] = std::min({m_low[i], m_low[i + 4], m_low[i + 8], m_low[i + 12]});
+            ends.high[i] = std::max({m_high[i], m_high[i + 4], m_high[i + 8], m_high[i + 12]});
+        }
+        return ends;
+    }
+
+private:
+    void Include(FourPixels four) {
+        m_low = four < m_low ? four : m_low;
+        m_high = four > m_high ? four : m_high;
+    }
+
+    FourPixels m_low;
+    FourPixels m_high;
 };
 
 /// Which screens each byte of an HLS pixel admits, a bit each; alpha admits all.
@@ -105,7 +85,7 @@ struct ScreenTable {
             }
         }
     }
-    bool AdmitsBox(const ByteBox &box) const { return (Screens(box.low) & Screens(box.high)) != 0; }
+    bool AdmitsBox(const ByteBox::Corners &box) const { return (Screens(box.low) & Screens(box.high)) != 0; }
     bool Admits(const uint8_t *hls) const { return Screens(hls) != 0; }
 
 private:
@@ -124,8 +104,6 @@ public:
           m_width(image.Width() / scan.blocks),
           m_height(image.Rows() / scan.blocks),
           m_square(3 * ThresholdOf(scan.threshold) * ThresholdOf(scan.threshold)),
-          m_near(ColourLimit(ThresholdOf(scan.threshold))),
-          m_far(ColourLimit(2 * ThresholdOf(scan.threshold))),
           m_hls(image.Space() == KeySpace::Hls ? 0 : static_cast<size_t>(m_width) * 4) {}
 
     void Run() {
@@ -185,40 +163,14 @@ private:
         ByteBox block(first);
         for (int32_t y = 0; y < m_height; ++y) {
             const uint8_t *row = Pixel(bx, by, y);
-            const uint8_t *above = y > 0 ? row - m_image.RowBytes() : nullptr;
-            if (!RowIsFlat(row, above, first) || !RowIsScreen(row)) return false;
+            const uint8_t *above = y > 0 ? row - m_image.RowBytes() : row;
+            // The first column is compared with and takes no part otherwise.
+            if (!m_kernels.flat(row + 4, above + 4, m_width - 1, first, m_square) || !RowIsScreen(row)) return false;
             block.Include(row + 4, m_width - 1);
         }
-        *range = RangeOf(block.low, block.high);
+        const ByteBox::Corners ends = block.Ends();
+        *range = RangeOf(ends.low, ends.high);
         return true;
-    }
-
-    // The first column is compared with and takes no part otherwise.
-    bool RowIsFlat(const uint8_t *row, const uint8_t *above, const uint8_t *first) const {
-        int32_t x = 1;
-        for (; x + 4 <= m_width; x += 4) {
-            if (FourAreFlat(row + x * 4, above == nullptr ? nullptr : above + x * 4, first)) continue;
-            for (int32_t i = x; i < x + 4; ++i) {
-                if (!IsFlat(row + i * 4, above == nullptr ? nullptr : above + i * 4, first)) return false;
-            }
-        }
-        for (; x < m_width; ++x) {
-            if (!IsFlat(row + x * 4, above == nullptr ? nullptr : above + x * 4, first)) return false;
-        }
-        return true;
-    }
-
-    bool IsFlat(const uint8_t *p, const uint8_t *above, const uint8_t *first) const {
-        if (Distance(p, first) > 4 * m_square || Distance(p, p - 4) > m_square) return false;
-        return above == nullptr || (Distance(p, above) <= m_square && Distance(p, above - 4) <= m_square);
-    }
-
-    // Where no byte differs by more than the threshold, no distance is above the limit.
-    bool FourAreFlat(const uint8_t *p, const uint8_t *above, const uint8_t *first) const {
-        const uint8_t origin[4] = {first[0], first[1], first[2], first[3]};
-        const FourPixels four = LoadFour(p);
-        if (!AllWithin(four, Repeated(origin), m_far) || !AllWithin(four, LoadFour(p - 4), m_near)) return false;
-        return above == nullptr || (AllWithin(four, LoadFour(above), m_near) && AllWithin(four, LoadFour(above - 4), m_near));
     }
 
     bool RowIsScreen(const uint8_t *row) {
@@ -228,7 +180,7 @@ private:
         ByteBox box(hls + 4);
         box.Include(hls + 8, m_width - 2);
         // Screens are boxes: one that admits both corners admits all between them.
-        if (table.AdmitsBox(box)) return true;
+        if (table.AdmitsBox(box.Ends())) return true;
         for (int32_t x = 1; x < m_width; ++x) {
             if (!table.Admits(hls + x * 4)) return false;
         }
@@ -239,13 +191,10 @@ private:
         if (m_image.Space() == KeySpace::Hls) return row;
         const uint8_t *rgb = row;
         if (m_image.Space() == KeySpace::Yuv) {
-            for (int32_t x = 0; x < m_width; ++x) {
-                const KeyBytes bytes = YuvToRgb({{row[x * 4], row[x * 4 + 1], row[x * 4 + 2]}});
-                std::copy_n(bytes.b, 3, m_hls.data() + x * 4);
-            }
+            m_kernels.from_yuv(m_hls.data(), row, m_width);
             rgb = m_hls.data();
         }
-        KeyingKernelsGet().to_hls(m_hls.data(), rgb, m_width);
+        m_kernels.to_hls(m_hls.data(), rgb, m_width);
         return m_hls.data();
     }
 
@@ -266,8 +215,7 @@ private:
     const int32_t m_width;     // of a block
     const int32_t m_height;    // of a block
     const int32_t m_square;    // the threshold as a squared distance
-    const FourPixels m_near;
-    const FourPixels m_far;
+    const KeyingKernels &m_kernels = KeyingKernelsGet();
     std::vector<uint8_t> m_hls;
 };
 

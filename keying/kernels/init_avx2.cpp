@@ -11,6 +11,8 @@ void KeyingKernelsInitAvx2(KeyingKernels *table) {
     table->merge_premultiply = avx2::MergePremultiply;
     table->to_hls = avx2::ToHls;
     table->to_yuv = avx2::ToYuv;
+    table->from_yuv = avx2::FromYuv;
+    table->flat = avx2::Flat;
     table->add_const = avx2::AddConst;
     table->add_plane = avx2::AddPlane;
     table->threshold = avx2::Threshold;

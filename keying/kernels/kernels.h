@@ -64,6 +64,15 @@ struct KeyingKernels {
     /// Byte 3 of dst is not written. `src` may be `dst`.
     void (*to_yuv)(uint8_t *dst, const uint8_t *src, int32_t width);
 
+    /// Y, U, V of `to_yuv` back to the bytes that it read, as near as the rule comes. Byte 3 of dst is not written. `src` may
+    /// be `dst`.
+    void (*from_yuv)(uint8_t *dst, const uint8_t *src, int32_t width);
+
+    /// Whether `width` pixels are flat: none is further than `limit` from its left neighbour, from the pixel of `above` over it
+    /// or from the left neighbour of that one, and none further than 4 * `limit` from the pixel `first`. Distances are sums of
+    /// three squared differences; fourth bytes are not looked at. Pixel -1 of both rows is read. `above` may be `row`.
+    bool (*flat)(const uint8_t *row, const uint8_t *above, int32_t width, const uint8_t *first, int32_t limit);
+
     /// row = min(255, row + c), the whole width; `c` counts modulo 256.
     void (*add_const)(uint8_t *row, int32_t width, int32_t c);
 

@@ -32,6 +32,10 @@ void MergePremultiply(uint8_t *dst, const uint8_t *src, const uint8_t *alpha, in
 // spaces_avx2.cpp
 void ToHls(uint8_t *dst, const uint8_t *src, int32_t width);
 void ToYuv(uint8_t *dst, const uint8_t *src, int32_t width);
+void FromYuv(uint8_t *dst, const uint8_t *src, int32_t width);
+
+// flat_avx2.cpp
+bool Flat(const uint8_t *row, const uint8_t *above, int32_t width, const uint8_t *first, int32_t limit);
 
 // filters_avx2.cpp
 void Erode(uint8_t *dst, const uint8_t *above, const uint8_t *middle, const uint8_t *below, int32_t width);

@@ -119,6 +119,35 @@ void ToYuv(uint8_t *dst, const uint8_t *src, int32_t width) {
     for (int64_t x = 0; x < width; ++x) YuvPixel(dst + 4 * x, src + 4 * x);
 }
 
+void FromYuvPixel(uint8_t *dst, const uint8_t *src) {
+    const int32_t y = src[0] << 16;
+    const int32_t u = src[1] - 128;
+    const int32_t v = src[2] - 128;
+    dst[0] = ClampByte((y + 74711 * v) >> 16);
+    dst[1] = ClampByte((y - 25821 * u - 38076 * v) >> 16);
+    dst[2] = ClampByte((y + 133169 * u) >> 16);
+}
+
+void FromYuv(uint8_t *dst, const uint8_t *src, int32_t width) {
+    for (int64_t x = 0; x < width; ++x) FromYuvPixel(dst + 4 * x, src + 4 * x);
+}
+
+int32_t SquaredDistance(const uint8_t *a, const uint8_t *b) {
+    int32_t sum = 0;
+    for (int j = 0; j < 3; ++j) sum += (a[j] - b[j]) * (a[j] - b[j]);
+    return sum;
+}
+
+bool Flat(const uint8_t *row, const uint8_t *above, int32_t width, const uint8_t *first, int32_t limit) {
+    for (int64_t x = 0; x < width; ++x) {
+        const uint8_t *p = row + 4 * x;
+        const uint8_t *over = above + 4 * x;
+        if (SquaredDistance(p, first) > 4 * limit || SquaredDistance(p, p - 4) > limit) return false;
+        if (SquaredDistance(p, over) > limit || SquaredDistance(p, over - 4) > limit) return false;
+    }
+    return true;
+}
+
 void AddConst(uint8_t *row, int32_t width, int32_t c) {
     const int32_t addend = Byte(c);
     for (int32_t x = 0; x < width; ++x) row[x] = ClampByte(row[x] + addend);
@@ -182,6 +211,8 @@ void KeyingKernelsInitRef(KeyingKernels *table) {
     table->merge_premultiply = MergePremultiply;
     table->to_hls = ToHls;
     table->to_yuv = ToYuv;
+    table->from_yuv = FromYuv;
+    table->flat = Flat;
     table->add_const = AddConst;
     table->add_plane = AddPlane;
     table->threshold = Threshold;

@@ -98,6 +98,23 @@ ZCK_INLINE __m256i Yuv(__m256i pixels, __m256i dst) {
                     dst);
 }
 
+ZCK_INLINE __m256i HighClipped(__m256i sum) {
+    return _mm256_max_epi32(_mm256_min_epi32(_mm256_srai_epi32(sum, 16), _mm256_set1_epi32(255)), _mm256_setzero_si256());
+}
+
+ZCK_INLINE __m256i Weighted(__m256i v, int32_t weight) { return _mm256_mullo_epi32(v, _mm256_set1_epi32(weight)); }
+
+ZCK_INLINE __m256i YuvBack(__m256i pixels, __m256i dst) {
+    const __m256i mid = _mm256_set1_epi32(128);
+    const __m256i y = _mm256_slli_epi32(Channel(pixels, 0), 16);
+    const __m256i u = _mm256_sub_epi32(Channel(pixels, 1), mid);
+    const __m256i v = _mm256_sub_epi32(Channel(pixels, 2), mid);
+    const __m256i b0 = HighClipped(_mm256_add_epi32(y, Weighted(v, 74711)));
+    const __m256i b1 = HighClipped(_mm256_sub_epi32(y, _mm256_add_epi32(Weighted(u, 25821), Weighted(v, 38076))));
+    const __m256i b2 = HighClipped(_mm256_add_epi32(y, Weighted(u, 133169)));
+    return Assemble(_mm256_or_si256(b0, _mm256_slli_epi32(b2, 16)), b1, dst);
+}
+
 }    // namespace
 
 void ToHls(uint8_t *dst, const uint8_t *src, int32_t width) {
@@ -124,6 +141,19 @@ void ToYuv(uint8_t *dst, const uint8_t *src, int32_t width) {
     const __m256i pixels = _mm256_maskload_epi32(reinterpret_cast<const int *>(src), lanes);
     auto *out = reinterpret_cast<int *>(dst);
     _mm256_maskstore_epi32(out, lanes, Yuv(pixels, _mm256_maskload_epi32(out, lanes)));
+}
+
+void FromYuv(uint8_t *dst, const uint8_t *src, int32_t width) {
+    for (; width >= 8; width -= 8, dst += 32, src += 32) {
+        auto *out = reinterpret_cast<__m256i *>(dst);
+        FetchAhead(src);
+        _mm256_storeu_si256(out, YuvBack(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(src)), _mm256_loadu_si256(out)));
+    }
+    if (width <= 0) return;
+    const __m256i lanes = FirstLanes(width);
+    const __m256i pixels = _mm256_maskload_epi32(reinterpret_cast<const int *>(src), lanes);
+    auto *out = reinterpret_cast<int *>(dst);
+    _mm256_maskstore_epi32(out, lanes, YuvBack(pixels, _mm256_maskload_epi32(out, lanes)));
 }
 
 }    // namespace zck::avx2

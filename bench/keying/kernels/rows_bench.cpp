@@ -60,6 +60,12 @@ const std::pair<const char *, RowCall> kRows[] = {
                              size_t i) { t.merge_premultiply(&f.out[4 * i], &f.out[4 * i], &f.plane[i], kWidth); }},
     {"to_hls", [](const KeyingKernels &t, Frame &f, size_t i) { t.to_hls(&f.out[4 * i], &f.noise[4 * i], kWidth); }},
     {"to_yuv", [](const KeyingKernels &t, Frame &f, size_t i) { t.to_yuv(&f.out[4 * i], &f.noise[4 * i], kWidth); }},
+    {"from_yuv", [](const KeyingKernels &t, Frame &f, size_t i) { t.from_yuv(&f.out[4 * i], &f.noise[4 * i], kWidth); }},
+    {"flat",
+     [](const KeyingKernels &t, Frame &f, size_t i) {
+         const uint8_t *row = &f.screen[4 * i];
+         benchmark::DoNotOptimize(t.flat(row, row - 4 * kWidth, kWidth - 1, row, 3 * 256 * 256));
+     }},
     {"add_const", [](const KeyingKernels &t, Frame &f, size_t i) { t.add_const(&f.plane[i], kWidth, 1); }},
     {"add_plane", [](const KeyingKernels &t, Frame &f, size_t i) { t.add_plane(&f.target[i], &f.plane[i], kWidth); }},
     {"threshold", [](const KeyingKernels &t, Frame &f, size_t i) { t.threshold(&f.plane[i], kWidth, 100, 230); }},

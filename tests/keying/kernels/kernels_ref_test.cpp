@@ -213,6 +213,37 @@ TEST(ToYuv, ReadsTheFirstByteAsRed) {
     EXPECT_EQ(yuv(0, 0, 255), (Triple{29, 239, 102}));
 }
 
+TEST(FromYuv, GivesTheBytesInTheirOrder) {
+    const auto back = [](uint8_t y, uint8_t u, uint8_t v) { return Converted(kRef.from_yuv, y, u, v); };
+    EXPECT_EQ(back(0, 128, 128), (Triple{0, 0, 0}));
+    EXPECT_EQ(back(100, 128, 128), (Triple{100, 100, 100}));
+    // 74711 * 127 / 65536 is 144.8, and 38076 * 127 / 65536 73.8, both downwards.
+    EXPECT_EQ(back(100, 128, 255), (Triple{244, 26, 100}));
+    EXPECT_EQ(back(100, 255, 128), (Triple{100, 49, 255}));
+    EXPECT_EQ(back(10, 0, 0), (Triple{0, 134, 0}));
+}
+
+// Each pixel is held against four others: its own limit passes, one more does not.
+TEST(Flat, TheLimitItselfPasses) {
+    const uint8_t first[4] = {10, 20, 30, 0};
+    const auto flat = [&](Bytes row, Bytes above, int32_t limit) {
+        return kRef.flat(row.data() + 4, above.data() + 4, 1, first, limit);
+    };
+    const Bytes plain = {10, 20, 30, 0, 10, 20, 30, 255};
+    EXPECT_TRUE(flat(plain, plain, 0));
+    // 1 + 4 + 9 to the left, above, above to the left.
+    EXPECT_TRUE(flat({11, 22, 33, 0, 10, 20, 30, 0}, plain, 14));
+    EXPECT_FALSE(flat({11, 22, 33, 0, 10, 20, 30, 0}, plain, 13));
+    EXPECT_TRUE(flat(plain, {10, 20, 30, 0, 9, 18, 27, 0}, 14));
+    EXPECT_FALSE(flat(plain, {10, 20, 30, 0, 9, 18, 27, 0}, 13));
+    EXPECT_TRUE(flat(plain, {9, 18, 27, 0, 10, 20, 30, 0}, 14));
+    EXPECT_FALSE(flat(plain, {9, 18, 27, 0, 10, 20, 30, 0}, 13));
+    // Four times as far from the first.
+    const Bytes other = {12, 24, 36, 0, 12, 24, 36, 0};
+    EXPECT_TRUE(flat(other, other, 14));
+    EXPECT_FALSE(flat(other, other, 13));
+}
+
 TEST(AddConst, SaturatesOverTheWholeWidth) {
     Bytes row = {0, 100, 250, 255, 9};
     kRef.add_const(row.data(), 4, 10);

@@ -237,6 +237,62 @@ TEST_F(VectorRowsCase, ToYuvInPlace) {
                [](const KeyingKernels &t, uint8_t *dst, const Sources &, int32_t width) { t.to_yuv(dst, dst, width); });
 }
 
+TEST_F(VectorRowsCase, FromYuv) {
+    CHECK_ROWS((Shape{4, {4}}),
+               [](const KeyingKernels &t, uint8_t *dst, const Sources &s, int32_t width) { t.from_yuv(dst, s[0], width); });
+}
+
+TEST_F(VectorRowsCase, FromYuvInPlace) {
+    CHECK_ROWS((Shape{4, {}}),
+               [](const KeyingKernels &t, uint8_t *dst, const Sources &, int32_t width) { t.from_yuv(dst, dst, width); });
+}
+
+// Two rows of one colour, with one byte of one pixel off by a little more or less than the limit allows.
+TEST_F(VectorRows, Flat) {
+    int32_t answers[2] = {0, 0};
+    for (int32_t width = 0; width <= 35; ++width) {
+        for (int32_t turn = 0; turn < 400; ++turn) {
+            const auto size = static_cast<size_t>(width + 1) * 4;
+            const auto mis = static_cast<size_t>(Below(32));
+            Row row(size, mis, 0), above(size, static_cast<size_t>(Below(32)), 0);
+            const int32_t base = Below(200), off = Below(56);
+            for (size_t i = 0; i < size; ++i) {
+                // Fourth bytes say nothing.
+                row.Data()[i] = static_cast<uint8_t>(i % 4 == 3 ? Below(256) : base);
+                above.Data()[i] = static_cast<uint8_t>(i % 4 == 3 ? Below(256) : base);
+            }
+            uint8_t *odd = (Below(2) == 0 ? row : above).Data() + Below(static_cast<int32_t>(size));
+            *odd = static_cast<uint8_t>(base + off);
+            const uint8_t first[4] = {static_cast<uint8_t>(base + Below(4) / 3 * 2 * off), static_cast<uint8_t>(base),
+                                      static_cast<uint8_t>(base), static_cast<uint8_t>(Below(256))};
+            const int32_t limit = off * off + Below(3) - 1;
+            const bool one = m_ref.flat(row.Data() + 4, above.Data() + 4, width, first, limit);
+            const bool two = m_avx2.flat(row.Data() + 4, above.Data() + 4, width, first, limit);
+            ASSERT_EQ(one, two) << "width " << width << ", limit " << limit << ", off by " << off << " at " << odd - row.Data();
+            ++answers[one];
+        }
+    }
+    EXPECT_GT(answers[0], 1000);
+    EXPECT_GT(answers[1], 1000);
+}
+
+TEST_F(VectorRows, FlatOfNoise) {
+    for (int32_t turn = 0; turn < 20000; ++turn) {
+        const int32_t width = Below(50), most = 1 + Below(255);
+        const auto size = static_cast<size_t>(width + 1) * 4;
+        Row row(size, 0, 0), above(size, 0, 0);
+        for (size_t i = 0; i < size; ++i) {
+            row.Data()[i] = static_cast<uint8_t>(Below(most + 1));
+            above.Data()[i] = static_cast<uint8_t>(Below(most + 1));
+        }
+        const int32_t limit = Below(3 * 256 * 256 + 1);
+        const uint8_t *over = Below(3) == 0 ? row.Data() : above.Data();
+        ASSERT_EQ(m_ref.flat(row.Data() + 4, over + 4, width, row.Data(), limit),
+                  m_avx2.flat(row.Data() + 4, over + 4, width, row.Data(), limit))
+            << "width " << width << ", limit " << limit << ", bytes up to " << most;
+    }
+}
+
 TEST_F(VectorRowsCase, AddConst) {
     int32_t c = 0;
     CHECK_ROWS((Shape{1, {}}), [&](const KeyingKernels &t, uint8_t *dst, const Sources &, int32_t width) {
@@ -280,6 +336,8 @@ TEST_F(VectorRowsCase, NegativeWidthsDoNothing) {
             t.merge_premultiply(row.Data(), src, src, width);
             t.to_hls(row.Data(), src, width);
             t.to_yuv(row.Data(), src, width);
+            t.from_yuv(row.Data(), src, width);
+            EXPECT_TRUE(t.flat(src, src, width, src, -1));
             t.add_const(row.Data(), width, 1);
             t.add_plane(row.Data(), src, width);
             t.threshold(row.Data(), width, 200, 210);

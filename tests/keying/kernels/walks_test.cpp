@@ -97,6 +97,7 @@ void WalkColours(void (*ref)(uint8_t *, const uint8_t *, int32_t), void (*vector
 
 TEST_F(Walks, HlsOverEveryColour) { WalkColours(m_ref.to_hls, m_avx2.to_hls); }
 TEST_F(Walks, YuvOverEveryColour) { WalkColours(m_ref.to_yuv, m_avx2.to_yuv); }
+TEST_F(Walks, YuvBackOverEveryColour) { WalkColours(m_ref.from_yuv, m_avx2.from_yuv); }
 
 TEST_F(Walks, PremultiplyOverEveryPair) {
     Bytes one;
