@@ -51,14 +51,13 @@ HRESULT FittedBackground(KeyFrames &frames, const FrameSet &now, const Z_VID_PRO
     return hr;
 }
 
-void Overlay(IZFrame *under, IZFrame *over) {
+HRESULT Overlay(IZFrame *under, IZFrame *over) {
     const ComPtr<IZFFrame> underView = QueryFor<IZFFrame>(under);
     const ComPtr<IZFFrame> overView = QueryFor<IZFFrame>(over);
     if (underView && overView) {
-        underView->ZFOverlay(overView.get(), nullptr, 0, 0, 1.0, nullptr, 0, 0);
-    } else {
-        under->FrameOverlay(over, 0, 0, 1.0, nullptr);
+        return underView->ZFOverlay(overView.get(), nullptr, 0, 0, 1.0, nullptr, 0, 0);
     }
+    return under->FrameOverlay(over, 0, 0, 1.0, nullptr);
 }
 
 HRESULT OverBackground(KeyFrames &frames, const FrameSet &now, ComPtr<IZFrame> *result) {
@@ -66,12 +65,11 @@ HRESULT OverBackground(KeyFrames &frames, const FrameSet &now, ComPtr<IZFrame> *
     HRESULT hr = VideoPropsOf(result->get(), &props);
     ComPtr<IZFrame> fit;
     if (SUCCEEDED(hr)) hr = FittedBackground(frames, now, props, &fit);
-    if (hr == E_NOTIMPL) return S_OK;
     ComPtr<IZFrame> under;
     if (SUCCEEDED(hr)) hr = CloneOf(fit.get(), eZFC_Video, eZFCC_Default, &under);
     if (FAILED(hr)) return hr;
-    Overlay(under.get(), result->get());
-    *result = under;
+    // Without an overlay the preview is the keyed picture alone.
+    if (Overlay(under.get(), result->get()) != E_NOTIMPL) *result = under;
     return S_OK;
 }
 

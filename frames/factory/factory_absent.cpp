@@ -1,4 +1,4 @@
-// Operations whose rooms are not built yet: image files and the conversion driver. They keep their slots.
+// Operations whose rooms are not built yet: image files. They keep their slots.
 #include "frames/factory/frame_factory.h"
 
 namespace zck {
@@ -24,10 +24,6 @@ HRESULT CCoZFFactory_I::FrameCreateFromHbitmap(int64_t, IZFrame **_ppFrameRes, B
 }
 HRESULT CCoZFFactory_I::ZFFrameCreateFromHbitmap(int64_t, IZFFrame **_ppFrameRes, BSTR) {
     return Refuse(_ppFrameRes, kErrorFileNotFound);
-}
-
-HRESULT CCoZFFactory_I::FramesConvert(IZFrame *, IZFrame *, Z_VID_PROPS *, IZFrame **_ppFrameRes, BSTR) {
-    return Refuse(_ppFrameRes, E_NOTIMPL);
 }
 
 }    // namespace zck

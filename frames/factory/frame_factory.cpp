@@ -8,6 +8,7 @@
 #include "frames/media/audio_props.h"
 #include "frames/media/video_props.h"
 #include "frames/object/address.h"
+#include "imaging/convert/frames_convert.h"
 #include "platform/copy.h"
 
 namespace zck {
@@ -144,6 +145,19 @@ HRESULT CCoZFFactory_I::ZFFrameWrap(Z_VID_PROPS *_pVidProps, int32_t _cbVideo, i
     frame->Props().vidProps = *_pVidProps;
     frame->VideoBorrow({PointerFrom<>(_pbVideo), static_cast<uint32_t>(_cbVideo), nullptr, nullptr}, 0, _pKeeper);
     return HandOut(frame, _ppFrameRes);
+}
+
+HRESULT CCoZFFactory_I::FramesConvert(IZFrame *_pFrame, IZFrame *_pFrameSecond, Z_VID_PROPS *_pVidPropsDest,
+                                      IZFrame **_ppFrameRes, BSTR _bsPropsList) {
+    if (_ppFrameRes == nullptr) return E_POINTER;
+    *_ppFrameRes = nullptr;
+    return Guarded([&] {
+        ComPtr<IZFrame_I> result;
+        const HRESULT hr =
+            zck::FramesConvert(this, m_converter, _pFrame, _pFrameSecond, _pVidPropsDest, ViewOf(_bsPropsList), result);
+        if (SUCCEEDED(hr)) *_ppFrameRes = result.Detach();
+        return hr;
+    });
 }
 
 }    // namespace zck

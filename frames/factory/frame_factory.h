@@ -5,11 +5,13 @@
 #include "frames/object/frame.h"
 #include "frames/object/pixel_work.h"
 #include "frames/views/frame_shell.h"
+#include "imaging/convert/frames_converter.h"
 
 namespace zck {
 
 /// Owns the pool of sections. Every frame holds a reference on its factory, so that it outlives all of them. Any thread may
-/// call it. Conversions run one at a time, under `m_csConvert`; nothing inside of it calls the factory again.
+/// call it. Converting clones run one at a time, under `m_csConvert`, and so do the conversions of `m_converter`; nothing
+/// inside of them calls the factory again.
 class CCoZFFactory_I final : public CoObject<IZFrames_I, IZFFactory, IZFrameShell> {
 public:
     // IZFrames
@@ -77,6 +79,7 @@ private:
 
     IPCBufferHeap m_heap;
     CriticalSection m_csConvert;
+    FramesConverter m_converter;
 };
 
 }    // namespace zck

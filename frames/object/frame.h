@@ -228,6 +228,10 @@ private:
     // The sound of any frame, copied; its media lock is left when this returns.
     static HRESULT SoundTake(IZFFrame *source, Z_AUD_PROPS &props, CBLOBHolder<CHeapAlloc> &bytes);
 
+    // Conversions of the wide view.
+    static HRESULT SoundConvert(IZFFrame *result, const Z_AUD_PROPS &wanted);
+    HRESULT ResizeMarked(Z_AV_PROPS &target, IZFFrame **result, BSTR options, int64_t cookie);
+
     // Parts of the roads of cloning; they run on the clone.
     HRESULT CloneMedia(IZFrame_I *source, int32_t type, uint32_t offset);
     HRESULT CloneData(IZFrame_I *source, int32_t type);

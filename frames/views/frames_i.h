@@ -14,7 +14,9 @@ struct IZFrames_I : IZFrames {
     /// A clone in another pixel format; 0 keeps the format.
     virtual HRESULT Z_STDCALL FrameCloneConvert(IZFrame *_pFrame, IZFrame_I **_ppFrameRes, eZFrameClone _eCloneType,
                                                 eZFCC _fccPixelFormat) = 0;
-    /// A frame of another format or size, of one or two pictures. Not implemented yet: `E_NOTIMPL`.
+    /// As `IZFrame::FrameConvert`, of one or two pictures: two of equal description become the two fields of the result's
+    /// source; else the second is there for a missing first. `E_POINTER` for a null output, then for a null target;
+    /// `E_INVALIDARG` without a frame.
     virtual HRESULT Z_STDCALL FramesConvert(IZFrame *_pFrame, IZFrame *_pFrameSecond, Z_VID_PROPS *_pVidPropsDest,
                                             IZFrame **_ppFrameRes, BSTR _bsPropsList) = 0;
     /// A section of at least `_cbSize` usable bytes; the caller owns it until `BufferReturn`.

@@ -90,10 +90,11 @@ void ConvertPlan::RepeatRow(uint8_t *dst) const {
 
 void ConvertPlan::RunRows(const uint8_t *src, uint8_t *dst, int32_t y0, int32_t y1) const {
     if (m_pRoute == nullptr || m_pRoute->routine == nullptr) return;
-    RowJob job = {nullptr, src + m_source.bytes, nullptr, dst + m_target.bytes, m_nWidth};
+    RowJob job = {nullptr, src + m_source.bytes, nullptr, nullptr, m_nWidth};
     for (int32_t y = std::max(y0, 0); y < std::min(y1, m_nRows); ++y) {
         job.src = src + SourceOffset(y);
         job.dst = dst + TargetOffset(y);
+        job.dstEnd = job.dst + std::min(m_target.bytes - TargetOffset(y), m_nRowRoom);
         m_pRoute->routine(job);
     }
 }

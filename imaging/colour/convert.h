@@ -51,6 +51,10 @@ public:
     /// outside the RGB family: from the start of the memory), from 0 to `Rows()` - 1, on both sides.
     void RunRows(const uint8_t *src, uint8_t *dst, int32_t y0, int32_t y1) const;
 
+    /// From now on no row writes more than so many bytes from its start: what it has beyond its pixels (see route.h) is
+    /// dropped there. For images whose rows stand between rows of others.
+    void RowRoomSet(int64_t bytes) { m_nRowRoom = bytes; }
+
     int32_t Width() const { return m_nWidth; }
     int32_t Rows() const { return m_nRows; }
 
@@ -76,6 +80,7 @@ private:
     const ConvertRoute *m_pRoute = nullptr;
     int64_t m_nRepeatFrom = -1;    // offsets of the rows in the target when the field order changes
     int64_t m_nRepeatTo = -1;
+    int64_t m_nRowRoom = INT64_MAX;
     bool m_bIndependent = false;
 };
 

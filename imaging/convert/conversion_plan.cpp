@@ -43,7 +43,7 @@ bool AspectDiffers(const Z_VID_PROPS &a, const Z_VID_PROPS &b) {
 
 }    // namespace
 
-HRESULT TargetComplete(const Z_VID_PROPS *wanted, const Z_VID_PROPS &source, eZScaleType scaleType, Z_VID_PROPS &target) {
+HRESULT TargetComplete(const Z_VID_PROPS *wanted, const Z_VID_PROPS &source, Z_VID_PROPS &target) {
     if (wanted == nullptr) return E_POINTER;
     Z_VID_PROPS props = *wanted;
     if (props.eVideoFormat != eZVF_Custom) VideoPropsUpdate(&props, false);
@@ -52,7 +52,6 @@ HRESULT TargetComplete(const Z_VID_PROPS *wanted, const Z_VID_PROPS &source, eZS
         VideoPropsUpdate(&props, false);
         if (!VideoPropsValid(&props)) return kVfwEInvalidMediaType;
     }
-    if (scaleType != eZST_Default) props.eScaleType = scaleType;
     if (IsPlanarFormat(props.fccType)) {
         if (props.nRowBytes < props.nWidth) return kVfwEInvalidMediaType;
     } else {

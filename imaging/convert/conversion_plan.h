@@ -10,12 +10,12 @@
 namespace zck {
 
 /// The target record of a conversion. A record that is not valid takes what it lacks from the source: the pixel format (UYVY
-/// if the source has none), scale type, scan, size, aspect and rate. A valid one is only normalised. `scaleType`, unless it is
-/// `eZST_Default`, replaces the record's own. Packed rows that are too short are lengthened to whole ones.
+/// if the source has none), scale type, scan, size, aspect and rate. A valid one is only normalised. Packed rows that are too
+/// short are lengthened to whole ones.
 ///
 /// `E_POINTER` without record; 0x80040248 for one that cannot be completed, for planes with rows below their width, and for a
 /// picture of 2 GB and more. `target` is written only on success.
-HRESULT TargetComplete(const Z_VID_PROPS *wanted, const Z_VID_PROPS &source, eZScaleType scaleType, Z_VID_PROPS &target);
+HRESULT TargetComplete(const Z_VID_PROPS *wanted, const Z_VID_PROPS &source, Z_VID_PROPS &target);
 
 /// HDYC counts as UYVY and RGB32 as ARGB32: their bytes are laid out alike.
 eZFCC FormatFamily(eZFCC fcc);

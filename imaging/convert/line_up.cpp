@@ -1,8 +1,10 @@
 #include "imaging/convert/line_up.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 #include "frames/media/pixel_format.h"
+#include "imaging/colour/fill.h"
 
 namespace zck {
 namespace {
@@ -39,6 +41,12 @@ LineUp LineUpHeights(Z_VID_PROPS &source, Z_VID_PROPS &target, LineUpKind kind) 
         SetLines(source, LinesOf(target));
     }
     return result;
+}
+
+void LinesBlacken(const LineUp &lines, const Z_VID_PROPS &target, uint8_t *memory, int64_t bytes) {
+    if (memory == nullptr || lines.nTargetBlackRows == 0) return;
+    const int64_t rows = int64_t{lines.nTargetBlackRows} * target.nRowBytes;
+    FillPlain(target.fccType, memory + lines.nTargetBlack, std::min(rows, bytes - lines.nTargetBlack), 0);
 }
 
 }    // namespace zck

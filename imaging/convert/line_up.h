@@ -27,4 +27,8 @@ enum class LineUpKind {
 /// stays, since its planes cannot start elsewhere.
 LineUp LineUpHeights(Z_VID_PROPS &source, Z_VID_PROPS &target, LineUpKind kind);
 
+/// Blackens the lines that the source does not have, `nTargetBlackRows` whole rows as far as the memory goes. Formats that have
+/// no fill keep their bytes. Nothing to do without memory.
+void LinesBlacken(const LineUp &lines, const Z_VID_PROPS &target, uint8_t *memory, int64_t bytes);
+
 }    // namespace zck

@@ -76,6 +76,7 @@ HRESULT StraightPath(const Job &job) {
     ConvertPlan plan;
     const HRESULT hr = plan.Prepare(&sp, job.source->bytes - from, &tp, job.target->bytes - to);
     if (hr != S_OK) return hr;
+    plan.RowRoomSet(job.target->rowRoom);
     const bool smaller = tp.nWidth < job.Tp().nWidth || Rows(tp) < Rows(job.Tp());
     if (smaller) FillImage(&job.Tp(), job.target->dst, 0, 1.0);
     return plan.Run(job.source->p + from, job.target->dst + to);

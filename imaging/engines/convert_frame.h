@@ -24,6 +24,8 @@ struct EngineTarget {
     uint8_t *second;    ///< of the other field
     int64_t bytes;      ///< of each memory
     const Z_VID_PROPS *props;
+    /// Bytes of a row that may be written, padding included. For a field, whose rows stand between those of the other one.
+    int64_t rowRoom = INT64_MAX;
 };
 
 /// Both engines fit by `FitRects`. Pictures whose rectangles have one size and whose field orders do not meet are converted as

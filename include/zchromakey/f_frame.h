@@ -54,13 +54,20 @@ struct IZFFrame : IUnknown {
     /// Mixes `_pFrameOver` over this frame. Not implemented yet: `E_NOTIMPL`.
     virtual HRESULT Z_STDCALL ZFOverlay(IZFFrame *_pFrameOver, IZFFrame *_pMask, int32_t _nPosX, int32_t _nPosY,
                                         double _dblAlpha, BSTR _bsPropsList, int64_t _nCookie, int32_t _nFlags) = 0;
-    /// `_ppFrameRes` comes in with a frame to fill, or null, and goes out with the result. Not implemented yet: `E_NOTIMPL`.
+    /// As `IZFrame::FrameConvert`, for pictures and sound. `*_ppFrameRes` comes in with a frame or null: the result takes its
+    /// place on success, and without `_pPropsDest` it is converted to that frame's description. Sound of the frame is
+    /// converted to the wanted one where that is complete; a frame without sound takes over the description alone.
+    /// `_pnSamples` stays as it is. `E_INVALIDARG` without a place or without a target; 0x80040248 for sounds of two rates.
     virtual HRESULT Z_STDCALL ZFConvert(Z_AV_PROPS *_pPropsDest, IZFFrame **_ppFrameRes, int32_t *_pnSamples, BSTR _bsPropsList,
                                         int64_t _nCookie) = 0;
-    /// A frame of another size. Not implemented yet: `E_NOTIMPL`.
+    /// A frame of another size and, unless 0, format, with square pixels. `_nField` 1 or 2 takes that field alone. The options
+    /// are those of `FrameConvert`; without scale_type all of the picture fills the new size, and with fit_ar the size is made
+    /// smaller to keep the picture's shape. The result's flags say that the stream breaks here; so do the frame's own after a
+    /// failure. `E_INVALIDARG` for a null output.
     virtual HRESULT Z_STDCALL ZFResize(eZFCC _fccPixelFormat, int32_t _nWidth, int32_t _nHeight, int32_t _nField,
                                        IZFFrame **_ppFrameRes, BSTR _bsPropsList, int64_t _nCookie) = 0;
-    /// A picture on the way from this frame to the second. Not implemented yet: `E_NOTIMPL`.
+    /// A picture on the way from this frame to the second, made by a processor object, which no frame of this library has:
+    /// `E_INVALIDARG` without a second frame, otherwise `E_NOINTERFACE`.
     virtual HRESULT Z_STDCALL ZFTransition(IZFFrame *_pFrameSecond, IZFFrame **_ppFrameRes, double _dblPos, int64_t _nValue,
                                            BSTR _bsPropsList, int64_t _nCookie) = 0;
 

@@ -57,7 +57,28 @@ struct IZFrame : IUnknown {
     /// the pixels alive as a reference clone does. `E_POINTER` for a null output, `E_NOINTERFACE` for a frame without a
     /// factory.
     virtual HRESULT Z_STDCALL FrameCut(int32_t _nField, tagRECT *_pRect, IZFrame **_ppFrameRes) = 0;
-    /// A frame of another format or size. Not implemented yet: `E_NOTIMPL`.
+    /// A frame of another format, size, scan or stereo layout. What `_pVidPropsDest` does not say (0) comes from this frame;
+    /// time, sound, data and objects come along. The same picture is a clone that shares the pixels. Sources with fields keep
+    /// them in targets with fields, and others are made of the first field alone.
+    ///
+    /// `_bsPropsList` holds name=value pairs; the keywords go without regard to case, and what is unknown counts as missing:
+    /// - scale_type: how the picture is fitted, for frames that do not say it themselves: default, none (all of it fills the
+    ///   target), letter-box (all of it between black borders), crop (a part of it fills the target), no-scale. By default the
+    ///   shapes of both pictures decide.
+    /// - scaling_quality: 1 nearest, 2 linear, 4 cubic (the default), 5 B-spline, 6 Catmull-Rom, 7 between these two, 8
+    ///   super-sampling, 9 Lanczos; 10 more, from 14 on, for the slower filter that weighs rows by tables; 0 chooses by the
+    ///   scans.
+    /// - crop: pixels to cut off first: all sides, or left and top, or left, top, right, bottom. Outside the RGB family left
+    /// and
+    ///   right are rounded to even columns.
+    /// - rotate: right or left, before the fitting.
+    /// - mirror: horz, vert or both, of the result.
+    /// - field: 0 or more keeps both fields of the source.
+    ///
+    /// `E_POINTER` for a null argument before the list; `E_UNEXPECTED` for a frame without a factory and for pictures without
+    /// size; 0x80040248 for a target that cannot be completed and for a frame that states more pixels than it has; 0x80040201
+    /// for formats between which there is no way; `E_INVALIDARG` for formats that are not turned, 0x80004001 for formats
+    /// that are not mirrored; `E_FAIL`; `E_OUTOFMEMORY`.
     virtual HRESULT Z_STDCALL FrameConvert(Z_VID_PROPS *_pVidPropsDest, IZFrame **_ppFrameRes, BSTR _bsPropsList) = 0;
     /// Mixes `_pFrameOver` over this frame. `_dblAlpha`: 0 transparent (no mix), 1 solid. Not implemented yet: `E_NOTIMPL`.
     virtual HRESULT Z_STDCALL FrameOverlay(IZFrame *_pFrameOver, int32_t _nPosX, int32_t _nPosY, double _dblAlpha,

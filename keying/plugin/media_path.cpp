@@ -112,7 +112,7 @@ HRESULT CCoZChromaKey::KeyingStep(IZFrame *frame, ComPtr<IZFrame> *result) {
 
 std::optional<Borders> CCoZChromaKey::BordersNow() const {
     std::optional<Borders> borders;
-    m_props.VisitText(kBordersName, [&](TextView text) { borders = BordersFromText(text); });
+    m_props.VisitText(kBordersName, [&](TextView text) { borders = InsetsFromText(text); });
     return borders && borders->Any() ? borders : std::nullopt;
 }
 

@@ -309,7 +309,7 @@ TEST_F(Keyer, BordersOfALargeFrame) {
 }
 
 TEST_F(Keyer, BordersTextByItself) {
-    const auto parsed = [](const char *text) { return zck::BordersFromText(TextOf(text).view()); };
+    const auto parsed = [](const char *text) { return zck::InsetsFromText(TextOf(text).view()); };
     EXPECT_FALSE(parsed(""));
     EXPECT_FALSE(parsed(" ;,\t"));
     const auto same = [&](const char *text, int32_t l, int32_t t, int32_t r, int32_t b) {

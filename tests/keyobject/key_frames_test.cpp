@@ -427,15 +427,22 @@ TEST_F(KeyBackgrounds, ThatCannotBeFittedFailTheEditsPreview) {
     EXPECT_EQ(Get(eCKA_Power), 0.5);
 }
 
-// The library's own frames cannot be fitted yet: until then the preview is the plain keyed clone.
-TEST_F(KeyBackgrounds, OfTheLibraryAreLeftOutOrShown) {
-    const ComPtr<IZFrame> background = Frame(32, 16, [](int, int) { return kBlue; });
+// The library's own frames are fitted; as they are not mixed yet, the preview is the plain keyed clone.
+TEST_F(KeyBackgrounds, OfTheLibraryAreFittedAndLeftOut) {
+    const ComPtr<IZFrame> background = Frame(8, 8, [](int, int) { return kBlue; });
     ASSERT_EQ(m_key->KeyFrameSet(nullptr, background.get()), S_OK);
     ASSERT_EQ(RawSet(GreenKey()), S_OK);
     ASSERT_EQ(Preview(), S_OK);
     ASSERT_TRUE(m_out);
-    const uint32_t key = Pixel(2, 8);
-    EXPECT_TRUE(key == 0u || key == kBlue) << key;
+    EXPECT_EQ(Pixel(2, 8), 0u);
+    // One that states more pixels than it has cannot be fitted.
+    Z_AV_PROPS stated = {};
+    ASSERT_EQ(background->FrameAVPropsGet(&stated), S_OK);
+    stated.vidProps.nHeight = -9;
+    ASSERT_EQ(background->FrameAVPropsSet(&stated), S_OK);
+    ASSERT_EQ(m_key->KeyFrameSet(nullptr, background.get()), S_OK);
+    EXPECT_EQ(Set(eCKA_Power, 0.5), Z_E_INVALID_VIDEO_PROPS);
+    EXPECT_FALSE(m_out);
 }
 
 }    // namespace

@@ -289,10 +289,6 @@ TEST_F(FrameViews, OperationsOfRoomsToComeAnswerNotImplemented) {
     EXPECT_EQ(E_POINTER, frame->FrameVideoGetHbitmap(nullptr));
     EXPECT_EQ(E_NOTIMPL, frame->FrameVideoSaveToFile(nullptr));
     EXPECT_EQ(E_NOTIMPL, frame->FrameOverlay(frame.get(), 0, 0, 1.0, nullptr));
-    ComPtr<IZFrame> result;
-    Z_VID_PROPS props = Record(eZFCC_ARGB32, 8, -8);
-    EXPECT_EQ(E_NOTIMPL, frame->FrameConvert(&props, result.Put(), nullptr));
-    EXPECT_FALSE(result);
     EXPECT_EQ(E_NOTIMPL, tessilu->ZFPrint(nullptr, 1.0, nullptr, 0, nullptr, 0));
 }
 

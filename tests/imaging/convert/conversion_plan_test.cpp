@@ -22,9 +22,9 @@ Z_VID_PROPS Custom(eZFCC fcc, int32_t width, int32_t height, eZInterlace scan = 
     return props;
 }
 
-Z_VID_PROPS Completed(const Z_VID_PROPS &wanted, const Z_VID_PROPS &source, eZScaleType type = eZST_Default) {
+Z_VID_PROPS Completed(const Z_VID_PROPS &wanted, const Z_VID_PROPS &source) {
     Z_VID_PROPS target = {};
-    EXPECT_EQ(TargetComplete(&wanted, source, type, target), S_OK);
+    EXPECT_EQ(TargetComplete(&wanted, source, target), S_OK);
     return target;
 }
 
@@ -76,13 +76,6 @@ TEST(ConversionPlan, AValidTargetIsNotCompleted) {
     EXPECT_EQ(target.nAspectX, 0);
 }
 
-TEST(ConversionPlan, AKeywordReplacesTheScaleType) {
-    Z_VID_PROPS wanted = Custom(eZFCC_UYVY, 64, 48);
-    wanted.eScaleType = eZST_Crop;
-    EXPECT_EQ(Completed(wanted, wanted).eScaleType, eZST_Crop);
-    EXPECT_EQ(Completed(wanted, wanted, eZST_LetterBox).eScaleType, eZST_LetterBox);
-}
-
 TEST(ConversionPlan, RowsOfTheTargetAreWhole) {
     Z_VID_PROPS wanted = Custom(eZFCC_UYVY, 64, 48);
     for (const int32_t rowBytes : {3, -128, 127}) {
@@ -96,14 +89,14 @@ TEST(ConversionPlan, RowsOfTheTargetAreWhole) {
 TEST(ConversionPlan, TargetsThatCannotBe) {
     const Z_VID_PROPS source = Custom(eZFCC_UYVY, 64, 48);
     Z_VID_PROPS target = Custom(eZFCC_YV12, 2, 2);
-    EXPECT_EQ(TargetComplete(nullptr, source, eZST_Default, target), E_POINTER);
+    EXPECT_EQ(TargetComplete(nullptr, source, target), E_POINTER);
     const Z_VID_PROPS none = {};
-    EXPECT_EQ(TargetComplete(&none, none, eZST_Default, target), Z_E_INVALID_VIDEO_PROPS);
+    EXPECT_EQ(TargetComplete(&none, none, target), Z_E_INVALID_VIDEO_PROPS);
     Z_VID_PROPS planar = Custom(eZFCC_I420, 64, 48);
     planar.nRowBytes = 63;
-    EXPECT_EQ(TargetComplete(&planar, source, eZST_Default, target), Z_E_INVALID_VIDEO_PROPS);
+    EXPECT_EQ(TargetComplete(&planar, source, target), Z_E_INVALID_VIDEO_PROPS);
     const Z_VID_PROPS huge = Custom(eZFCC_ARGB32, 40000, 40000);
-    EXPECT_EQ(TargetComplete(&huge, source, eZST_Default, target), Z_E_INVALID_VIDEO_PROPS);
+    EXPECT_EQ(TargetComplete(&huge, source, target), Z_E_INVALID_VIDEO_PROPS);
     EXPECT_EQ(target.fccType, eZFCC_YV12);
     EXPECT_EQ(target.nWidth, 2);
 }

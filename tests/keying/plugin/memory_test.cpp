@@ -54,7 +54,7 @@ void ExpectReads(CPropsStore &store) {
         const int64_t before = t_taken;
         const int32_t threads = store.GetInt(kThreads, 6);
         const bool output = store.GetBool(kOutput, true);
-        const bool found = store.VisitText(kBorders, [&](TextView text) { borders = BordersFromText(text).value(); });
+        const bool found = store.VisitText(kBorders, [&](TextView text) { borders = InsetsFromText(text).value(); });
         const bool missing = store.VisitText(kMissing, [](TextView) {});
         const int32_t fallback = store.GetInt(kMissing, 6) + (store.GetBool(kMissing, true) ? 1 : 0);
         EXPECT_EQ(t_taken, before) << round;
