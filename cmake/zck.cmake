@@ -9,18 +9,24 @@ set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 find_package(Threads REQUIRED)
 
 # zck_room(<name> SOURCES <file>... [LINKS <target>...])
-# A room of the library: the static library zck_<name>. A file named *_avx2.cpp is compiled for that processor level; its
-# functions are called only where the level was found.
+# A room of the library: the static library zck_<name>. A file named *_avx2.cpp or *_avx512.cpp is compiled for that
+# processor level; its functions are called only where the level was found.
 function(zck_room name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
   add_library(zck_${name} STATIC ${ARG_SOURCES})
   zck_compile(zck_${name})
   target_link_libraries(zck_${name} PUBLIC ${ARG_LINKS} Threads::Threads)
   foreach(source IN LISTS ARG_SOURCES)
+    set(level "")
     if(source MATCHES "_avx2\\.cpp$")
-      # GCC for Windows does not align the stack for 32-byte spills, hence the unaligned moves.
+      set(level -mavx2)
+    elseif(source MATCHES "_avx512\\.cpp$")
+      set(level -mavx512f -mavx512bw -mavx512dq -mavx512vl)
+    endif()
+    if(level)
+      # GCC for Windows does not align the stack for wide spills, hence the unaligned moves.
       set_source_files_properties(${source} PROPERTIES COMPILE_OPTIONS
-          "-mavx2;-mfma;$<$<BOOL:${MINGW}>:-Wa,-muse-unaligned-vector-move>")
+          "${level};$<$<BOOL:${MINGW}>:-Wa,-muse-unaligned-vector-move>")
     endif()
   endforeach()
 endfunction()
@@ -72,7 +78,7 @@ endfunction()
 function(zck_compile target)
   target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
   target_compile_options(${target} PRIVATE
-      -Wall -Wextra -Wconversion -Werror
+      -Wall -Wextra -Wconversion -Wmissing-declarations -Werror
       # A fused multiply-add gives other bytes than a multiplication and an addition.
       -ffp-contract=off
       # The square root never reports to errno here, so that the compiler may use the instruction.

@@ -8,7 +8,7 @@
 namespace zck {
 namespace {
 
-std::atomic<KernelLevel> s_limit{KernelLevel::Avx2};
+std::atomic<KernelLevel> s_limit{kKernelLevelHighest};
 
 /// The clock in MHz from two readings of a counter and of the time stamp counter; 0 when the counter did not move.
 template <class Read>
@@ -34,7 +34,12 @@ int CpuFeatureLevel() noexcept {
     return 0;
 }
 
-bool CpuHasAvx2() noexcept { return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma"); }
+bool CpuHasAvx2() noexcept { return __builtin_cpu_supports("avx2"); }
+
+bool CpuHasAvx512() noexcept {
+    return CpuHasAvx2() && __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
+           __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512vl");
+}
 
 bool CpuSpeedMHz(uint32_t *mhz, bool bMeasure) noexcept {
     if (mhz == nullptr) return false;
@@ -49,7 +54,9 @@ bool CpuSpeedMHz(uint32_t *mhz, bool bMeasure) noexcept {
 }
 
 KernelLevel KernelLevelGet() noexcept {
-    static const KernelLevel found = CpuHasAvx2() ? KernelLevel::Avx2 : KernelLevel::Reference;
+    static const KernelLevel found = CpuHasAvx512() ? KernelLevel::Avx512
+                                     : CpuHasAvx2() ? KernelLevel::Avx2
+                                                    : KernelLevel::Reference;
     const KernelLevel limit = s_limit.load(std::memory_order_relaxed);
     return limit < found ? limit : found;
 }

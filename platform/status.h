@@ -4,6 +4,7 @@
 
 #include <new>
 
+#include "platform/failure.h"
 #include "zchromakey/statuses.h"
 
 namespace zck {
@@ -38,9 +39,9 @@ HRESULT Guarded(Body &&body) noexcept {
     try {
         return body();
     } catch (const std::bad_alloc &) {
-        return E_OUTOFMEMORY;
+        return Noted(E_OUTOFMEMORY);
     } catch (...) {
-        return E_UNEXPECTED;
+        return Noted(E_UNEXPECTED);
     }
 }
 

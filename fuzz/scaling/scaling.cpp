@@ -128,7 +128,7 @@ Result Run(const Case &c, KernelLevel level) {
         default:
             result.hr = WeaveFields(c.pixels.data(), srcBytes, c.pixels.data(), srcBytes, &sp, out[0], dstBytes, &tp);
     }
-    KernelLevelLimit(KernelLevel::Avx2);
+    KernelLevelLimit(kKernelLevelHighest);
     return result;
 }
 

@@ -255,7 +255,7 @@ std::array<int32_t, 3> SpreadTolerance(eCK_Type type, int32_t tolerance) {
     }
 }
 
-KeyOptions Completed(const KeyOptions &options, const std::vector<ScreenKey> &screen) {
+static KeyOptions Completed(const KeyOptions &options, const std::vector<ScreenKey> &screen) {
     KeyOptions out = options;
     out.type = options.type.value_or(kDefaultKeyType);
     out.spill = options.spill.value_or(screen.empty() ? Spill{0, 0, 0} : Spill{});

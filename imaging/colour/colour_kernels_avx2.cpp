@@ -3,21 +3,12 @@
 #include <immintrin.h>
 
 #include "imaging/colour/colour_kernels.h"
-
-// For the pieces of a row: a call would pass vectors through memory and load every constant again.
-#define ZCK_INLINE inline __attribute__((always_inline))
+#include "platform/avx2.h"
 
 namespace zck {
 namespace {
 
-// Asks for what lies some rows' part ahead: rows of frames come from and go to the memory, they follow one another there, and
-// what the processor fetches by itself ends with each page and with each row. No address is wrong for this.
-ZCK_INLINE void FetchAhead(const uint8_t *p) { __builtin_prefetch(p + 2048, 0); }
-ZCK_INLINE void OwnAhead(uint8_t *p) { __builtin_prefetch(p + 4096, 1); }
-
-void CopyBytes(uint8_t *dst, const uint8_t *src, int64_t n) {
-    for (int64_t i = 0; i < n; ++i) dst[i] = src[i];
-}
+using namespace avx2;
 
 // 16 pixels. The sums are in 16 bits: of each coefficient the nearest multiple of 256 is taken out of the sum, which then
 // stays inside 16 bits and is shifted down; the multiples are added afterwards. That is exact.
@@ -54,7 +45,7 @@ ZCK_INLINE void Decode709Pixels16(uint8_t *dst, const uint8_t *src) {
 
 void Decode709(uint8_t *dst, const uint8_t *src, int64_t pairs) {
     for (; pairs >= 8; pairs -= 8, src += 32, dst += 64) {
-        FetchAhead(src);
+        FetchAhead(src, kAhead / 2);
         OwnAhead(dst);
         Decode709Pixels16(dst, src);
     }
@@ -153,7 +144,7 @@ ZCK_INLINE void UnpackBlocks2(uint8_t *dst, const uint8_t *src) {
 
 void UnpackUyvy(uint8_t *dst, const uint8_t *src, int64_t blocks) {
     for (; blocks > 2; blocks -= 2, src += 32, dst += 24) {
-        FetchAhead(src);
+        FetchAhead(src, kAhead / 2);
         UnpackBlocks2(dst, src);
     }
     if (blocks <= 0) return;

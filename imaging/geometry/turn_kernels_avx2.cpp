@@ -1,6 +1,7 @@
 #include <immintrin.h>
 
 #include "imaging/geometry/turn_kernels.h"
+#include "platform/avx2.h"
 
 namespace zck {
 namespace {
@@ -9,7 +10,7 @@ namespace {
 void Transpose4(uint8_t *dst, int64_t dstStep, const uint8_t *src, int64_t srcStep) {
     __m256i r[8];
     __m256i t[8];
-    for (int64_t i = 0; i < 8; ++i) r[i] = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(src + i * srcStep));
+    for (int64_t i = 0; i < 8; ++i) r[i] = avx2::Load(src + i * srcStep);
     for (int i = 0; i < 8; i += 2) {
         t[i] = _mm256_unpacklo_epi32(r[i], r[i + 1]);
         t[i + 1] = _mm256_unpackhi_epi32(r[i], r[i + 1]);
@@ -23,8 +24,8 @@ void Transpose4(uint8_t *dst, int64_t dstStep, const uint8_t *src, int64_t srcSt
     for (int i = 0; i < 4; ++i) {
         const __m256i low = _mm256_permute2x128_si256(r[i], r[i + 4], 0x20);
         const __m256i high = _mm256_permute2x128_si256(r[i], r[i + 4], 0x31);
-        _mm256_storeu_si256(reinterpret_cast<__m256i *>(dst + i * dstStep), low);
-        _mm256_storeu_si256(reinterpret_cast<__m256i *>(dst + (i + 4) * dstStep), high);
+        avx2::Store(dst + i * dstStep, low);
+        avx2::Store(dst + (i + 4) * dstStep, high);
     }
 }
 

@@ -2,12 +2,12 @@
 #include <immintrin.h>
 
 #include "imaging/primitives/row_kernels.h"
+#include "platform/avx2.h"
 
 namespace zck {
 namespace {
 
-__m256i Load(const uint8_t *p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i *>(p)); }
-void Store(uint8_t *p, __m256i x) { _mm256_storeu_si256(reinterpret_cast<__m256i *>(p), x); }
+using namespace avx2;
 
 // Products up to 65025 over 2^n, ties to even, n from 0 to 8: adding just less than a half, and the rest if the result would
 // be odd, stays inside 16 bits.

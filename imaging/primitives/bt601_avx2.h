@@ -4,29 +4,19 @@
 // is right below 59074.
 #pragma once
 
-#include <immintrin.h>
-
-#include <cstdint>
-
-// For the pieces of a row: a call would pass vectors through memory and load every constant again.
-#define ZCK_INLINE inline __attribute__((always_inline))
+#include "platform/avx2.h"
 
 namespace zck {
 
-// Asks for what lies some rows' part ahead: rows of frames come from and go to the memory, they follow one another there, and
-// what the processor fetches by itself ends with each page and with each row. No address is wrong for this.
-static inline void FetchAhead(const uint8_t *p) { __builtin_prefetch(p + 2048, 0); }
-static inline void OwnAhead(uint8_t *p) { __builtin_prefetch(p + 4096, 1); }
-
-static inline __m256i Load(const uint8_t *p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i *>(p)); }
-static inline __m128i LoadHalf(const uint8_t *p) { return _mm_loadu_si128(reinterpret_cast<const __m128i *>(p)); }
-static inline void Store(uint8_t *p, __m256i x) { _mm256_storeu_si256(reinterpret_cast<__m256i *>(p), x); }
-
-static inline void CopyBytes(uint8_t *dst, const uint8_t *src, int64_t n) {
-    for (int64_t i = 0; i < n; ++i) dst[i] = src[i];
-}
-
-static inline __m256i Words(int32_t n) { return _mm256_set1_epi16(static_cast<int16_t>(n)); }
+using avx2::CopyBytes;
+using avx2::FetchAhead;
+using avx2::kAhead;
+using avx2::Load;
+using avx2::LoadHalf;
+using avx2::OwnAhead;
+using avx2::Store;
+using avx2::StoreHalf;
+using avx2::Words;
 
 static inline __m256i By125(__m256i x) { return _mm256_srli_epi16(_mm256_mulhi_epu16(x, Words(33555)), 6); }
 
@@ -64,7 +54,7 @@ static inline __m256i Pairs(__m256i bytes, int32_t low, int32_t high) {
 //   blue:  1164 y + 2017 u - 276300         = 125 (9 y + 16 u - 2211) + (39 y + 17 u + 75)
 //   red:   1164 y + 1596 v - 222412         = 125 (9 y + 13 v - 1839) + (39 y - 29 v + 7463)
 //   green: 1164 y - 392 u - 813 v + 136116  = 125 (9 y - 3 u - 6 v + 925) + (39 y - 17 u - 63 v + 20491)
-static ZCK_INLINE void Decode16(uint8_t *dst, __m256i cbY, __m256i crY, __m256i alpha) {
+ZCK_INLINE void Decode16(uint8_t *dst, __m256i cbY, __m256i crY, __m256i alpha) {
     const __m256i b = _mm256_add_epi16(_mm256_add_epi16(Pairs(cbY, 16, 9), Words(-2211)),
                                        By125(_mm256_add_epi16(Pairs(cbY, 17, 39), Words(75))));
     const __m256i r = _mm256_add_epi16(_mm256_add_epi16(Pairs(crY, 13, 9), Words(-1839)),

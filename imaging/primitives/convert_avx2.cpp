@@ -73,7 +73,7 @@ template <bool kLumaFirst>
 void BgraFrom422(uint8_t *dst, const uint8_t *src, int32_t width, uint8_t alpha) {
     const __m256i alphas = _mm256_set1_epi16(alpha);
     for (; width >= 16; width -= 16, src += 32, dst += 64) {
-        FetchAhead(src);
+        FetchAhead(src, kAhead / 2);
         OwnAhead(dst);
         Decode422<kLumaFirst>(dst, src, alphas);
     }

@@ -3,12 +3,12 @@
 #include <immintrin.h>
 
 #include "imaging/primitives/row_kernels.h"
+#include "platform/avx2.h"
 
 namespace zck {
 namespace {
 
-__m256i Load(const uint8_t *p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i *>(p)); }
-void Store(uint8_t *p, __m256i x) { _mm256_storeu_si256(reinterpret_cast<__m256i *>(p), x); }
+using namespace avx2;
 
 // 8 pixels of 4 bytes are written as 32 bytes of which 24 count: 3 pixels more must follow.
 void DropAlpha(uint8_t *dst, const uint8_t *src, int32_t width) {

@@ -8,8 +8,6 @@
 namespace zck {
 namespace {
 
-void StoreHalf(uint8_t *p, __m128i x) { _mm_storeu_si128(reinterpret_cast<__m128i *>(p), x); }
-
 __m256i LowBytes(__m256i x) { return _mm256_and_si256(x, Words(0x00FF)); }
 __m256i HighBytes(__m256i x) { return _mm256_srli_epi16(x, 8); }
 
@@ -125,9 +123,9 @@ ZCK_INLINE void Planes16(uint8_t *dst, const uint8_t *y, const uint8_t *cb, cons
 void PlanesToBgra(uint8_t *dst, const uint8_t *y, const uint8_t *cb, const uint8_t *cr, int32_t width, uint8_t alpha) {
     const __m256i alphas = Words(alpha);
     for (; width >= 16; width -= 16, dst += 64, y += 16, cb += 8, cr += 8) {
-        FetchAhead(y);
-        FetchAhead(cb);
-        FetchAhead(cr);
+        FetchAhead(y, kAhead / 2);
+        FetchAhead(cb, kAhead / 2);
+        FetchAhead(cr, kAhead / 2);
         OwnAhead(dst);
         Planes16(dst, y, cb, cr, alphas);
     }
@@ -152,8 +150,8 @@ ZCK_INLINE void Nv12Pixels16(uint8_t *dst, const uint8_t *y, const uint8_t *cbcr
 void Nv12ToBgra(uint8_t *dst, const uint8_t *y, const uint8_t *cbcr, int32_t width, uint8_t alpha) {
     const __m256i alphas = Words(alpha);
     for (; width >= 16; width -= 16, dst += 64, y += 16, cbcr += 16) {
-        FetchAhead(y);
-        FetchAhead(cbcr);
+        FetchAhead(y, kAhead / 2);
+        FetchAhead(cbcr, kAhead / 2);
         OwnAhead(dst);
         Nv12Pixels16(dst, y, cbcr, alphas);
     }

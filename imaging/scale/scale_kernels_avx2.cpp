@@ -2,14 +2,14 @@
 #include <immintrin.h>
 
 #include "imaging/scale/scale_kernels.h"
+#include "platform/avx2.h"
 
 namespace zck {
 namespace {
 
-__m128i Load(const uint8_t *p) { return _mm_loadu_si128(reinterpret_cast<const __m128i *>(p)); }
-void Store(uint8_t *p, __m128i x) { _mm_storeu_si128(reinterpret_cast<__m128i *>(p), x); }
-__m256i Load16(const int16_t *p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i *>(p)); }
-__m256i Wide(const uint8_t *p) { return _mm256_cvtepu8_epi16(Load(p)); }
+using namespace avx2;
+
+__m256i Wide(const uint8_t *p) { return _mm256_cvtepu8_epi16(LoadHalf(p)); }
 
 // 16 words below 256 in order.
 __m128i Bytes(__m256i words) { return _mm_packus_epi16(_mm256_castsi256_si128(words), _mm256_extracti128_si256(words, 1)); }
@@ -19,7 +19,7 @@ void Blend2(uint8_t *dst, const uint8_t *a, const uint8_t *b, const uint8_t *wei
     const __m256i wb = _mm256_set1_epi16(weights[1]);
     for (int64_t i = 0; i < blocks * 16; i += 16) {
         const __m256i sum = _mm256_adds_epu16(_mm256_mullo_epi16(Wide(a + i), wa), _mm256_mullo_epi16(Wide(b + i), wb));
-        Store(dst + i, Bytes(_mm256_srli_epi16(sum, 8)));
+        StoreHalf(dst + i, Bytes(_mm256_srli_epi16(sum, 8)));
     }
 }
 
@@ -29,7 +29,7 @@ void BlendSum(uint8_t *dst, const uint8_t *const *rows, const uint8_t *weights, 
         __m256i sum = _mm256_setzero_si256();
         for (int32_t t = 0; t < taps; ++t)
             sum = _mm256_adds_epu16(sum, _mm256_mullo_epi16(Wide(rows[t] + i), _mm256_set1_epi16(weights[t])));
-        Store(dst + i, Bytes(_mm256_srli_epi16(_mm256_adds_epu16(sum, _mm256_set1_epi16(bias)), 8)));
+        StoreHalf(dst + i, Bytes(_mm256_srli_epi16(_mm256_adds_epu16(sum, _mm256_set1_epi16(bias)), 8)));
     }
 }
 
@@ -88,7 +88,7 @@ __m256i Rounded(__m256i words) { return _mm256_srai_epi16(_mm256_adds_epi16(word
 
 void Narrow(uint8_t *dst, const int16_t *src, int32_t count) {
     int32_t i = 0;
-    for (; i + 16 <= count; i += 16) Store(dst + i, Bytes(Rounded(Load16(src + i))));
+    for (; i + 16 <= count; i += 16) StoreHalf(dst + i, Bytes(Rounded(Load(src + i))));
     for (; i < count; ++i) dst[i] = Clamped((src[i] + 32) >> 6);
 }
 
@@ -103,7 +103,7 @@ __m256i Gather(const int16_t *src, const int32_t *first) {
 
 // Outputs x to x + 3, each as two sums side by side.
 __m256i Four(const int16_t *src, const int32_t *first, const int16_t *weights, int32_t taps) {
-    if (taps == kTapGroup) return _mm256_madd_epi16(Gather(src, first), Load16(weights));
+    if (taps == kTapGroup) return _mm256_madd_epi16(Gather(src, first), Load(weights));
     const int32_t places[4] = {0, taps, 2 * taps, 3 * taps};
     __m256i sum = _mm256_setzero_si256();
     for (int32_t t = 0; t < taps; t += kTapGroup)
@@ -141,7 +141,7 @@ __m128i Pixel(const int16_t *from, const int16_t *weights, int32_t taps) {
     for (int32_t t = 0; t < taps; t += kTapGroup) {
         const __m128i group = _mm_loadl_epi64(reinterpret_cast<const __m128i *>(weights + t));
         const __m256i w = _mm256_permutevar8x32_epi32(_mm256_castsi128_si256(group), spread);
-        sum = _mm256_add_epi32(sum, _mm256_madd_epi16(_mm256_shuffle_epi8(Load16(from + 4 * t), pairs), w));
+        sum = _mm256_add_epi32(sum, _mm256_madd_epi16(_mm256_shuffle_epi8(Load(from + 4 * t), pairs), w));
     }
     const __m128i both = _mm_add_epi32(_mm256_castsi256_si128(sum), _mm256_extracti128_si256(sum, 1));
     return _mm_srai_epi32(_mm_add_epi32(both, _mm_set1_epi32(1 << 19)), 20);
@@ -152,7 +152,7 @@ void Columns4(uint8_t *dst, const int16_t *src, const int32_t *first, const int1
     for (; x + 4 <= count; x += 4) {
         __m128i p[4];
         for (int32_t j = 0; j < 4; ++j) p[j] = Pixel(src + int64_t{4} * first[x + j], weights + int64_t{taps} * (x + j), taps);
-        Store(dst + int64_t{4} * x, _mm_packus_epi16(_mm_packs_epi32(p[0], p[1]), _mm_packs_epi32(p[2], p[3])));
+        StoreHalf(dst + int64_t{4} * x, _mm_packus_epi16(_mm_packs_epi32(p[0], p[1]), _mm_packs_epi32(p[2], p[3])));
     }
     for (; x < count; ++x)
         for (int32_t c = 0; c < 4; ++c)

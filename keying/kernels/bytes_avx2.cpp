@@ -5,11 +5,6 @@
 namespace zck::avx2 {
 namespace {
 
-ZCK_INLINE __m256i Load32(const uint8_t *p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i *>(p)); }
-ZCK_INLINE __m128i Load16(const uint8_t *p) { return _mm_loadu_si128(reinterpret_cast<const __m128i *>(p)); }
-ZCK_INLINE void Store32(uint8_t *p, __m256i v) { _mm256_storeu_si256(reinterpret_cast<__m256i *>(p), v); }
-ZCK_INLINE void Store16(uint8_t *p, __m128i v) { _mm_storeu_si128(reinterpret_cast<__m128i *>(p), v); }
-
 ZCK_INLINE uint8_t AddByte(int32_t a, int32_t b) { return static_cast<uint8_t>(a + b < 255 ? a + b : 255); }
 ZCK_INLINE int32_t Limit(int32_t v) { return v < 0 ? 0 : v > 255 ? 255 : v; }
 ZCK_INLINE __m256i Mask(bool on) { return _mm256_set1_epi32(on ? -1 : 0); }
@@ -31,17 +26,17 @@ ZCK_INLINE __m256i Bounded(__m256i v, const Bounds &b) {
 void Join(uint8_t *dst, const uint8_t *src, int32_t width, int32_t c) {
     const __m256i addend = _mm256_set1_epi8(static_cast<char>(c));
     for (; width >= 32; width -= 32, dst += 32, src += 32) {
-        Store32(dst, _mm256_min_epu8(Load32(dst), _mm256_adds_epu8(Load32(src), addend)));
+        Store(dst, _mm256_min_epu8(Load(dst), _mm256_adds_epu8(Load(src), addend)));
     }
     if (width < 16) return;
-    Store16(dst, _mm_min_epu8(Load16(dst), _mm_adds_epu8(Load16(src), _mm256_castsi256_si128(addend))));
+    StoreHalf(dst, _mm_min_epu8(LoadHalf(dst), _mm_adds_epu8(LoadHalf(src), _mm256_castsi256_si128(addend))));
 }
 
 void Invert(uint8_t *row, int32_t width, bool writeSlipByte) {
     const __m256i ones = _mm256_set1_epi8(-1);
-    for (; width >= 32; width -= 32, row += 32) Store32(row, _mm256_xor_si256(Load32(row), ones));
+    for (; width >= 32; width -= 32, row += 32) Store(row, _mm256_xor_si256(Load(row), ones));
     if (width >= 16) {
-        Store16(row, _mm_xor_si128(Load16(row), _mm256_castsi256_si128(ones)));
+        StoreHalf(row, _mm_xor_si128(LoadHalf(row), _mm256_castsi256_si128(ones)));
         row += 16;
         width -= 16;
     }
@@ -52,19 +47,19 @@ void Invert(uint8_t *row, int32_t width, bool writeSlipByte) {
 
 void AddConst(uint8_t *row, int32_t width, int32_t c) {
     const __m256i addend = _mm256_set1_epi8(static_cast<char>(c));
-    for (; width >= 32; width -= 32, row += 32) Store32(row, _mm256_adds_epu8(Load32(row), addend));
+    for (; width >= 32; width -= 32, row += 32) Store(row, _mm256_adds_epu8(Load(row), addend));
     for (int32_t x = 0; x < width; ++x) row[x] = AddByte(row[x], static_cast<uint8_t>(c));
 }
 
 void AddPlane(uint8_t *dst, const uint8_t *src, int32_t width) {
-    for (; width >= 32; width -= 32, dst += 32, src += 32) Store32(dst, _mm256_adds_epu8(Load32(dst), Load32(src)));
+    for (; width >= 32; width -= 32, dst += 32, src += 32) Store(dst, _mm256_adds_epu8(Load(dst), Load(src)));
     for (int32_t x = 0; x < width; ++x) dst[x] = AddByte(dst[x], src[x]);
 }
 
 void Threshold(uint8_t *row, int32_t width, int32_t low, int32_t high) {
     const Bounds bounds = {_mm256_set1_epi8(static_cast<char>(Limit(high))), Mask(high < 0),
                            _mm256_set1_epi8(static_cast<char>(low > 0 ? Limit(low - 1) : 0)), Mask(low > 0)};
-    for (; width >= 32; width -= 32, row += 32) Store32(row, Bounded(Load32(row), bounds));
+    for (; width >= 32; width -= 32, row += 32) Store(row, Bounded(Load(row), bounds));
     for (int32_t x = 0; x < width; ++x) {
         row[x] = row[x] > high ? uint8_t{255} : row[x] < low ? uint8_t{0} : row[x];
     }

@@ -5,8 +5,6 @@
 namespace zck::avx2 {
 namespace {
 
-ZCK_INLINE __m256i Load(const uint8_t *p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i *>(p)); }
-
 // The three source rows at one column.
 struct Rows {
     const uint8_t *above, *middle, *below;

@@ -2,17 +2,9 @@
 #pragma once
 
 #include "keying/kernels/kernels.h"
-
-// For the pieces of a row: a call would pass vectors through memory and load every constant again.
-#define ZCK_INLINE inline __attribute__((always_inline))
+#include "platform/avx2.h"
 
 namespace zck::avx2 {
-
-// Asks for what lies about a row's half ahead: rows of frames come from and go to the memory, they follow one another there,
-// and what the processor fetches by itself ends with each page and with each kernel. No address is wrong for this.
-constexpr int kAhead = 4096;
-ZCK_INLINE void FetchAhead(const uint8_t *p) { __builtin_prefetch(p + kAhead, 0); }
-ZCK_INLINE void OwnAhead(uint8_t *p) { __builtin_prefetch(p + kAhead, 1); }
 
 // distance_avx2.cpp
 void Distance(uint8_t *dst, const uint8_t *src, int32_t blocks, const DistanceKey *key);

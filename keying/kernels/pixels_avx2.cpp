@@ -5,13 +5,7 @@
 namespace zck::avx2 {
 namespace {
 
-ZCK_INLINE __m256i Load8(const uint8_t *p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i *>(p)); }
-ZCK_INLINE void Store8(uint8_t *p, __m256i v) { _mm256_storeu_si256(reinterpret_cast<__m256i *>(p), v); }
-
-// The first `n` of 8 pixels, n below 8; the lanes beyond are neither read nor written.
-ZCK_INLINE __m256i FirstLanes(int32_t n) {
-    return _mm256_cmpgt_epi32(_mm256_set1_epi32(n), _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7));
-}
+// Lanes outside the mask are neither read nor written.
 ZCK_INLINE __m256i LoadSome(const uint8_t *p, __m256i lanes) {
     return _mm256_maskload_epi32(reinterpret_cast<const int *>(p), lanes);
 }
@@ -58,8 +52,8 @@ ZCK_INLINE __m256i Multiplied(__m256i pixels) {
 
 void Merge(uint8_t *dst, const uint8_t *src, const uint8_t *alpha, int32_t width) {
     for (; width >= 16; width -= 16, dst += 64, src += 64, alpha += 16) {
-        Store8(dst, Merged(Load8(src), Alpha8(alpha)));
-        Store8(dst + 32, Merged(Load8(src + 32), Alpha8(alpha + 8)));
+        Store(dst, Merged(Load(src), Alpha8(alpha)));
+        Store(dst + 32, Merged(Load(src + 32), Alpha8(alpha + 8)));
     }
     if (width <= 0) return;
     // The gap: 8 pixels stay as they are.
@@ -70,7 +64,7 @@ void Merge(uint8_t *dst, const uint8_t *src, const uint8_t *alpha, int32_t width
 }
 
 void Premultiply(uint8_t *row, int32_t width) {
-    for (; width >= 8; width -= 8, row += 32) Store8(row, Multiplied(Load8(row)));
+    for (; width >= 8; width -= 8, row += 32) Store(row, Multiplied(Load(row)));
     if (width <= 0) return;
     const __m256i lanes = FirstLanes(width);
     StoreSome(row, lanes, Multiplied(LoadSome(row, lanes)));
@@ -79,12 +73,12 @@ void Premultiply(uint8_t *row, int32_t width) {
 void MergePremultiply(uint8_t *dst, const uint8_t *src, const uint8_t *alpha, int32_t width) {
     for (; width >= 16; width -= 16, dst += 64, src += 64, alpha += 16) {
         OwnAhead(dst);
-        Store8(dst, Multiplied(Merged(Load8(src), Alpha8(alpha))));
-        Store8(dst + 32, Multiplied(Merged(Load8(src + 32), Alpha8(alpha + 8))));
+        Store(dst, Multiplied(Merged(Load(src), Alpha8(alpha))));
+        Store(dst + 32, Multiplied(Merged(Load(src + 32), Alpha8(alpha + 8))));
     }
     if (width >= 8) {
         // The gap of the merge: multiplied by the alpha that the pixels had.
-        Store8(dst, Multiplied(Load8(src)));
+        Store(dst, Multiplied(Load(src)));
         dst += 32;
         src += 32;
         alpha += 8;

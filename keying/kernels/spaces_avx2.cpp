@@ -5,10 +5,6 @@
 namespace zck::avx2 {
 namespace {
 
-ZCK_INLINE __m256i FirstLanes(int32_t n) {
-    return _mm256_cmpgt_epi32(_mm256_set1_epi32(n), _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7));
-}
-
 // Byte j of each 32-bit lane.
 ZCK_INLINE __m256i Channel(__m256i v, int j) { return _mm256_and_si256(_mm256_srli_epi32(v, 8 * j), _mm256_set1_epi32(255)); }
 

@@ -57,7 +57,8 @@ private:
 
     HRESULT ReceiveOverOutputThread(const ComPtr<IZFrame> &frame, IZFrame **result);
     HRESULT KeyingStep(IZFrame *frame, ComPtr<IZFrame> *result);
-    HRESULT KeyFrame(IZFrame *working);
+    /// `key` is of a type other than `eCKT_None`; one snapshot serves the whole frame.
+    HRESULT KeyFrame(IZFrame *working, const CHROMA_KEY_RAW &key);
     HRESULT KeyPixels(uint8_t *pixels, int32_t bytes, const Z_VID_PROPS &props, const CHROMA_KEY_RAW &key,
                       const RowSource *rows);
     std::optional<Borders> BordersNow() const;

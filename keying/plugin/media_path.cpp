@@ -22,7 +22,7 @@ constexpr PropName kThreadsName(ZCK_TEXT("process.threads"));
 constexpr PropName kBordersName(ZCK_TEXT("keying.borders"));
 
 HRESULT HandOn(ComPtr<IZFrame> &&frame, IZFrame **result) {
-    if (!frame) return E_INVALIDARG;
+    if (!frame) return Noted(E_INVALIDARG);
     *result = frame.Detach();
     return S_OK;
 }
@@ -30,10 +30,10 @@ HRESULT HandOn(ComPtr<IZFrame> &&frame, IZFrame **result) {
 }    // namespace
 
 HRESULT CCoZChromaKey::OnMediaReceive(int64_t, IUnknown *, IZFrame *_pFrame, IZFrame **_ppFrameRes) {
-    if (_pFrame == nullptr || _ppFrameRes == nullptr) return E_INVALIDARG;
+    if (_pFrame == nullptr || _ppFrameRes == nullptr) return Noted(E_INVALIDARG);
     return Guarded([&]() -> HRESULT {
         const ComPtr<IZFrame> frame = QueryFor<IZFrame>(_pFrame);
-        if (!frame) return E_NOINTERFACE;
+        if (!frame) return Noted(E_NOINTERFACE);
         {
             // The old frame leaves after the lock: its release may call anywhere.
             ComPtr<IZFrame> last = frame;
@@ -72,7 +72,7 @@ void CCoZChromaKey::OutputThread(void *owner, int32_t, CWorkerThread &self) {
     auto &plugin = *static_cast<CCoZChromaKey *>(owner);
     while (self.WaitWake()) {
         if (!plugin.m_pendingFrame) continue;
-        // A failure has nobody to go to: the holder stays empty, and the next call finds no frame.
+        // No caller hears of a failure: the holder stays empty, and the next call finds no frame. `FailureNoted` saw it.
         Guarded([&] { return plugin.KeyingStep(plugin.m_pendingFrame.get(), &plugin.m_finishedFrame); });
         plugin.m_pendingFrame.Reset();
         plugin.m_outputDone.Set();
@@ -85,7 +85,7 @@ CHROMA_KEY_RAW CCoZChromaKey::KeySnapshot() const {
 }
 
 HRESULT CCoZChromaKey::KeyingStep(IZFrame *frame, ComPtr<IZFrame> *result) {
-    if (frame == nullptr || result == nullptr) return E_INVALIDARG;
+    if (frame == nullptr || result == nullptr) return Noted(E_INVALIDARG);
     const CHROMA_KEY_RAW key = KeySnapshot();
     if (key.eType == eCKT_None) return S_OK;
     const std::optional<Borders> borders = BordersNow();
@@ -99,12 +99,12 @@ HRESULT CCoZChromaKey::KeyingStep(IZFrame *frame, ComPtr<IZFrame> *result) {
         }
     }
     ComPtr<IZFrame> clone;
-    HRESULT hr = frame->FrameClone(clone.Put(), eZFC_Full, eZFCC_ARGB32);
+    HRESULT hr = Noted(frame->FrameClone(clone.Put(), eZFC_Full, eZFCC_ARGB32));
     if (FAILED(hr)) return hr;
-    if (!QueryFor<IZFFrame>(clone.get())) return E_NOINTERFACE;
+    if (!QueryFor<IZFFrame>(clone.get())) return Noted(E_NOINTERFACE);
     ComPtr<IZFrame> working = clone;
     if (borders) CutToBorders(*borders, &working);
-    hr = KeyFrame(working.get());
+    hr = KeyFrame(working.get(), key);
     if (FAILED(hr)) return hr;
     *result = std::move(clone);
     return S_OK;
@@ -125,17 +125,16 @@ void CCoZChromaKey::CutToBorders(const Borders &borders, ComPtr<IZFrame> *workin
     if (SUCCEEDED((*working)->FrameCut(-1, &rect, cut.Put())) && cut) *working = std::move(cut);
 }
 
-HRESULT CCoZChromaKey::KeyFrame(IZFrame *working) {
+HRESULT CCoZChromaKey::KeyFrame(IZFrame *working, const CHROMA_KEY_RAW &key) {
     Z_AV_PROPS props;
     int32_t bytes = 0;
     int64_t address = 0;
-    HRESULT hr = working->FrameAVPropsGet(&props);
-    if (SUCCEEDED(hr)) hr = working->FrameVideoGetBytes(&bytes, &address);
+    HRESULT hr = Noted(working->FrameAVPropsGet(&props));
+    if (SUCCEEDED(hr)) hr = Noted(working->FrameVideoGetBytes(&bytes, &address));
     if (FAILED(hr)) return hr;
-    const CHROMA_KEY_RAW key = KeySnapshot();
-    if (key.eType == eCKT_None || key.eType == eCKT_Alpha) return S_OK;
+    if (key.eType == eCKT_Alpha) return S_OK;
     auto *pixels = reinterpret_cast<uint8_t *>(address);
-    if (pixels != nullptr && VideoBytesNeeded(props.vidProps) > bytes) return kVfwEInvalidMediaType;
+    if (pixels != nullptr && VideoBytesNeeded(props.vidProps) > bytes) return Noted(kVfwEInvalidMediaType);
     return KeyPixels(pixels, bytes, props.vidProps, key, nullptr);
 }
 
@@ -145,7 +144,7 @@ HRESULT CCoZChromaKey::KeyPixels(uint8_t *pixels, int32_t bytes, const Z_VID_PRO
     const std::lock_guard guard(m_keyingLock);
     // One byte a pixel would do; the plane has the frame's byte size and is kept. Without memory the dispatcher finds no plane.
     m_alpha.Reserve(static_cast<uint32_t>(bytes));
-    const HRESULT hr = m_slices.SetThreadCount(std::min(m_props.GetInt(kThreadsName, kFallbackThreads), kMostThreads));
+    const HRESULT hr = Noted(m_slices.SetThreadCount(std::min(m_props.GetInt(kThreadsName, kFallbackThreads), kMostThreads)));
     if (FAILED(hr)) return hr;
     return m_slices.Dispatch(pixels, m_alpha.Data(0), &props, &key, true, false, rows, bytes);
 }

@@ -37,7 +37,7 @@ HRESULT FetchAll(uint8_t *pixels, const Z_VID_PROPS &props, const RowSource *sou
         const int64_t offset = int64_t{y} * props.nRowBytes;
         const int64_t bytes = std::min<int64_t>(props.nRowBytes, pixelBytes - offset);
         const HRESULT hr = FetchRow(pixels + offset, y, bytes, *source);
-        if (FAILED(hr)) return hr;
+        if (FAILED(hr)) return Noted(hr);
     }
     return S_OK;
 }
@@ -89,19 +89,19 @@ HRESULT CSliceThreads::PrepareRows(uint8_t *pixels, uint8_t *alpha, const Z_VID_
 // What keeps a frame by rows from being whole: a source that failed, or no memory. No slice's status tells it.
 HRESULT CSliceThreads::FinishRows() {
     for (const HRESULT hr : m_frame->bandStatus) {
-        if (FAILED(hr)) return hr;
+        if (FAILED(hr)) return Noted(hr);
     }
     return S_OK;
 }
 
 HRESULT CSliceThreads::Dispatch(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS *vidProps, const CHROMA_KEY_RAW *key,
                                 bool bWriteAlpha, bool bReturnEarly, const RowSource *source, int64_t pixelBytes) {
-    if (pixels == nullptr || alpha == nullptr || vidProps == nullptr || key == nullptr) return E_POINTER;
+    if (pixels == nullptr || alpha == nullptr || vidProps == nullptr || key == nullptr) return Noted(E_POINTER);
     Frame &frame = *m_frame;
     const Z_VID_PROPS props = *vidProps;
     const bool keys = IsKeyingType(key->eType);
     HRESULT hr = CheckFrame(props, m_count, pixelBytes);
-    if (FAILED(hr)) return keys ? hr : S_FALSE;
+    if (FAILED(hr)) return keys ? Noted(hr) : S_FALSE;
     if (pixelBytes == 0) pixelBytes = int64_t{RowCount(props)} * props.nRowBytes;
 
     const int32_t n = m_count;
@@ -152,7 +152,7 @@ HRESULT CSliceThreads::Dispatch(uint8_t *pixels, uint8_t *alpha, const Z_VID_PRO
         if (sliced && n > 1) FinishAlphaWithin(pixels, alpha, &props, &frame.key, SliceBounds(props, pixelBytes, 0, n));
         PremultiplyFrame(pixels, props, pixelBytes);
     }
-    return m_status[0] < 0 ? m_status[0] : m_status[1];
+    return Noted(m_status[0] < 0 ? m_status[0] : m_status[1]);
 }
 
 }    // namespace zck

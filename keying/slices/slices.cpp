@@ -38,7 +38,7 @@ HRESULT CSliceThreads::WaitDone(uint32_t) {
     }
     if (WaitAll(events, count, kWaitMs)) return S_OK;
     StopAll();
-    return kErrorTimeout;
+    return Noted(kErrorTimeout);
 }
 
 HRESULT CSliceThreads::MakeEvents() {

@@ -1,19 +1,14 @@
 #include <immintrin.h>
 
 #include "keying/spill/spill_kernels.h"
-
-// For the pieces of a row: a call would pass vectors through memory and load every constant again.
-#define ZCK_INLINE inline __attribute__((always_inline))
+#include "platform/avx2.h"
 
 namespace zck {
 namespace {
 
-constexpr int32_t kMacroPixels = 8;    // of a block
+using namespace avx2;
 
-ZCK_INLINE __m256i Load(const uint8_t *p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i *>(p)); }
-ZCK_INLINE void Store(uint8_t *p, __m256i v) { _mm256_storeu_si256(reinterpret_cast<__m256i *>(p), v); }
-ZCK_INLINE __m256i Words(int32_t v) { return _mm256_set1_epi16(static_cast<int16_t>(v)); }
-ZCK_INLINE __m256i Dwords(int32_t v) { return _mm256_set1_epi32(v); }
+constexpr int32_t kMacroPixels = 8;    // of a block
 
 // ---- half-width mask ----
 

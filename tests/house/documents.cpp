@@ -79,15 +79,44 @@ std::set<std::string> TestsDefined(const std::vector<SourceFile> &files) {
     return tests;
 }
 
-std::set<std::string> OperationsListed(const Document &document, const std::string &heading) {
-    std::set<std::string> operations;
+namespace {
+
+// Code spans in a column, counted from 0, of the table below a heading.
+std::set<std::string> ColumnListed(const Document &document, const std::string &heading, int column) {
+    std::set<std::string> names;
     const size_t start = document.text.find("\n" + heading + "\n");
-    if (start == std::string::npos) return operations;
+    if (start == std::string::npos) return names;
     const std::string section = document.text.substr(start, document.text.find("\n## ", start + heading.size()) - start);
-    for (const std::string &cell : AllMatches(section, std::regex(R"(\n\|[^|\n]*\|([^|\n]*)\|)"))) {
-        for (std::string &name : AllMatches(cell, std::regex(R"(`(\w+)`)"))) operations.insert(std::move(name));
+    std::string row = R"(\n\|)";
+    for (int i = 0; i < column; ++i) row += R"([^|\n]*\|)";
+    for (const std::string &cell : AllMatches(section, std::regex(row + R"(([^|\n]*)\|)"))) {
+        for (std::string &name : AllMatches(cell, std::regex(R"(`(\w+)`)"))) names.insert(std::move(name));
     }
-    return operations;
+    return names;
+}
+
+}    // namespace
+
+std::set<std::string> FirstColumn(const Document &document, const std::string &heading) {
+    return ColumnListed(document, heading, 0);
+}
+
+std::set<std::string> OperationsListed(const Document &document, const std::string &heading) {
+    return ColumnListed(document, heading, 1);
+}
+
+std::set<std::string> LocksDeclared(const std::vector<SourceFile> &files) {
+    static const std::regex rooms(
+        "^(?!platform/.*(?:sync|frame_rw_lock)\\.)(?:platform|frames|props|xml|imaging|keying|keyobject|module)/");
+    std::set<std::string> locks;
+    for (const SourceFile &file : files) {
+        if (!std::regex_search(file.path, rooms)) continue;
+        for (const std::string &line : file.code) {
+            static const std::regex lock(R"(\b(?:CriticalSection|FrameRWLock|std::mutex|std::shared_mutex) (\w+)[;{])");
+            for (std::string &name : AllMatches(line, lock)) locks.insert(std::move(name));
+        }
+    }
+    return locks;
 }
 
 namespace {

@@ -34,8 +34,14 @@ std::vector<std::string> NamedTests(const Document &document);
 /// Tests defined in the files, as "Suite, Name".
 std::set<std::string> TestsDefined(const std::vector<SourceFile> &files);
 
+/// Code spans of the first column of the table below a heading.
+std::set<std::string> FirstColumn(const Document &document, const std::string &heading);
+
 /// Operations in code spans of the second column of the table below a heading.
 std::set<std::string> OperationsListed(const Document &document, const std::string &heading);
+
+/// Locks that the rooms declare, by name.
+std::set<std::string> LocksDeclared(const std::vector<SourceFile> &files);
 
 /// Member functions in whose definition E_NOTIMPL is answered.
 std::set<std::string> OperationsAbsent(const std::vector<SourceFile> &files);

@@ -120,6 +120,13 @@ TEST(Documents, TrapsAreHeldByTests) {
     for (const std::string &test : named) EXPECT_TRUE(defined.contains(test)) << test;
 }
 
+TEST(Documents, TheTableOfLocksIsComplete) {
+    const Document architecture{"docs/ARCHITECTURE.md", ReadText(ZCK_SOURCE_DIR "/docs/ARCHITECTURE.md")};
+    const std::set<std::string> declared = LocksDeclared(ReadTree(ZCK_SOURCE_DIR));
+    EXPECT_GT(declared.size(), 10u);
+    EXPECT_EQ(FirstColumn(architecture, "## Locks"), declared);
+}
+
 TEST(Documents, WhatIsLookedForIsFound) {
     const Document document{
         "a.md", "[x](docs/y.md) [w](https://z) [h](#here) `tests/no_such` `./tools/x` `a/b` `tests/a*`\n```cpp\nint x;\n```\n"};
@@ -135,6 +142,12 @@ TEST(Documents, WhatIsLookedForIsFound) {
                          "# B\n## Absent\n\n| of | what |\n|---|---|\n| a | `One`, `Two` (x) | `C` |\n## Next\n| a | `D` |\n"};
     EXPECT_THAT(OperationsListed(table, "## Absent"), ElementsAre("One", "Two"));
     EXPECT_THAT(OperationsListed(table, "## Missing"), IsEmpty());
+    EXPECT_THAT(FirstColumn({"b.md", "# B\n## Locks\n\n| lock | of |\n|---|---|\n| `m_a` | `B` |\n"}, "## Locks"),
+                ElementsAre("m_a"));
+    EXPECT_THAT(LocksDeclared({SourceFromText("xml/a.h", "    mutable FrameRWLock m_a{1024};\n    CriticalSection b;\n"),
+                               SourceFromText("platform/sync.h", "CriticalSection m_section;"),
+                               SourceFromText("tests/a.h", "std::mutex m_other;")}),
+                ElementsAre("b", "m_a"));
     EXPECT_THAT(OperationsAbsent({SourceFromText("a.cpp",
                                                  "HRESULT A::One(int) { return E_NOTIMPL; }\n"
                                                  "HRESULT A::Two(int) {\n    return Absent(x);\n}\n"

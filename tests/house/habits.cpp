@@ -62,10 +62,11 @@ std::vector<std::string> FileFindings(const SourceFile &file) {
 }
 
 std::vector<std::string> VectorFileIncludes(const SourceFile &file) {
-    if (!file.path.ends_with("_avx2.cpp") && !file.path.ends_with("_sse41.cpp")) return {};
+    if (!file.path.ends_with("_avx2.cpp") && !file.path.ends_with("_avx512.cpp")) return {};
     std::vector<std::string> findings;
     for (const Include &include : IncludesOf(file)) {
-        const bool plain = include.name == "immintrin.h" || include.name == "cstdint" || include.name == "cstddef";
+        const bool plain = include.name == "immintrin.h" || include.name == "platform/avx2.h" || include.name == "cstdint" ||
+                           include.name == "cstddef";
         if (plain || (include.quoted && Folder(include.name) == Folder(file.path))) continue;
         findings.push_back(Finding(file, include.line, "vector file includes " + include.name));
     }

@@ -1,8 +1,10 @@
 # Objects compiled for one processor level must bring no code that another object also has: the linker keeps one copy, and
 # an older processor would run it. So they define no weak symbols and no link-once code.
 #   cmake -DTREE=<source> -DBUILD=<build> -DNM=<nm> -DOBJDUMP=<objdump> -P vector_objects.cmake
-file(GLOB_RECURSE sources RELATIVE ${TREE} ${TREE}/frames/*_avx2.cpp ${TREE}/imaging/*_avx2.cpp ${TREE}/keying/*_avx2.cpp)
-file(GLOB_RECURSE objects ${BUILD}/*_avx2.cpp.o ${BUILD}/*_avx2.cpp.obj)
+file(GLOB_RECURSE sources RELATIVE ${TREE} ${TREE}/frames/*_avx2.cpp ${TREE}/imaging/*_avx2.cpp ${TREE}/keying/*_avx2.cpp
+     ${TREE}/frames/*_avx512.cpp ${TREE}/imaging/*_avx512.cpp ${TREE}/keying/*_avx512.cpp)
+file(GLOB_RECURSE objects ${BUILD}/*_avx2.cpp.o ${BUILD}/*_avx2.cpp.obj ${BUILD}/*_avx512.cpp.o
+     ${BUILD}/*_avx512.cpp.obj)
 list(LENGTH sources wanted)
 list(LENGTH objects found)
 if(wanted EQUAL 0 OR found LESS wanted)

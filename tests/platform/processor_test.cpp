@@ -29,7 +29,7 @@ TEST(ProcessorTest, KernelLevelWalksDownAndBack) {
     EXPECT_EQ(KernelLevelGet(), best);
     KernelLevelLimit(KernelLevel::Reference);
     EXPECT_EQ(KernelLevelGet(), KernelLevel::Reference);
-    KernelLevelLimit(KernelLevel::Avx2);
+    KernelLevelLimit(kKernelLevelHighest);
     EXPECT_EQ(KernelLevelGet(), best);
 }
 

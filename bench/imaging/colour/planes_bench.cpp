@@ -34,7 +34,7 @@ void Add(const char *kind, void (*work)(size_t, eZFCC), const Format &format) {
         return [=](std::size_t round) {
             KernelLevelLimit(level);
             work(round, format.fcc);
-            KernelLevelLimit(KernelLevel::Avx2);
+            KernelLevelLimit(kKernelLevelHighest);
         };
     };
     bench::RegisterPair(std::string(kind) + "/" + format.name, at(KernelLevel::Reference),

@@ -36,7 +36,7 @@ void Add(const char *kind, void (*convert)(size_t, eZFCC, eZFCC), const Format &
         return [=](std::size_t round) {
             KernelLevelLimit(level);
             convert(round, from.fcc, to.fcc);
-            KernelLevelLimit(KernelLevel::Avx2);
+            KernelLevelLimit(kKernelLevelHighest);
         };
     };
     bench::RegisterPair(std::string(kind) + "/" + from.name + "/" + to.name, work(KernelLevel::Reference),

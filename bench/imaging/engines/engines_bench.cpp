@@ -55,7 +55,7 @@ void Add(const Case &c) {
             KernelLevelLimit(level);
             c.engine(&ctx, {Sources()[round % bench::kRing].data(), kFrameBytes, &sp},
                      {Targets()[round % bench::kRing].data(), nullptr, nullptr, kFrameBytes, &tp}, c.quality);
-            KernelLevelLimit(KernelLevel::Avx2);
+            KernelLevelLimit(kKernelLevelHighest);
         };
     };
     bench::RegisterPair(c.name, at(KernelLevel::Reference), CpuHasAvx2() ? bench::FrameWork(at(KernelLevel::Avx2)) : nullptr);

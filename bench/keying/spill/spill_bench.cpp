@@ -87,7 +87,7 @@ void AddPicture(const char *name, eZFCC fcc, int32_t cancel) {
         return [=](std::size_t) {
             KernelLevelLimit(level);
             Picture(fcc, cancel);
-            KernelLevelLimit(KernelLevel::Avx2);
+            KernelLevelLimit(kKernelLevelHighest);
         };
     };
     bench::RegisterPair(name, work(KernelLevel::Reference), CpuHasAvx2() ? bench::FrameWork(work(KernelLevel::Avx2)) : nullptr);

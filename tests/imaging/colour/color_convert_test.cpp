@@ -23,7 +23,7 @@ const std::vector<eZFCC> kFormats = test::PictureFormats();
 class ColorConverts : public testing::TestWithParam<KernelLevel> {
 protected:
     void SetUp() override { KernelLevelLimit(GetParam()); }
-    void TearDown() override { KernelLevelLimit(KernelLevel::Avx2); }
+    void TearDown() override { KernelLevelLimit(kKernelLevelHighest); }
 
     ImgConvertState m_state;
 };

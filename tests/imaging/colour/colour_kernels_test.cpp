@@ -1,40 +1,24 @@
 // The BT.709 pair and 10-bit packing: against their formulas over all arguments, and vector against reference.
 #include "imaging/colour/colour_kernels.h"
 
-#include "tests/imaging/primitives/kernel_check.h"
+#include "tests/support/kernel_check.h"
 
 namespace zck {
 namespace {
 
 using test::Bytes;
 using test::CheckKernel;
+using test::Times;
 using K = ColourKernels;
 
-std::function<int64_t(int32_t)> Times(int64_t n) {
-    return [n](int32_t count) { return n * count; };
-}
-
-std::vector<K> Levels() {
-    std::vector<K> tables(1);
-    ColourKernelsInitRef(&tables[0]);
-    if (CpuHasAvx2()) {
-        tables.push_back(tables[0]);
-        ColourKernelsInitAvx2(&tables[1]);
-    }
-    return tables;
-}
+std::vector<K> Levels() { return test::TablesOf<K>({ColourKernelsInitRef, ColourKernelsInitAvx2}); }
 
 TEST(ColourKernels, VectorsGiveTheBytesOfTheReference) {
     if (!CpuHasAvx2()) GTEST_SKIP() << "this processor has no AVX2";
     const std::vector<K> tables = Levels();
     const K &ref = tables[0];
     const K &vec = tables[1];
-    EXPECT_NE(ref.decode709, vec.decode709);
-    EXPECT_NE(ref.encode709, vec.encode709);
-    EXPECT_NE(ref.pack_uyvy, vec.pack_uyvy);
-    EXPECT_NE(ref.pack_yuy2, vec.pack_yuy2);
-    EXPECT_NE(ref.unpack_uyvy, vec.unpack_uyvy);
-    static_assert(sizeof(K) == 5 * sizeof(void *), "every entry is compared here");
+    test::ExpectAllEntriesDiffer(ref, vec);
     CheckKernel("decode709", ref, vec, {Times(4), Times(8), 36},
                 [](const K &k, uint8_t *d, const uint8_t *s, int32_t n) { k.decode709(d, s, n); });
     CheckKernel("encode709", ref, vec, {Times(16), Times(8), 20},
@@ -51,7 +35,7 @@ TEST(ColourKernels, VectorsGiveTheBytesOfTheReference) {
 const K &FirstTable() {
     KernelLevelLimit(KernelLevel::Reference);
     const K &table = ColourKernelsGet();
-    KernelLevelLimit(KernelLevel::Avx2);
+    KernelLevelLimit(kKernelLevelHighest);
     return table;
 }
 const K &kFirstTable = FirstTable();
@@ -62,7 +46,7 @@ TEST(ColourKernels, TheTableFollowsTheLevel) {
     EXPECT_EQ(ColourKernelsGet().decode709, tables.back().decode709);
     KernelLevelLimit(KernelLevel::Reference);
     EXPECT_EQ(ColourKernelsGet().decode709, tables.front().decode709);
-    KernelLevelLimit(KernelLevel::Avx2);
+    KernelLevelLimit(kKernelLevelHighest);
 }
 
 TEST(ColourKernels, DecoderOverAllTriples) {

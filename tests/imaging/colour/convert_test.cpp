@@ -48,7 +48,7 @@ protected:
         if (GetParam() == KernelLevel::Avx2 && !CpuHasAvx2()) GTEST_SKIP() << "this processor has no AVX2";
         KernelLevelLimit(GetParam());
     }
-    void TearDown() override { KernelLevelLimit(KernelLevel::Avx2); }
+    void TearDown() override { KernelLevelLimit(kKernelLevelHighest); }
 
     // Converts and compares with the model. Source and target may end with their last pixel.
     void Check(const Z_VID_PROPS &sp, const Z_VID_PROPS &tp, bool cut) {

@@ -5,23 +5,15 @@
 #include <cstring>
 
 #include "imaging/geometry/turn_kernels.h"
-#include "platform/processor.h"
 #include "tests/imaging/geometry/picture.h"
+#include "tests/support/kernel_check.h"
 
 namespace zck {
 namespace {
 
 using test::Bytes;
 
-std::vector<TurnKernels> Levels() {
-    std::vector<TurnKernels> tables(1);
-    TurnKernelsInitRef(&tables[0]);
-    if (CpuHasAvx2()) {
-        tables.push_back(tables[0]);
-        TurnKernelsInitAvx2(&tables[1]);
-    }
-    return tables;
-}
+std::vector<TurnKernels> Levels() { return test::TablesOf<TurnKernels>({TurnKernelsInitRef, TurnKernelsInitAvx2}); }
 
 Bytes Noise(size_t n, uint32_t seed) {
     std::mt19937 random(seed);
@@ -33,8 +25,7 @@ Bytes Noise(size_t n, uint32_t seed) {
 TEST(TurnKernels, VectorsGiveTheBytesOfTheReference) {
     const std::vector<TurnKernels> tables = Levels();
     if (tables.size() < 2) GTEST_SKIP() << "this processor has no AVX2";
-    EXPECT_NE(tables[0].transpose4, tables[1].transpose4);
-    static_assert(sizeof(TurnKernels) == sizeof(void *), "every entry is compared here");
+    test::ExpectAllEntriesDiffer(tables[0], tables[1]);
     const Bytes src = Noise(8 * 48, 1);
     for (int64_t shift = 0; shift < 8; ++shift)
         for (const int64_t srcStep : {32, 37, -40})
@@ -55,7 +46,7 @@ TEST(TurnKernels, TheTableFollowsTheLevel) {
     const std::vector<TurnKernels> tables = Levels();
     KernelLevelLimit(KernelLevel::Reference);
     EXPECT_EQ(TurnKernelsGet().transpose4, tables[0].transpose4);
-    KernelLevelLimit(KernelLevel::Avx2);
+    KernelLevelLimit(kKernelLevelHighest);
     EXPECT_EQ(TurnKernelsGet().transpose4, tables.back().transpose4);
 }
 

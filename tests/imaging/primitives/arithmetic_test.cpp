@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "imaging/primitives/row_kernels.h"
-#include "platform/processor.h"
+#include "tests/support/kernel_check.h"
 
 namespace zck {
 namespace {
@@ -15,12 +15,7 @@ namespace {
 using Bytes = std::vector<uint8_t>;
 
 TEST(Arithmetic, ProductsRoundTiesToEvenAtEveryLevel) {
-    std::vector<PrimitiveKernels> tables(1);
-    PrimitiveKernelsInitRef(&tables[0]);
-    if (CpuHasAvx2()) {
-        tables.push_back(tables[0]);
-        PrimitiveKernelsInitAvx2(&tables[1]);
-    }
+    const auto tables = test::TablesOf<PrimitiveKernels>({PrimitiveKernelsInitRef, PrimitiveKernelsInitAvx2});
     Bytes src(256), dst(256);
     for (size_t i = 0; i < 256; ++i) src[i] = static_cast<uint8_t>(i);
     for (const PrimitiveKernels &k : tables)
@@ -36,12 +31,7 @@ TEST(Arithmetic, ProductsRoundTiesToEvenAtEveryLevel) {
 }
 
 TEST(Arithmetic, CompositionOfAllBytesAndAlphasAtEveryLevel) {
-    std::vector<PrimitiveKernels> tables(1);
-    PrimitiveKernelsInitRef(&tables[0]);
-    if (CpuHasAvx2()) {
-        tables.push_back(tables[0]);
-        PrimitiveKernelsInitAvx2(&tables[1]);
-    }
+    const auto tables = test::TablesOf<PrimitiveKernels>({PrimitiveKernelsInitRef, PrimitiveKernelsInitAvx2});
     for (const PrimitiveKernels &k : tables)
         for (int32_t alpha = 0; alpha < 256; ++alpha) {
             Bytes over(256 * 4), under(256 * 4), dst(256 * 4);

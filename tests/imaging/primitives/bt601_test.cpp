@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "imaging/primitives/row_kernels.h"
-#include "platform/processor.h"
+#include "tests/support/kernel_check.h"
 
 namespace zck {
 namespace {
@@ -25,13 +25,7 @@ int32_t Nearest(int64_t n, int64_t d) {
 }
 
 std::vector<PrimitiveKernels> Levels() {
-    std::vector<PrimitiveKernels> tables(1);
-    PrimitiveKernelsInitRef(&tables[0]);
-    if (CpuHasAvx2()) {
-        tables.push_back(tables[0]);
-        PrimitiveKernelsInitAvx2(&tables[1]);
-    }
-    return tables;
+    return test::TablesOf<PrimitiveKernels>({PrimitiveKernelsInitRef, PrimitiveKernelsInitAvx2});
 }
 
 TEST(Bt601, EveryColourGoesDownExactly) {

@@ -71,7 +71,7 @@ using FromPlanes = int32_t (*)(const uint8_t *const *, const int64_t *, uint8_t 
 class Planar : public testing::TestWithParam<KernelLevel> {
 protected:
     void SetUp() override { KernelLevelLimit(GetParam()); }
-    void TearDown() override { KernelLevelLimit(KernelLevel::Avx2); }
+    void TearDown() override { KernelLevelLimit(kKernelLevelHighest); }
 };
 INSTANTIATE_TEST_SUITE_P(Levels, Planar, testing::Values(KernelLevel::Reference, KernelLevel::Avx2));
 

@@ -178,7 +178,7 @@ TEST(ScaleDyn, TheSameAtAllLevels) {
                 DynScaler scaler;
                 KernelLevelLimit(KernelLevel::Reference);
                 Scale_Dyn(&scaler, src.data(), expected.data(), 64, target, 79, 83, 83, factor, flags);
-                KernelLevelLimit(KernelLevel::Avx2);
+                KernelLevelLimit(kKernelLevelHighest);
                 Scale_Dyn(&scaler, src.data(), found.data(), 64, target, 79, 83, 83, factor, flags);
                 ASSERT_EQ(expected, found) << target << " flags " << flags << " factor " << factor;
             }

@@ -2,22 +2,13 @@
 #pragma once
 
 #include "keying/kernels/kernels.h"
+#include "tests/support/kernel_check.h"
 
 namespace zck::test {
 
-inline KeyingKernels RefTable() {
-    KeyingKernels table = {};
-    KeyingKernelsInitRef(&table);
-    return table;
-}
+constexpr KernelFamily<KeyingKernels> kKeyingFamily = {KeyingKernelsInitRef, KeyingKernelsInitAvx2};
 
-inline KeyingKernels Avx2Table() {
-    KeyingKernels table = {};
-    KeyingKernelsInitAvx2(&table);
-    return table;
-}
-
-// Asked of the compiler's run time, so that no mask of our own hides a processor's level.
-inline bool Avx2Here() { return __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("fma") != 0; }
+inline KeyingKernels RefTable() { return kKeyingFamily.Make(KernelLevel::Reference); }
+inline KeyingKernels Avx2Table() { return kKeyingFamily.Make(KernelLevel::Avx2); }
 
 }    // namespace zck::test

@@ -15,7 +15,7 @@ using Bytes = std::vector<uint8_t>;
 class Walks : public testing::Test {
 protected:
     void SetUp() override {
-        if (!test::Avx2Here()) GTEST_SKIP() << "this processor has no AVX2: nothing to compare";
+        if (!CpuHasAvx2()) GTEST_SKIP() << "this processor has no AVX2: nothing to compare";
     }
     const KeyingKernels m_ref = test::RefTable();
     const KeyingKernels m_avx2 = test::Avx2Table();

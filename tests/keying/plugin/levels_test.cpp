@@ -29,7 +29,7 @@ struct Level {
     explicit Level(KernelLevel level) { KernelLevelLimit(level); }
     Level(const Level &) = delete;
     Level &operator=(const Level &) = delete;
-    ~Level() { KernelLevelLimit(KernelLevel::Avx2); }
+    ~Level() { KernelLevelLimit(kKernelLevelHighest); }
 };
 
 std::vector<uint8_t> Keyed(KernelLevel level, eZFCC fcc, const CHROMA_KEY_RAW &key, int threads, eZInterlace interlace) {

@@ -56,7 +56,7 @@ protected:
         KernelLevelLimit(GetParam());
         std::printf("seed %u\n", m_seed);
     }
-    void TearDown() override { KernelLevelLimit(KernelLevel::Avx2); }
+    void TearDown() override { KernelLevelLimit(kKernelLevelHighest); }
 
     int32_t Below(int32_t n) { return static_cast<int32_t>(static_cast<uint32_t>(m_random()) % static_cast<uint32_t>(n)); }
 

@@ -3,28 +3,18 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cstdio>
 #include <cstring>
 #include <random>
 #include <vector>
 
 #include "keying/spill/spill_plan.h"
 #include "tests/keying/spill/witness.h"
+#include "tests/support/kernel_check.h"
 
 namespace zck {
 namespace {
 
-constexpr size_t kGuard = 64;
-constexpr uint8_t kGuardByte = 0xA5;
-
-SpillKernels Filled(void (*init)(SpillKernels *)) {
-    SpillKernels table = {};
-    init(&table);
-    return table;
-}
-
-// Asked of the compiler's run time, so that no mask of our own hides a processor's level.
-bool Avx2Here() { return __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("fma") != 0; }
+constexpr KernelFamily<SpillKernels> kFamily = {SpillKernelsInitRef, SpillKernelsInitAvx2};
 
 constexpr int32_t kStrengths[][3] = {{0, 0, 0},
                                      {76, -64, -13},
@@ -51,12 +41,6 @@ SpillPlan PlanOf(int32_t value, const int32_t *strength, int32_t cancel) {
     return SpillPlanMake(key);
 }
 
-std::vector<SpillKernels> Tables() {
-    std::vector<SpillKernels> tables = {Filled(SpillKernelsInitRef)};
-    if (Avx2Here()) tables.push_back(Filled(SpillKernelsInitAvx2));
-    return tables;
-}
-
 // 256 masks by 256 values, as macro pixels of four like bytes. The masks come in runs of 256 and change from one to the next.
 struct Walk {
     std::vector<uint8_t> pixels = std::vector<uint8_t>(4 * 65536);
@@ -73,7 +57,7 @@ struct Walk {
 };
 
 TEST(SpillWalk, BlockPathOverEveryMaskAndValue) {
-    const std::vector<SpillKernels> tables = Tables();
+    const std::vector<SpillKernels> tables = test::TablesOf(kFamily);
     for (const int32_t colour : kColours) {
         for (const auto &strength : kStrengths) {
             const SpillPlan plan = PlanOf(colour, strength, 1);
@@ -103,7 +87,7 @@ TEST(SpillWalk, BlockPathOverEveryMaskAndValue) {
 }
 
 TEST(SpillWalk, PerPixelPathOverEveryMaskAndValue) {
-    const std::vector<SpillKernels> tables = Tables();
+    const std::vector<SpillKernels> tables = test::TablesOf(kFamily);
     for (const int32_t colour : kColours) {
         for (const auto &strength : kStrengths) {
             const SpillPlan plan = PlanOf(colour, strength, 2);
@@ -133,120 +117,72 @@ TEST(SpillWalk, PerPixelPathOverEveryMaskAndValue) {
 class SpillVectors : public testing::Test {
 protected:
     void SetUp() override {
-        if (!Avx2Here()) GTEST_SKIP() << "this processor has no AVX2: nothing to compare";
-        m_seed = std::random_device{}();
-        m_random.seed(m_seed);
-        std::printf("seed %u\n", m_seed);
+        if (!CpuHasAvx2()) GTEST_SKIP() << "this processor has no AVX2: nothing to compare";
+        m_ref = kFamily.Make(KernelLevel::Reference);
+        m_avx2 = kFamily.Make(KernelLevel::Avx2);
     }
 
-    // Runs of 0 and of 255 are what the vector path treats apart.
-    void FillMask(std::vector<uint8_t> *row) {
-        for (size_t i = 0; i < row->size();) {
-            const uint32_t kind = static_cast<uint32_t>(m_random()) % 4;
-            for (size_t n = m_random() % 20 + 1; n > 0 && i < row->size(); --n, ++i) {
-                (*row)[i] = kind == 0 ? uint8_t{0} : kind == 1 ? uint8_t{255} : static_cast<uint8_t>(m_random());
-            }
-        }
-    }
-
-    struct Buffer {
-        std::vector<uint8_t> bytes;
-        size_t begin;
-        uint8_t *Data() { return bytes.data() + begin; }
-    };
-
-    // Bytes at a misalignment between guard zones; no room at all behind a source, for memory checkers.
-    Buffer Make(size_t size, size_t misalignment, size_t guard) {
-        Buffer b = {std::vector<uint8_t>(kGuard + misalignment + size + guard, kGuardByte), kGuard + misalignment};
-        for (size_t i = 0; i < size; ++i) b.bytes[b.begin + i] = static_cast<uint8_t>(m_random());
-        return b;
-    }
-
-    static bool GuardsHold(const Buffer &b, size_t size) {
-        for (size_t i = 0; i < b.bytes.size(); ++i) {
-            if ((i < b.begin || i >= b.begin + size) && b.bytes[i] != kGuardByte) return false;
-        }
-        return true;
-    }
-
-    std::mt19937 m_random;
-    uint32_t m_seed = 0;
-    const SpillKernels m_ref = Filled(SpillKernelsInitRef);
-    const SpillKernels m_avx2 = Filled(SpillKernelsInitAvx2);
+    SpillKernels m_ref = {};
+    SpillKernels m_avx2 = {};
 };
 
-TEST_F(SpillVectors, EveryEntryIsFilledAndIsAnotherFunctionThanTheReference) {
-    constexpr size_t kEntries = sizeof(SpillKernels) / sizeof(void *);
-    std::array<void *, kEntries> ref = {};
-    std::array<void *, kEntries> avx2 = {};
-    std::memcpy(ref.data(), &m_ref, sizeof m_ref);
-    std::memcpy(avx2.data(), &m_avx2, sizeof m_avx2);
-    for (size_t i = 0; i < kEntries; ++i) {
-        EXPECT_NE(ref[i], nullptr) << i;
-        EXPECT_NE(avx2[i], nullptr) << i;
-        EXPECT_NE(ref[i], avx2[i]) << i;
-    }
-}
+TEST_F(SpillVectors, EveryEntryIsFilledAndIsAnotherFunctionThanTheReference) { test::ExpectAllEntriesDiffer(m_ref, m_avx2); }
 
 TEST_F(SpillVectors, ScaleOfAllWidths) {
-    for (int32_t width = 0; width <= 300; ++width) {
-        for (size_t mis = 0; mis < 32; ++mis) {
-            Buffer row = Make(static_cast<size_t>(width), mis * 7 % 32, 0);
-            if (mis % 4 == 1) std::memset(row.Data(), 255, static_cast<size_t>(width));
-            const auto half = static_cast<size_t>(width / 2);
-            Buffer one = Make(half, mis, kGuard);
-            Buffer two = one;
-            m_ref.scale(one.Data(), row.Data(), width);
-            m_avx2.scale(two.Data(), row.Data(), width);
-            ASSERT_EQ(one.bytes, two.bytes) << "width " << width << ", seed " << m_seed;
-            ASSERT_TRUE(GuardsHold(one, half));
-            const std::vector<uint8_t> plain(row.Data(), row.Data() + width);
-            ASSERT_EQ(std::vector<uint8_t>(one.Data(), one.Data() + half), test::WitnessScale(plain)) << "width " << width;
-        }
-    }
+    const auto half = [](int32_t width) { return int64_t{width / 2}; };
+    test::CheckKernel("scale", m_ref, m_avx2, {test::Times(1), half, 301},
+                      [](const SpillKernels &t, uint8_t *mask, const uint8_t *row, int32_t width) {
+                          t.scale(mask, row, width);
+                          if (width <= 0) return;
+                          const std::vector<uint8_t> plain(row, row + width);
+                          ASSERT_EQ(std::vector<uint8_t>(mask, mask + width / 2), test::WitnessScale(plain))
+                              << "width " << width;
+                      });
 }
 
 TEST_F(SpillVectors, ScaleOfWideOddRows) {
+    std::mt19937 random(test::Seed());
     for (const int32_t width : {1919, 1921, 4095, 8193, 65537, 8388609, 9000001}) {
-        Buffer row = Make(static_cast<size_t>(width), 3, 0);
-        const auto half = static_cast<size_t>(width / 2);
-        Buffer one = Make(half, 1, kGuard);
-        Buffer two = one;
-        m_ref.scale(one.Data(), row.Data(), width);
-        m_avx2.scale(two.Data(), row.Data(), width);
-        ASSERT_TRUE(one.bytes == two.bytes) << "width " << width << ", seed " << m_seed;
+        test::Bytes row(static_cast<size_t>(width));
+        test::FillBytes(row, test::Fill::Noise, random);
+        test::Bytes one(static_cast<size_t>(width / 2 + 64), 0xA5);
+        test::Bytes two = one;
+        m_ref.scale(one.data() + 1, row.data(), width);
+        m_avx2.scale(two.data() + 1, row.data(), width);
+        ASSERT_TRUE(one == two) << "width " << width << ", " << test::Replay();
     }
 }
 
-TEST_F(SpillVectors, BlockAndPixelRowsOfAllCounts) {
-    for (int32_t count = -1; count <= 40; ++count) {
-        for (size_t mis = 0; mis < 32; ++mis) {
-            const auto &strength = kStrengths[(static_cast<size_t>(count + 1) * 5 + mis) % std::size(kStrengths)];
-            const int32_t colour = kColours[mis % std::size(kColours)];
-            const SpillPlan plan = PlanOf(colour, strength, 2);
-            const bool lumaFirst = mis % 2 != 0;
-            const SpillBlockKey block = SpillBlockKeyOf(plan, plan.entries[0], lumaFirst);
-            const SpillPixelKey pixel = SpillPixelKeyOf(plan, plan.entries[0], lumaFirst);
-            const auto pixels = static_cast<size_t>(std::max(count, 0));
-
-            std::vector<uint8_t> mask(8 * pixels);
-            FillMask(&mask);
-            Buffer one = Make(32 * pixels, mis, kGuard);
-            Buffer two = one;
-            m_ref.block(one.Data(), mask.data(), count, &block);
-            m_avx2.block(two.Data(), mask.data(), count, &block);
-            ASSERT_EQ(one.bytes, two.bytes) << "blocks " << count << ", seed " << m_seed;
-            ASSERT_TRUE(GuardsHold(one, 32 * pixels));
-
-            std::vector<uint8_t> few(mask.begin(), mask.begin() + count * (count > 0));
-            one = Make(4 * pixels, mis, kGuard);
-            two = one;
-            m_ref.pixel(one.Data(), few.data(), count, &pixel);
-            m_avx2.pixel(two.Data(), few.data(), count, &pixel);
-            ASSERT_EQ(one.bytes, two.bytes) << "count " << count << ", seed " << m_seed;
-            ASSERT_TRUE(GuardsHold(one, 4 * pixels));
-        }
+// A key for each pair of calls; each block and each macro pixel has its mask byte.
+struct Turns {
+    int32_t calls = 0;
+    SpillPlan plan = {};
+    bool lumaFirst = false;
+    void Next() {
+        const auto turn = static_cast<size_t>(calls++ / 2);
+        plan = PlanOf(kColours[turn % std::size(kColours)], kStrengths[turn * 5 % std::size(kStrengths)], 2);
+        lumaFirst = turn % 2 != 0;
     }
+};
+
+TEST_F(SpillVectors, BlockRowsOfAllCounts) {
+    Turns turns;
+    test::CheckKernel("block", m_ref, m_avx2, {test::Times(8), test::Times(32), 41},
+                      [&turns](const SpillKernels &t, uint8_t *pixels, const uint8_t *mask, int32_t blocks) {
+                          turns.Next();
+                          const SpillBlockKey key = SpillBlockKeyOf(turns.plan, turns.plan.entries[0], turns.lumaFirst);
+                          t.block(pixels, mask, blocks, &key);
+                      });
+}
+
+TEST_F(SpillVectors, PixelRowsOfAllCounts) {
+    Turns turns;
+    test::CheckKernel("pixel", m_ref, m_avx2, {test::Times(1), test::Times(4), 41},
+                      [&turns](const SpillKernels &t, uint8_t *pixels, const uint8_t *mask, int32_t count) {
+                          turns.Next();
+                          const SpillPixelKey key = SpillPixelKeyOf(turns.plan, turns.plan.entries[0], turns.lumaFirst);
+                          t.pixel(pixels, mask, count, &key);
+                      });
 }
 
 }    // namespace

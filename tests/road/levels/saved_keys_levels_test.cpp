@@ -10,7 +10,7 @@ namespace {
 class SavedKeysAtLevel : public testing::TestWithParam<KernelLevel> {
 protected:
     void SetUp() override { KernelLevelLimit(GetParam()); }
-    void TearDown() override { KernelLevelLimit(KernelLevel::Avx2); }
+    void TearDown() override { KernelLevelLimit(kKernelLevelHighest); }
 };
 
 TEST_P(SavedKeysAtLevel, FramesAreThoseThatWereWrittenDown) {
