@@ -5,11 +5,6 @@
 namespace zck::avx2 {
 namespace {
 
-ZCK_INLINE __m256i FirstLanes(int32_t n) {
-    return _mm256_cmpgt_epi32(_mm256_set1_epi32(n), _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7));
-}
-
-ZCK_INLINE __m256i Whole(const uint8_t *p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i *>(p)); }
 ZCK_INLINE __m256i Some(const uint8_t *p, __m256i lanes) {
     return _mm256_maskload_epi32(reinterpret_cast<const int *>(p), lanes);
 }
@@ -43,7 +38,7 @@ bool Flat(const uint8_t *row, const uint8_t *above, int32_t width, const uint8_t
     const __m256i firsts = _mm256_set1_epi32(first[0] | first[1] << 8 | first[2] << 16);
     __m256i beyond = _mm256_setzero_si256();
     for (; width >= 8; width -= 8, row += 32, above += 32) {
-        const Neighbours n = {Whole(row), Whole(row - 4), Whole(above), Whole(above - 4)};
+        const Neighbours n = {Load(row), Load(row - 4), Load(above), Load(above - 4)};
         beyond = _mm256_or_si256(beyond, Beyond(n, firsts, limits));
     }
     if (width > 0) {
