@@ -20,28 +20,49 @@ struct Sums {
 // How a filtered value is rounded to the sample's form, and in which scale its peak is taken.
 struct Rounded16 {
     using Sample = int16_t;
-    static double Value(double y) { return RoundSaturate<int16_t>(y); }
+    static double Value(double y) { return RoundSaturateReal<int16_t>(y); }
     static double Peak(double value) { return value; }
 };
 struct Rounded32 {
     using Sample = float;
     static double Value(double y) { return static_cast<float>(y); }
-    static double Peak(double value) { return RoundSaturate<int32_t>(value * 0x1p16); }
+    static double Peak(double value) { return RoundSaturateReal<int32_t>(value * 0x1p16); }
 };
 
-template <class Rounded>
-Sums SumUp(const LevelTaps &taps, LevelFilter &kept, const typename Rounded::Sample *samples, int64_t n) {
-    Sums sums;
-    // A copy stays in registers.
+// What the filter makes of some samples. A loop of its own, whose state all lies in registers.
+template <class Sample>
+void RunFilter(const LevelTaps &taps, LevelFilter &kept, const Sample *samples, int64_t n, double *filtered) {
     LevelFilter filter = kept;
+    for (int64_t i = 0; i < n; ++i) filtered[i] = filter.Run(taps, samples[i]);
+    kept = filter;
+}
+
+template <class Rounded>
+void Add(Sums &kept, const typename Rounded::Sample *samples, const double *filtered, int64_t n) {
+    Sums sums = kept;
     for (int64_t i = 0; i < n; ++i) {
         const double x = samples[i];
         sums.squares += x * x;
-        const double y = Rounded::Value(taps.passes ? x : filter.Run(taps, x));
+        const double y = Rounded::Value(filtered[i]);
         sums.filteredSquares += y * y;
         sums.largest = std::max(sums.largest, y);
     }
-    kept = filter;
+    kept = sums;
+}
+
+template <class Rounded>
+Sums SumUp(const LevelTaps &taps, LevelFilter &filter, const typename Rounded::Sample *samples, int64_t n) {
+    constexpr int64_t kBlock = 256;
+    double filtered[kBlock];
+    Sums sums;
+    for (int64_t i = 0; i < n; i += kBlock) {
+        const int64_t count = std::min(n - i, kBlock);
+        if (taps.passes)
+            std::copy_n(samples + i, count, filtered);
+        else
+            RunFilter(taps, filter, samples + i, count, filtered);
+        Add<Rounded>(sums, samples + i, filtered, count);
+    }
     // Not-a-number counts as 0 among the peaks; it is in the sum if it was anywhere.
     if (sums.filteredSquares != sums.filteredSquares) sums.largest = std::max(sums.largest, 0.0);
     return sums;

@@ -13,14 +13,20 @@ inline double RoundEven(double value) noexcept {
     return (value + kNoFraction) - kNoFraction;
 }
 
+/// As a real.
 template <class Integer>
-Integer RoundSaturate(double value) noexcept {
+double RoundSaturateReal(double value) noexcept {
     constexpr double kLow = std::numeric_limits<Integer>::min();
     constexpr double kHigh = std::numeric_limits<Integer>::max();
     value = value == value ? value : 0.0;
     value = value < kLow ? kLow : value;
     value = value > kHigh ? kHigh : value;
-    return static_cast<Integer>(RoundEven(value));
+    return RoundEven(value);
+}
+
+template <class Integer>
+Integer RoundSaturate(double value) noexcept {
+    return static_cast<Integer>(RoundSaturateReal<Integer>(value));
 }
 
 }    // namespace zck

@@ -296,22 +296,22 @@ void Join16(uint8_t *block, int64_t stride, const void *const *channels, int32_t
 
 int16_t Saturated(int32_t value) { return static_cast<int16_t>(value > 32767 ? 32767 : value < -32768 ? -32768 : value); }
 
+// The product, half a unit and the bit that makes ties even in one sum: sample * factor + (half - 1 + odd) * 1.
 void Gain16(int16_t *samples, int64_t count, int16_t factor, int32_t shift) {
     const __m256i f = _mm256_set1_epi16(factor);
-    const __m256i half = _mm256_set1_epi32((1 << (shift - 1)) - 1);
-    const __m256i one = _mm256_set1_epi32(1);
-    const __m128i by = _mm_cvtsi32_si128(shift);
-    const auto rounded = [&](__m256i product) {
-        const __m256i odd = _mm256_and_si256(_mm256_sra_epi32(product, by), one);
-        return _mm256_sra_epi32(_mm256_add_epi32(_mm256_add_epi32(product, half), odd), by);
-    };
+    const __m256i factorAndOne = _mm256_set1_epi32(1 << 16 | static_cast<uint16_t>(factor));
+    const __m256i halfLess = _mm256_set1_epi16(static_cast<int16_t>((1 << (shift - 1)) - 1));
+    const __m256i toFirstBit = _mm256_set1_epi16(static_cast<int16_t>(1 << (16 - shift)));
+    const __m256i one = _mm256_set1_epi16(1);
+    const __m256i by = _mm256_set1_epi32(shift);
     int64_t i = 0;
     for (; i + 16 <= count; i += 16) {
         const __m256i v = LoadSixteen(samples + i);
-        const __m256i low = _mm256_mullo_epi16(v, f);
-        const __m256i high = _mm256_mulhi_epi16(v, f);
-        StoreSixteen(samples + i,
-                     _mm256_packs_epi32(rounded(_mm256_unpacklo_epi16(low, high)), rounded(_mm256_unpackhi_epi16(low, high))));
+        const __m256i odd = _mm256_and_si256(_mm256_mulhi_epu16(_mm256_mullo_epi16(v, f), toFirstBit), one);
+        const __m256i more = _mm256_add_epi16(odd, halfLess);
+        const __m256i low = _mm256_madd_epi16(_mm256_unpacklo_epi16(v, more), factorAndOne);
+        const __m256i high = _mm256_madd_epi16(_mm256_unpackhi_epi16(v, more), factorAndOne);
+        StoreSixteen(samples + i, _mm256_packs_epi32(_mm256_srav_epi32(low, by), _mm256_srav_epi32(high, by)));
     }
     for (; i < count; ++i) {
         const int32_t product = samples[i] * factor;

@@ -22,6 +22,9 @@ void Require(HRESULT status, const std::string &what) {
     if (FAILED(status)) Fail(what + ": " + StatusText(status));
 }
 
+/// The system's limit of a file's size, or that of the form of the file.
+constexpr HRESULT kFileTooLarge = static_cast<HRESULT>(0x800700DF);
+
 /// The keyer drops a frame when its output thread has been busy for this long, and says so by no more than S_FALSE.
 constexpr std::chrono::milliseconds kDropTime{1000};
 
@@ -65,6 +68,9 @@ std::string StatusText(HRESULT status) {
             break;
         case Z_E_DISK_FULL:
             words = "no space left";
+            break;
+        case kFileTooLarge:
+            words = "the file would be too large";
             break;
         case Z_E_ACCESS_DENIED:
             words = "access denied";

@@ -7,6 +7,7 @@
 
 #include "hosts/zkey/failure.h"
 #include "tests/hosts/zkey/program.h"
+#include "tests/hosts/zkey/wav_bytes.h"
 
 namespace {
 
@@ -52,6 +53,25 @@ TEST(NoRoom, APartOfASavedKeyDoesNotStay) {
     EXPECT_EQ(run.status, kExitFailed);
     EXPECT_NE(run.error.find("could not be completed and is removed"), std::string::npos) << run.error;
     EXPECT_FALSE(std::filesystem::exists(scratch.Path("key.xml")));
+}
+
+TEST(NoRoom, APartOfASoundOrAFrameDoesNotStay) {
+    const Scratch scratch;
+    const std::string sound = scratch.Write("in.wav", WavBytes(1, 1, 8000, 16, std::vector<uint8_t>(8000, 1)));
+    const std::string picture = scratch.Write("in.raw", std::vector<uint8_t>(64 * 64 * 4, 60));
+    const struct {
+        std::string arguments;
+        const char *says;
+    } cases[] = {{"audio " + sound, "the file would be too large"},
+                 {"frame save " + picture + " -c green --raw RGB32:64x64", "File too large"}};
+    for (const auto &c : cases) {
+        const std::string out = scratch.Path("out.wav");
+        const Outcome run = RunIn(scratch, "ulimit -f 1; ", c.arguments + " -o " + out, scratch.Path("stdout"));
+        EXPECT_EQ(run.status, kExitFailed) << c.arguments;
+        EXPECT_NE(run.error.find("cannot write " + out + ": "), std::string::npos) << run.error;
+        EXPECT_NE(run.error.find(c.says), std::string::npos) << run.error;
+        EXPECT_FALSE(std::filesystem::exists(out)) << c.arguments;
+    }
 }
 
 TEST(NoRoom, AClosedInputIsNotWaitedFor) {
