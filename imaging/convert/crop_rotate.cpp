@@ -50,10 +50,13 @@ HRESULT TurnedRecord(Z_VID_PROPS &record) {
 
 HRESULT Weave(IZFrames_I *factory, const FramePicture &a, const FramePicture &b, const Z_VID_PROPS &target,
               ComPtr<IZFrame_I> &result) {
-    if (!a.Whole() || !b.Whole()) return kVfwEInvalidMediaType;
     Z_VID_PROPS record = a.Record();
+    HRESULT hr = RecordComplete(record);
+    if (FAILED(hr)) return hr;
+    if (!a.Whole() || !b.Whole()) return kVfwEInvalidMediaType;
+    record = a.Record();
     record.eInterlace = target.eInterlace;
-    HRESULT hr = FrameForRecord(factory, record, result);
+    hr = FrameForRecord(factory, record, result);
     FramePicture woven;
     if (SUCCEEDED(hr)) hr = result->FrameTimeSet(const_cast<Z_TIME *>(&a.time));
     if (SUCCEEDED(hr)) hr = FramePictureGet(result.get(), woven);

@@ -10,6 +10,12 @@
 
 namespace zck {
 
+bool FieldStandsAlone(const Z_VID_PROPS &picture, const Z_VID_PROPS &target) {
+    if (IsPlanarFormat(picture.fccType)) return false;
+    const bool twoEyes = (target.e3DFormat & (eZ3D_SideBySide | eZ3D_TopAndBottom)) != 0 && !IsPlanarFormat(target.fccType);
+    return !twoEyes || (picture.e3DFormat & eZ3D_SideBySide) == 0;
+}
+
 HRESULT FieldStep::Prepare(const EngineSource &source, const EngineTarget &target, FieldMode mode, bool bothFields,
                            int32_t quality) {
     if (source.p == nullptr || source.props == nullptr || target.dst == nullptr || target.props == nullptr) return E_POINTER;
@@ -48,8 +54,8 @@ HRESULT FieldStep::RunPicture(FieldConverter *fields) const {
     if (m_mode == FieldMode::kBoth) return ConvertBits(&fields[0], Source(), Target(), m_quality, -1);
     if (QualityDecode(m_quality).bHighQuality)
         return ConvertBits(&fields[0], Source(), {nullptr, m_dst, nullptr, m_dstBytes, &m_target}, m_quality, -1);
-    // The planes of one field have no rows of their own; the engine picks them.
-    if (IsPlanarFormat(m_source.fccType)) return ConvertBits(&fields[0], Source(), Target(), m_quality, -1);
+    // The engine picks the rows.
+    if (!FieldStandsAlone(m_source, m_target)) return ConvertBits(&fields[0], Source(), Target(), m_quality, -1);
     Z_VID_PROPS sp = m_source;
     const int64_t start = FieldView(sp, 0);
     return ConvertBits(&fields[0], {m_src + start, m_srcBytes - start, &sp}, Target(), m_quality, -1);

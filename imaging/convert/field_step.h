@@ -9,6 +9,10 @@
 
 namespace zck {
 
+/// Whether a field of this picture can be converted by itself: planes have no rows of one field, and in a field half a row,
+/// where the second of two eyes side by side would begin, is a row of the other field. `target`: that of the conversion.
+bool FieldStandsAlone(const Z_VID_PROPS &picture, const Z_VID_PROPS &target);
+
 /// A pair of pictures. After `Prepare` it is constant, and two threads may run a field each: they write disjoint rows.
 class FieldStep {
 public:

@@ -12,7 +12,9 @@ namespace zck {
 
 bool FramePicture::Whole() const {
     Z_VID_PROPS record = Record();
-    if (video == nullptr || RecordComplete(record) != S_OK || !MemoryHolds(record, videoSize)) return false;
+    if (video == nullptr) return false;
+    if (RecordComplete(record) != S_OK) return true;
+    if (!MemoryHolds(record, videoSize)) return false;
     return !IsPlanarFormat(record.fccType) || record.nRowBytes >= record.nWidth;
 }
 

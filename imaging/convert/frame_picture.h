@@ -19,7 +19,7 @@ struct FramePicture {
     EngineSource Source() const { return {video, videoSize, &props.vidProps}; }
     EngineTarget Target() const { return {video, nullptr, nullptr, videoSize, &props.vidProps}; }
 
-    /// The record has a size and there are pixels, all that it states.
+    /// There are pixels, all that the record states. One without a size states none.
     bool Whole() const;
 };
 

@@ -4,7 +4,6 @@
 #include <cstring>
 #include <mutex>
 
-#include "frames/media/pixel_format.h"
 #include "frames/media/video_props.h"
 #include "imaging/convert/convert_bits.h"
 #include "imaging/convert/field_step.h"
@@ -46,8 +45,8 @@ HRESULT FramesConverter::Convert(const EngineSource &source, const EngineTarget 
         const int32_t from = FieldOrderSign(&sp);
         const int32_t to = FieldOrderSign(&tp);
         if (target.props->eInterlace == eZI_Progressive && from != 0) mode = FieldMode::kFirst;
-        const bool planar = IsPlanarFormat(sp.fccType) || IsPlanarFormat(tp.fccType);
-        const bool both = mode == FieldMode::kBoth && from != 0 && !QualityDecode(quality).bHighQuality && !planar;
+        const bool apart = FieldStandsAlone(sp, tp) && FieldStandsAlone(tp, tp);
+        const bool both = mode == FieldMode::kBoth && from != 0 && !QualityDecode(quality).bHighQuality && apart;
         const std::lock_guard lock(m_cs);
         FieldStep step;
         hr = step.Prepare(source, target, mode, both, quality);
