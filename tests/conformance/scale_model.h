@@ -31,12 +31,17 @@ struct FitModel {
 };
 FitModel FitRectsModel(const Z_VID_PROPS &sp, const Z_VID_PROPS &tp);
 
-// Both engines; null outputs are not wanted. False when the model knows no result (nothing is scaled, or a failure).
+// Null outputs are not wanted.
 struct EngineOutputs {
     Bytes *dst;
     Bytes *first;
     Bytes *second;
 };
+
+// Whether the engines convert without scaling, where there is a route.
+bool IsStraightModel(const EngineOutputs &out, const Z_VID_PROPS &sp, const Z_VID_PROPS &tp);
+
+// Both engines where they scale, or where there is no route. False when they fail.
 bool Frame2Model(const Bytes &src, const EngineOutputs &out, const Z_VID_PROPS &sp, const Z_VID_PROPS &tp, int32_t q);
 bool Frame3Model(const Bytes &src, const EngineOutputs &out, const Z_VID_PROPS &sp, const Z_VID_PROPS &tp, int32_t q);
 

@@ -96,7 +96,8 @@ void CheckEngine(Engine engine, Model model, uint32_t seed, int32_t rounds) {
         for (int32_t i = 0; i < 3; ++i) found[i] = expected[i] = dice.Noise(bytes);
         const auto given = [wanted](int32_t i, Bytes *b) { return (wanted >> i & 1) != 0 ? b : nullptr; };
         const auto data = [wanted](int32_t i, Bytes *b) { return (wanted >> i & 1) != 0 ? b->data() : nullptr; };
-        if (!model(memory, {given(0, &expected[0]), given(1, &expected[1]), given(2, &expected[2])}, sp, tp, q)) continue;
+        const EngineOutputs outputs = {given(0, &expected[0]), given(1, &expected[1]), given(2, &expected[2])};
+        if (IsStraightModel(outputs, sp, tp) || !model(memory, outputs, sp, tp, q)) continue;
         const EngineTarget target = {data(0, &found[0]), data(1, &found[1]), data(2, &found[2]), static_cast<int64_t>(bytes),
                                      &tp};
         const HRESULT hr = engine(&ctx, {memory.data(), static_cast<int64_t>(memory.size()), &sp}, target, q);
