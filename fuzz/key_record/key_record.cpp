@@ -8,7 +8,7 @@
 #include "frames/media/video_props.h"
 #include "fuzz/support/foreign_text.h"
 #include "keying/key/key.h"
-#include "keying/pipeline/row_road.h"
+#include "keying/pipeline/streaming_path.h"
 #include "keying/slices/slices.h"
 #include "platform/processor.h"
 #include "platform/status.h"
@@ -56,9 +56,9 @@ HRESULT Key(Case &picture, KernelLevel level, bool byRows) {
     static CSliceThreads s_pool;
     s_pool.SetThreadCount(picture.threads);
     KernelLevelLimit(level);
-    RowRoad::Allow(byRows);
-    return s_pool.Dispatch(picture.pixels.data(), picture.alpha.data(), &picture.props, &picture.key, true, false, nullptr,
-                           static_cast<int64_t>(picture.pixels.size()));
+    StreamingPath::Allow(byRows);
+    return s_pool.Dispatch(picture.pixels.data(), picture.alpha.data(), &picture.props, &picture.key, WriteAlpha::Yes,
+                           ReturnEarly::No, nullptr, static_cast<int64_t>(picture.pixels.size()));
 }
 
 void Walk(const Case &given) {
@@ -69,10 +69,10 @@ void Walk(const Case &given) {
     const HRESULT rowsHr = Key(rows, KernelLevel::Avx2, true);
     // A machine that is too busy says nothing about the bytes.
     if (hr == kErrorTimeout || rowsHr == kErrorTimeout) return;
-    fuzz::Require(rowsHr == hr, "all roads have one status");
+    fuzz::Require(rowsHr == hr, "both paths have one status");
     if (FAILED(hr)) return;
-    fuzz::Require(planes.pixels == rows.pixels, "all roads give the same pixels");
-    fuzz::Require(planes.alpha == rows.alpha, "all roads give the same alpha");
+    fuzz::Require(planes.pixels == rows.pixels, "both paths give the same pixels");
+    fuzz::Require(planes.alpha == rows.alpha, "both paths give the same alpha");
 }
 
 }    // namespace

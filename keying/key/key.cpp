@@ -57,4 +57,10 @@ bool IsSpillKey(const SINGLE_KEY &key) {
 
 int32_t KeysUsed(const CHROMA_KEY_RAW &raw) { return std::clamp(raw.nKeysUsed, 0, kKeysMax); }
 
+int32_t InPixelOrder(int32_t word, eCK_Type type) {
+    if (type != eCKT_RGB) return word;
+    const auto w = static_cast<uint32_t>(word);
+    return static_cast<int32_t>((w & 0xFF00FF00U) | ((w & 0xFFU) << 16) | ((w >> 16) & 0xFFU));
+}
+
 }    // namespace zck

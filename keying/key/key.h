@@ -1,4 +1,4 @@
-// What a key record says: defaults, the operator's view of a raw key, and which part an entry plays.
+// The meaning of a key record: its defaults, the operator's view of it, and the part that each entry plays.
 #pragma once
 
 #include <cstdint>
@@ -26,6 +26,10 @@ bool IsReverseKey(const SINGLE_KEY &key);
 
 /// The entry moves spill colour away. `nAlpha` has no say: an entry that cuts nothing out can still cancel spill.
 bool IsSpillKey(const SINGLE_KEY &key);
+
+/// A colour or half-width of an entry in the byte order of pixels: those of type RGB hold red in the low byte, pixels hold blue
+/// there.
+int32_t InPixelOrder(int32_t word, eCK_Type type);
 
 /// Entries to look at, 0 to `kKeysMax`. The record itself may keep a larger or negative count.
 int32_t KeysUsed(const CHROMA_KEY_RAW &raw);

@@ -1,4 +1,4 @@
-// One image and its alpha plane with the limits of what may be touched, as all roads of the pipeline take it.
+// One image and its alpha plane with the limits of what may be touched, as both paths of the pipeline take them.
 #pragma once
 
 #include <algorithm>
@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "frames/media/pixel_format.h"
+#include "frames/media/row_count.h"
 #include "keying/kernels/kernels.h"
 #include "keying/pipeline/pipeline.h"
 
@@ -36,7 +37,7 @@ inline int32_t BlocksOf(int32_t width, int64_t stride) {
 
 /// The view of props that were found sound by `CheckProps`.
 inline KeyView MakeView(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS *props, int64_t stride, const KeyBounds &bounds) {
-    const int32_t height = props->nHeight < 0 ? -props->nHeight : props->nHeight;
+    const auto height = static_cast<int32_t>(RowCount(props->nHeight));
     const auto stride32 = static_cast<int32_t>(std::min<int64_t>(stride, INT32_MAX));
     return {pixels, alpha, props, props->nWidth, height, props->nRowBytes, stride, DistanceBlocks(props->nWidth, stride32),
             bounds};

@@ -3,11 +3,12 @@
 #include <limits>
 
 #include "frames/media/pixel_format.h"
+#include "frames/media/row_count.h"
 #include "frames/media/video_props.h"
 #include "keying/pipeline/image_view.h"
 #include "keying/pipeline/plan.h"
-#include "keying/pipeline/plane_road.h"
-#include "keying/pipeline/row_road.h"
+#include "keying/pipeline/plane_path.h"
+#include "keying/pipeline/streaming_path.h"
 #include "platform/status.h"
 
 namespace zck {
@@ -21,7 +22,7 @@ HRESULT KeyFields(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS &props, CHR
     field.nHeight /= 2;    // an odd last line belongs to no field
     key.nInterlacedVideo = 0;
     const HRESULT first = KeyImage(pixels, alpha, &field, &key, writeAlpha, bounds);
-    // Of a single line there is no second field to point at.
+    // A picture of one line has no second field.
     if (field.nHeight == 0) return first;
     KeyBounds lower = bounds;
     lower.pixelBytes -= props.nRowBytes;
@@ -41,11 +42,11 @@ bool KeyRows(const KeyView &image, const KeyPlan &plan, bool fields, bool writeA
     frame.view.blocks = BlocksOf(image.width, image.stride * frame.fields);
     frame.keyedRows = image.height / frame.fields * frame.fields;
     frame.merge = HasAlpha(image.props->fccType) || writeAlpha;
-    if (!RowRoad::Serves(frame)) return false;
-    RowRoad road;
-    road.Start(frame, 1);
-    road.MakeEdges(0);
-    road.Walk(0);
+    if (!StreamingPath::Serves(frame)) return false;
+    StreamingPath path;
+    path.Start(frame, 1);
+    path.MakeEdges(0);
+    path.Walk(0);
     return true;
 }
 
@@ -75,7 +76,7 @@ HRESULT KeyImage(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS *props, cons
 HRESULT CK_GetAlphaKeyEx3(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS *props, const CHROMA_KEY_RAW *key,
                           bool writeAlpha) {
     if (pixels == nullptr || alpha == nullptr || props == nullptr || key == nullptr) return E_POINTER;
-    const int64_t rows = props->nHeight < 0 ? -int64_t{props->nHeight} : props->nHeight;
+    const int64_t rows = RowCount(props->nHeight);
     const KeyBounds bounds{rows * props->nRowBytes, rows * AlphaStride(*props), KeyBounds::kAnyRow, KeyBounds::kAnyRow};
     return KeyImage(pixels, alpha, props, key, writeAlpha, bounds);
 }

@@ -25,7 +25,7 @@ namespace zck {
 HRESULT CK_GetAlphaKeyEx3(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS *props, const CHROMA_KEY_RAW *key,
                           bool writeAlpha);
 
-/// What a call may touch, for callers that know it better than the props say.
+/// The limits of what a call may touch, for callers that know them better than the props say.
 struct KeyBounds {
     static constexpr int64_t kAnyRow = INT64_MAX;    ///< rows may run into each other, as far as the buffer goes
 

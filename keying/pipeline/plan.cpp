@@ -5,16 +5,9 @@
 namespace zck {
 namespace {
 
-// Keys of type RGB hold red in the low byte, pixels hold blue there.
-int32_t SwapRedBlue(int32_t word) {
-    const auto w = static_cast<uint32_t>(word);
-    return static_cast<int32_t>((w & 0xFF00FF00U) | ((w & 0xFFU) << 16) | ((w >> 16) & 0xFFU));
-}
-
 void AddEntry(KeyPlan *plan, const SINGLE_KEY &entry, bool reverse) {
-    const bool swap = plan->type == eCKT_RGB;
-    const int32_t value = swap ? SwapRedBlue(entry.nValue) : entry.nValue;
-    const int32_t delta = swap ? SwapRedBlue(entry.nDelta) : entry.nDelta;
+    const int32_t value = InPixelOrder(entry.nValue, plan->type);
+    const int32_t delta = InPixelOrder(entry.nDelta, plan->type);
     plan->entries[plan->count++] = {DistanceKeySetup(value, delta, entry.nSmoothRange), entry.nAlpha, reverse};
 }
 

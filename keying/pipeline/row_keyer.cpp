@@ -12,7 +12,7 @@ void RowKeyer::Start(const KeyView &view, const KeyPlan *plan) {
     m_reach = view.AlphaReach();
     const int64_t rowBytes = plan->type == eCKT_RGB ? m_reach : int64_t{4} * m_reach;
     m_rows.Reserve(kRows, rowBytes + 32);
-    // What no conversion writes reads as 0: the pixels right of the width, and the fourth bytes.
+    // Bytes that no conversion writes read as 0: pixels right of the width, and the fourth bytes.
     if (plan->type != eCKT_RGB) std::memset(m_rows.Row(kSpace), 0, static_cast<size_t>(4 * m_reach));
 }
 

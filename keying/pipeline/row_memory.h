@@ -14,8 +14,8 @@ public:
     /// Room for `rows` rows of `rowBytes`. Throws `std::bad_alloc`. Old contents are lost when it grows.
     void Reserve(int64_t rows, int64_t rowBytes) {
         // Rows start at different places of the cache's sets, so that neighbours do not push each other out.
-        m_pitch = (rowBytes + 127) / 64 * 64 + 64;
-        const int64_t bytes = rows * m_pitch;
+        m_stride = (rowBytes + 127) / 64 * 64 + 64;
+        const int64_t bytes = rows * m_stride;
         if (bytes <= m_bytes) return;
         m_bytes = 0;
         m_block.reset();
@@ -23,7 +23,7 @@ public:
         std::memset(m_block.get(), 0, static_cast<size_t>(bytes));
         m_bytes = bytes;
     }
-    uint8_t *Row(int64_t i) const { return m_block.get() + i * m_pitch; }
+    uint8_t *Row(int64_t i) const { return m_block.get() + i * m_stride; }
 
 private:
     struct Free {
@@ -31,7 +31,7 @@ private:
     };
     std::unique_ptr<uint8_t, Free> m_block;
     int64_t m_bytes = 0;
-    int64_t m_pitch = 0;
+    int64_t m_stride = 0;
 };
 
 }    // namespace zck

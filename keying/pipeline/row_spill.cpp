@@ -17,7 +17,7 @@ int32_t LineFrom(int32_t row, int32_t comb, int32_t combs) { return row <= comb 
 
 bool RowSpill::Serves(const RowFrame &frame) {
     if (!frame.plan->HasSpill()) return true;
-    // Without an alpha key the stages behind work on the caller's plane, and a mask without size ends the call.
+    // Without an alpha key the later stages work on the caller's plane, and a mask without size ends the call.
     if (!frame.plan->hasAlpha || frame.view.width < 2 || frame.keyedRows < frame.combs) return false;
     return SpillRows::SideBySide(frame.plan->spill, ShapeOf(frame));
 }
@@ -62,7 +62,7 @@ void RowSpill::Close(int32_t line, uint8_t *pixels) {
     uint8_t *dst = m_frame->PixelRow(row);
     m_convert.Back(pixels, dst);
     if (!m_frame->Viewed()) return;
-    // What stands beside the picture comes along.
+    // The padding beside the picture is copied as well.
     const int64_t width = int64_t{4} * m_frame->view.width;
     const int64_t beside = m_frame->OwnBytes(row) - width;
     if (beside > 0) std::memcpy(dst + width, m_frame->SourceRow(row) + width, static_cast<size_t>(beside));

@@ -1,4 +1,4 @@
-// The edge smoothing over whole planes, step by step; the road for the cases that the streaming form does not serve.
+// The edge smoothing over whole planes, step by step, for the shapes that `SmoothStream` does not serve.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// The road of a frame: in through `OnMediaReceive`, over the output thread or straight, and out as a keyed clone.
+// The media path of a frame: in through `OnMediaReceive`, over the output thread or straight, and out as a keyed clone.
 #include <algorithm>
 #include <mutex>
 
@@ -146,7 +146,7 @@ HRESULT CCoZChromaKey::KeyPixels(uint8_t *pixels, int32_t bytes, const Z_VID_PRO
     m_alpha.Reserve(static_cast<uint32_t>(bytes));
     const HRESULT hr = Noted(m_slices.SetThreadCount(std::min(m_props.GetInt(kThreadsName, kFallbackThreads), kMostThreads)));
     if (FAILED(hr)) return hr;
-    return m_slices.Dispatch(pixels, m_alpha.Data(0), &props, &key, true, false, rows, bytes);
+    return m_slices.Dispatch(pixels, m_alpha.Data(0), &props, &key, WriteAlpha::Yes, ReturnEarly::No, rows, bytes);
 }
 
 }    // namespace zck

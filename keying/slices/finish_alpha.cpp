@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "frames/media/pixel_format.h"
+#include "frames/media/row_count.h"
 #include "frames/media/video_props.h"
 #include "keying/kernels/filter_plane.h"
 #include "keying/pipeline/image_view.h"
@@ -91,7 +92,7 @@ HRESULT FinishAlphaWithin(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS *pr
 
 HRESULT FinishAlpha(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS *props, const CHROMA_KEY_RAW *key) {
     if (pixels == nullptr || alpha == nullptr || props == nullptr || key == nullptr) return E_POINTER;
-    const int64_t rows = props->nHeight < 0 ? -int64_t{props->nHeight} : props->nHeight;
+    const int64_t rows = RowCount(props->nHeight);
     const int64_t stride = AlphaStride(*props);
     // The late byte of an inversion stays within its own row.
     return FinishAlphaWithin(pixels, alpha, props, key, {rows * props->nRowBytes, rows * stride, props->nRowBytes, stride});
@@ -99,7 +100,7 @@ HRESULT FinishAlpha(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS *props, c
 
 void PremultiplyFrame(uint8_t *pixels, const Z_VID_PROPS &props, int64_t pixelBytes) {
     if (!Is32BitFormat(props.fccType)) return;
-    const int64_t rows = props.nHeight < 0 ? -int64_t{props.nHeight} : props.nHeight;
+    const int64_t rows = RowCount(props.nHeight);
     for (int64_t y = 0; y < rows; ++y) {
         const int64_t offset = y * props.nRowBytes;
         if (pixelBytes - offset < int64_t{4} * props.nWidth) return;

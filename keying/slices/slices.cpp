@@ -71,70 +71,9 @@ void CSliceThreads::Body(void *owner, int32_t index, CWorkerThread &self) {
     auto &pool = *static_cast<CSliceThreads *>(owner);
     while (self.WaitWake()) {
         Event *done = pool.m_done[static_cast<size_t>(index)].get();
-        pool.Work(index, self);
+        pool.m_frame->work->Work(index, self, pool.m_status);
         done->Set();
     }
-}
-
-void CSliceThreads::Work(int32_t index, CWorkerThread &self) {
-    Frame &frame = *m_frame;
-    if (!frame.inTurn) {
-        WorkSlot(index, self);
-    } else if (index == 0) {
-        for (int32_t i = 0; i < frame.count && self.Running(); ++i) WorkSlot(i, self);
-    }
-}
-
-void CSliceThreads::WorkSlot(int32_t index, const CWorkerThread &self) {
-    const auto i = static_cast<size_t>(index);
-    Frame &frame = *m_frame;
-    if (frame.slicePixels[i] == nullptr || frame.sliceAlpha[i] == nullptr) {
-        m_status[i] = S_FALSE;
-        return;
-    }
-    if (frame.byRows) {
-        frame.bandStatus[i] = Guarded([&] { return WorkBand(index, self); });
-        m_status[i] = frame.plan.hasAlpha ? S_OK : S_FALSE;
-    } else {
-        m_status[i] = WorkComb(index);
-    }
-    frame.slicePixels[i] = nullptr;
-    frame.sliceAlpha[i] = nullptr;
-}
-
-HRESULT CSliceThreads::WorkComb(int32_t index) {
-    const auto i = static_cast<size_t>(index);
-    const Frame &frame = *m_frame;
-    CHROMA_KEY_RAW key = frame.key;
-    if (frame.count > 1) {
-        // Both need rows that other slices have: the pass over the whole plane does them.
-        key.nEdgesSmooth = 0;
-        key.nInterlacedVideo = 0;
-    }
-    return KeyImage(frame.slicePixels[i], frame.sliceAlpha[i], &frame.props, &key, false, frame.sliceBounds[i]);
-}
-
-HRESULT CSliceThreads::WorkBand(int32_t index, const CWorkerThread &self) {
-    Frame &frame = *m_frame;
-    if (index >= frame.bands) return S_OK;
-    // Whatever becomes of the edges, the others wait for this band.
-    const HRESULT hr = Guarded([&] { return frame.road.MakeEdges(index); });
-    if (frame.edgesToCome.fetch_sub(1) == 1) frame.edgesDone.Set();
-    if (!AwaitEdges(self)) return kErrorTimeout;
-    return FAILED(hr) ? hr : frame.road.Walk(index);
-}
-
-bool CSliceThreads::AwaitEdges(const CWorkerThread &self) {
-    constexpr int kSpins = 2000;    // some microseconds: the bands arrive at nearly the same time
-    constexpr uint32_t kLookMs = 50;
-    Frame &frame = *m_frame;
-    for (int i = 0; i < kSpins; ++i) {
-        if (frame.edgesToCome.load(std::memory_order_acquire) == 0) return true;
-    }
-    while (!frame.edgesDone.Wait(kLookMs)) {
-        if (!self.Running()) return false;
-    }
-    return true;
 }
 
 }    // namespace zck

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <array>
-#include <atomic>
 #include <cstdint>
 #include <memory>
 
@@ -12,6 +11,11 @@
 #include "platform/worker_thread.h"
 
 namespace zck {
+
+/// Whether the caller of `Dispatch` asks for the alpha in the pixels. Kept for the interface; no worker reads it.
+enum class WriteAlpha { No, Yes };
+/// Whether `Dispatch` leaves the slices running and returns at once.
+enum class ReturnEarly { No, Yes };
 
 /// The pool. Threads start with the first frame and stay until the count changes, a frame takes too long, or the pool
 /// ends. One `Dispatch` at a time.
@@ -49,24 +53,21 @@ public:
     /// pixel.
     ///
     /// `E_POINTER`; `E_INVALIDARG` for props that describe no picture; `S_FALSE` for a type that keys nothing, and with
-    /// `bReturnEarly`, which leaves the slices running and ends there; 0x800705B4; else the status of slice 0 if it failed,
-    /// otherwise that of slice 1 (with one thread: what it held). Failures of further slices go unseen. `bWriteAlpha` is kept
-    /// for the interface and has no effect: frames with an alpha byte get it, those without get it from more than one slice.
-    HRESULT Dispatch(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS *vidProps, const CHROMA_KEY_RAW *key, bool bWriteAlpha,
-                     bool bReturnEarly, const RowSource *source = nullptr, int64_t pixelBytes = 0);
+    /// `ReturnEarly::Yes`; 0x800705B4; else the status of slice 0 if it failed, otherwise that of slice 1 (with one thread:
+    /// what it held). Failures of further slices go unseen. Frames with an alpha byte get their alpha, those without get it
+    /// from more than one slice, whatever `bWriteAlpha` says.
+    HRESULT Dispatch(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS *vidProps, const CHROMA_KEY_RAW *key,
+                     WriteAlpha bWriteAlpha, ReturnEarly bReturnEarly, const RowSource *source = nullptr,
+                     int64_t pixelBytes = 0);
 
 private:
     struct Frame;
     static void Body(void *owner, int32_t index, CWorkerThread &self);
-    void Work(int32_t index, CWorkerThread &self);
-    void WorkSlot(int32_t index, const CWorkerThread &self);
-    HRESULT WorkComb(int32_t index);
-    HRESULT WorkBand(int32_t index, const CWorkerThread &self);
-    bool AwaitEdges(const CWorkerThread &self);
-    HRESULT PrepareRows(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS &props, const RowSource *source, int64_t pixelBytes);
-    HRESULT FinishRows();
+    HRESULT BeginWork(ReturnEarly bReturnEarly);
+    HRESULT KeySlices(ReturnEarly bReturnEarly);
+    HRESULT KeyNothing(ReturnEarly bReturnEarly);
     void StopAll();
-    /// What `WakeAll` needs: nothing fails any more once the first thread works.
+    /// Makes what `WakeAll` needs, so that nothing can fail once the first thread works.
     HRESULT MakeEvents();
     void WakeAll();
 

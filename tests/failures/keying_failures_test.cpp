@@ -1,6 +1,6 @@
 // Keying through the plug-in.
 #include "frames/factory/factory.h"
-#include "keying/pipeline/row_road.h"
+#include "keying/pipeline/streaming_path.h"
 #include "keying/plugin/chroma_key.h"
 #include "tests/failures/failing_memory.h"
 #include "tests/frames/object/frame_fixture.h"
@@ -100,9 +100,9 @@ TEST_F(KeyedFrames, WithinBorders) {
 
 // The status of the pass over the seams is ignored.
 TEST_F(KeyedFrames, ByPlanes) {
-    RowRoad::Allow(false);
+    StreamingPath::Allow(false);
     EachRequestOfAFrame(As<IZFrame>(Frame(Record(eZFCC_ARGB32, 64, -32))), Exactly::No, {.bMaySucceed = true});
-    RowRoad::Allow(true);
+    StreamingPath::Allow(true);
 }
 
 TEST_F(KeyedFrames, OverTheOutputThread) {

@@ -28,7 +28,7 @@ CHROMA_KEY_RAW KeyOf(eCK_Type type) {
     return key;
 }
 
-TEST(PipelineFormats, are_measured_as_their_32_bit_pixels) {
+TEST(PipelineFormats, AreMeasuredAsTheir32BitPixels) {
     for (const eZFCC fcc : {eZFCC_RGB24, eZFCC_UYVY, eZFCC_HDYC, eZFCC_YUY2, eZFCC_v210}) {
         for (const eCK_Type type : {eCKT_RGB, eCKT_HLS, eCKT_YUV}) {
             for (const int32_t w : {48, 96, 144}) {
@@ -61,7 +61,7 @@ TEST(PipelineFormats, are_measured_as_their_32_bit_pixels) {
     }
 }
 
-TEST(PipelineFormats, a_standard_format_in_the_record_does_not_change_the_size) {
+TEST(PipelineFormats, AStandardFormatInTheRecordDoesNotChangeTheSize) {
     for (const int32_t h : {1, 4}) {
         Z_VID_PROPS props = FormatProps(eZFCC_UYVY, 48, h);
         props.eVideoFormat = eZVF_HD1080_50i;
@@ -75,7 +75,7 @@ TEST(PipelineFormats, a_standard_format_in_the_record_does_not_change_the_size) 
     }
 }
 
-TEST(PipelineFormats, without_a_way_to_32_bit_pixels_are_refused) {
+TEST(PipelineFormats, WithoutAWayTo32BitPixelsAreRefused) {
     const auto refused = [](const FormatRow &row) { return row.nPixelBits != 0 && row.route == RouteClass::None; };
     for (const eZFCC fcc : test::FormatsWhere(refused)) {
         const Z_VID_PROPS props = FormatProps(fcc, 64, 4);
@@ -90,7 +90,7 @@ TEST(PipelineFormats, without_a_way_to_32_bit_pixels_are_refused) {
     }
 }
 
-TEST(PipelineFormats, every_width_stays_inside) {
+TEST(PipelineFormats, EveryWidthStaysInside) {
     const auto converted = [](const FormatRow &row) { return row.route != RouteClass::None && !row.Is32(); };
     for (const eZFCC fcc : test::FormatsWhere(converted)) {
         for (int32_t w = 1; w <= 40; ++w) {
@@ -109,7 +109,7 @@ TEST(PipelineFormats, every_width_stays_inside) {
     }
 }
 
-TEST(PipelineFormats, scratch_keeps_what_an_earlier_stage_left_in_it) {
+TEST(PipelineFormats, ScratchKeepsWhatAnEarlierStageLeftInIt) {
     // A 24-bit picture in the HLS space: alpha is gathered in the plane that had the 32-bit picture before, and the columns
     // that are not measured show its bytes.
     const Z_VID_PROPS props = FormatProps(eZFCC_RGB24, 20, 5);

@@ -50,7 +50,7 @@ CHROMA_KEY_RAW GreyKey() {
     return key;
 }
 
-TEST(Pipeline, refuses_null_arguments) {
+TEST(Pipeline, RefusesNullArguments) {
     Image image(Props(16, 2));
     const CHROMA_KEY_RAW key = GreenKey();
     EXPECT_EQ(E_POINTER, CK_GetAlphaKeyEx3(nullptr, image.alpha.Data(), &image.props, &key, false));
@@ -59,7 +59,7 @@ TEST(Pipeline, refuses_null_arguments) {
     EXPECT_EQ(E_POINTER, CK_GetAlphaKeyEx3(image.pixels.Data(), image.alpha.Data(), &image.props, nullptr, false));
 }
 
-TEST(Pipeline, types_that_key_nothing_touch_nothing) {
+TEST(Pipeline, TypesThatKeyNothingTouchNothing) {
     for (const eCK_Type type : {eCKT_Alpha, eCKT_None, eCKT_Auto, static_cast<eCK_Type>(77), static_cast<eCK_Type>(-1)}) {
         Image image(Props(16, 2));
         CHROMA_KEY_RAW key = GreenKey();
@@ -70,7 +70,7 @@ TEST(Pipeline, types_that_key_nothing_touch_nothing) {
     }
 }
 
-TEST(Pipeline, worked_distances_reach_plane_and_pixels) {
+TEST(Pipeline, WorkedDistancesReachPlaneAndPixels) {
     Image image(Props(16, 1));
     image.Paint(100, 100, 100);
     image.SetPixel(1, 0, 100, 139, 100);
@@ -85,7 +85,7 @@ TEST(Pipeline, worked_distances_reach_plane_and_pixels) {
     }
 }
 
-TEST(Pipeline, without_keys_the_plane_is_opaque_and_the_pixels_stay) {
+TEST(Pipeline, WithoutKeysThePlaneIsOpaqueAndThePixelsStay) {
     for (const int32_t used : {0, -5}) {
         Image image(Props(19, 3, eZFCC_ARGB32, 2));
         CHROMA_KEY_RAW key = GreenKey();
@@ -99,7 +99,7 @@ TEST(Pipeline, without_keys_the_plane_is_opaque_and_the_pixels_stay) {
     }
 }
 
-TEST(Pipeline, a_count_of_20_keys_is_read_as_16) {
+TEST(Pipeline, ACountOf20KeysIsReadAs16) {
     CHROMA_KEY_RAW key = GreenKey();
     for (SINGLE_KEY &entry : key.arrKeys) entry = key.arrKeys[0];
     key.arrKeys[15].nValue = 0x00101010;
@@ -112,7 +112,7 @@ TEST(Pipeline, a_count_of_20_keys_is_read_as_16) {
     EXPECT_EQ(sixteen.alpha.Bytes(), twenty.alpha.Bytes());
 }
 
-TEST(Pipeline, entries_with_no_width_or_full_alpha_are_off) {
+TEST(Pipeline, EntriesWithNoWidthOrFullAlphaAreOff) {
     CHROMA_KEY_RAW key = GreenKey();
     key.arrKeys[0].nDelta = 0;
     Image noWidth(Props(16, 2));
@@ -123,7 +123,7 @@ TEST(Pipeline, entries_with_no_width_or_full_alpha_are_off) {
     EXPECT_EQ(S_FALSE, full.Key(key));
 }
 
-TEST(Pipeline, alpha_goes_to_rgb32_only_when_asked) {
+TEST(Pipeline, AlphaGoesToRgb32OnlyWhenAsked) {
     Image quiet(Props(16, 1, eZFCC_RGB32));
     EXPECT_EQ(S_OK, quiet.Key(GreenKey(), false));
     EXPECT_EQ(quiet.before, quiet.pixels.Bytes());
@@ -133,7 +133,7 @@ TEST(Pipeline, alpha_goes_to_rgb32_only_when_asked) {
     for (int32_t x = 0; x < 16; ++x) EXPECT_EQ(asked.Alpha(x, 0), asked.PixelAlpha(x, 0));
 }
 
-TEST(Pipeline, a_top_threshold_of_0_makes_a_hard_key) {
+TEST(Pipeline, ATopThresholdOf0MakesAHardKey) {
     CHROMA_KEY_RAW key = GreenKey();
     key.nMaxTransparent = 0;
     Image image(Props(64, 4));
@@ -141,7 +141,7 @@ TEST(Pipeline, a_top_threshold_of_0_makes_a_hard_key) {
     for (const uint8_t a : image.alpha.Bytes()) EXPECT_TRUE(a == 0 || a == 255);
 }
 
-TEST(Pipeline, crossed_thresholds_end_a_middle_value_at_255) {
+TEST(Pipeline, CrossedThresholdsEndAMiddleValueAt255) {
     Image image(Props(16, 1));
     image.Paint(100, 150, 100);
     CHROMA_KEY_RAW key = GreyKey();
@@ -151,7 +151,7 @@ TEST(Pipeline, crossed_thresholds_end_a_middle_value_at_255) {
     EXPECT_EQ(255, image.Alpha(0, 0));
 }
 
-TEST(Pipeline, thresholds_of_any_size_compare_as_integers) {
+TEST(Pipeline, ThresholdsOfAnySizeCompareAsIntegers) {
     Image image(Props(16, 1));
     image.Paint(100, 150, 100);
     CHROMA_KEY_RAW key = GreyKey();
@@ -165,7 +165,7 @@ TEST(Pipeline, thresholds_of_any_size_compare_as_integers) {
     for (const uint8_t a : other.alpha.Bytes()) EXPECT_EQ(255, a);
 }
 
-TEST(Pipeline, a_reverse_key_of_the_same_colour_keeps_it_opaque) {
+TEST(Pipeline, AReverseKeyOfTheSameColourKeepsItOpaque) {
     Image image(Props(16, 1));
     image.Paint(100, 100, 100);
     CHROMA_KEY_RAW key = GreyKey();
@@ -176,7 +176,7 @@ TEST(Pipeline, a_reverse_key_of_the_same_colour_keeps_it_opaque) {
     for (int32_t x = 0; x < 16; ++x) EXPECT_EQ(255, image.Alpha(x, 0));
 }
 
-TEST(Pipeline, a_reverse_key_protects_what_is_not_measured) {
+TEST(Pipeline, AReverseKeyProtectsWhatIsNotMeasured) {
     // Right of the last block the reverse plane reads 0, which is inverted to full protection, but for the tail's first byte.
     Image image(Props(20, 2, eZFCC_ARGB32, 4));
     CHROMA_KEY_RAW key = GreyKey();
@@ -191,7 +191,7 @@ TEST(Pipeline, a_reverse_key_protects_what_is_not_measured) {
     }
 }
 
-TEST(Pipeline, a_second_key_joins_by_whole_blocks_of_16) {
+TEST(Pipeline, ASecondKeyJoinsByWholeBlocksOf16) {
     // 24 columns: the distance reaches all of them, the join only 16.
     Image image(Props(24, 1));
     image.Paint(10, 10, 10);
@@ -205,7 +205,7 @@ TEST(Pipeline, a_second_key_joins_by_whole_blocks_of_16) {
     EXPECT_EQ(255, image.Alpha(16, 0));
 }
 
-TEST(Pipeline, alpha_of_the_first_key_is_added_over_the_whole_width) {
+TEST(Pipeline, AlphaOfTheFirstKeyIsAddedOverTheWholeWidth) {
     // 20 columns: 16 are measured, 4 keep what the plane held, and the addend reaches them as well.
     Image image(Props(20, 1));
     image.Paint(100, 100, 100);
@@ -217,7 +217,7 @@ TEST(Pipeline, alpha_of_the_first_key_is_added_over_the_whole_width) {
     EXPECT_EQ(0x55 + 7, image.PixelAlpha(19, 0));
 }
 
-TEST(Pipeline, right_columns_keep_what_the_plane_held) {
+TEST(Pipeline, RightColumnsKeepWhatThePlaneHeld) {
     for (int32_t w = 0; w <= 40; ++w) {
         Image image(Props(w, 2, eZFCC_ARGB32, 8));
         image.alpha = Guarded(image.alpha.Size(), 0x55);
@@ -230,7 +230,7 @@ TEST(Pipeline, right_columns_keep_what_the_plane_held) {
     }
 }
 
-TEST(Pipeline, seven_columns_are_measured_where_eight_have_room) {
+TEST(Pipeline, SevenColumnsAreMeasuredWhereEightHaveRoom) {
     Image narrow(Props(7, 1));
     EXPECT_EQ(S_OK, narrow.Key(GreenKey()));
     EXPECT_EQ(0x55, narrow.Alpha(0, 0));
@@ -240,7 +240,7 @@ TEST(Pipeline, seven_columns_are_measured_where_eight_have_room) {
     EXPECT_EQ(0, roomy.Alpha(0, 0));
 }
 
-TEST(Pipeline, the_merge_leaves_its_gap) {
+TEST(Pipeline, TheMergeLeavesItsGap) {
     Image image(Props(27, 1));
     EXPECT_EQ(S_OK, image.Key(GreenKey()));
     for (int32_t x = 0; x < 27; ++x) {
@@ -249,7 +249,7 @@ TEST(Pipeline, the_merge_leaves_its_gap) {
     }
 }
 
-TEST(Pipeline, the_inversion_slips_into_the_next_row) {
+TEST(Pipeline, TheInversionSlipsIntoTheNextRow) {
     // 18 columns without padding: the tail starts at 17, and its last byte is the next row's first.
     Image plain(Props(18, 3));
     Image inverted(Props(18, 3));
@@ -267,7 +267,7 @@ TEST(Pipeline, the_inversion_slips_into_the_next_row) {
     EXPECT_TRUE(inverted.alpha.GuardsHold());
 }
 
-TEST(Pipeline, negative_rounds_gather_in_scratch_and_leave_the_plane) {
+TEST(Pipeline, NegativeRoundsGatherInScratchAndLeaveThePlane) {
     Image image(Props(16, 4));
     CHROMA_KEY_RAW key = GreenKey();
     key.nEdgesSmooth = -1;
@@ -276,7 +276,7 @@ TEST(Pipeline, negative_rounds_gather_in_scratch_and_leave_the_plane) {
     for (int32_t x = 0; x < 16; ++x) EXPECT_EQ(0x55, image.PixelAlpha(x, 0));
 }
 
-TEST(Pipeline, smoothing_without_interior_is_a_failure) {
+TEST(Pipeline, SmoothingWithoutInteriorIsAFailure) {
     for (const auto &[w, h] : {std::pair{2, 8}, {16, 2}, {0, 0}, {1, 1}, {16, 0}}) {
         Image image(Props(w, h));
         CHROMA_KEY_RAW key = GreenKey();
@@ -286,7 +286,7 @@ TEST(Pipeline, smoothing_without_interior_is_a_failure) {
     }
 }
 
-TEST(Pipeline, smoothing_takes_nothing_from_the_plane) {
+TEST(Pipeline, SmoothingTakesNothingFromThePlane) {
     // The columns that are not measured come from scratch, which reads as 0.
     Image image(Props(20, 5));
     CHROMA_KEY_RAW key = GreenKey();
@@ -295,7 +295,7 @@ TEST(Pipeline, smoothing_takes_nothing_from_the_plane) {
     for (int32_t y = 0; y < 5; ++y) EXPECT_EQ(0, image.Alpha(19, y));
 }
 
-TEST(Pipeline, one_round_is_the_gauss_filter_alone) {
+TEST(Pipeline, OneRoundIsTheGaussFilterAlone) {
     Image plain(Props(32, 9));
     Image smooth(Props(32, 9));
     CHROMA_KEY_RAW key = GreenKey();
@@ -317,7 +317,7 @@ TEST(Pipeline, one_round_is_the_gauss_filter_alone) {
     }
 }
 
-TEST(Pipeline, fields_are_keyed_apart_and_an_odd_last_line_is_left) {
+TEST(Pipeline, FieldsAreKeyedApartAndAnOddLastLineIsLeft) {
     Image image(Props(32, 7));
     CHROMA_KEY_RAW key = GreenKey();
     key.nInterlacedVideo = 1;
@@ -342,7 +342,7 @@ TEST(Pipeline, fields_are_keyed_apart_and_an_odd_last_line_is_left) {
     }
 }
 
-TEST(Pipeline, the_rounded_width_of_a_field_reaches_into_the_other) {
+TEST(Pipeline, TheRoundedWidthOfAFieldReachesIntoTheOther) {
     // 5 columns are rounded to 8 where the row pitch is doubled: three bytes of each next row are measured anew, after
     // an addend had been put on them.
     Image image(Props(5, 4));
@@ -364,7 +364,7 @@ TEST(Pipeline, the_rounded_width_of_a_field_reaches_into_the_other) {
     EXPECT_TRUE(image.alpha.GuardsHold());
 }
 
-TEST(Pipeline, row_order_changes_nothing_in_memory) {
+TEST(Pipeline, RowOrderChangesNothingInMemory) {
     for (const eCK_Type type : {eCKT_RGB, eCKT_HLS, eCKT_YUV}) {
         CHROMA_KEY_RAW key = GreenKey();
         key.eType = type;
@@ -392,7 +392,7 @@ void ExpectRefused(void (*change)(Z_VID_PROPS &)) {
     EXPECT_EQ(std::vector<uint8_t>(64, 0x55), image.alpha.Bytes());
 }
 
-TEST(Pipeline, absurd_props_are_refused_and_touch_nothing) {
+TEST(Pipeline, AbsurdPropsAreRefusedAndTouchNothing) {
     ExpectRefused([](Z_VID_PROPS &p) { p.nRowBytes = 60; });
     ExpectRefused([](Z_VID_PROPS &p) { p.nRowBytes = -64; });
     ExpectRefused([](Z_VID_PROPS &p) { p.nWidth = -16; });
@@ -401,7 +401,7 @@ TEST(Pipeline, absurd_props_are_refused_and_touch_nothing) {
     ExpectRefused([](Z_VID_PROPS &p) { p.fccType = eZFCC_Default; });
 }
 
-TEST(Pipeline, an_image_without_pixels_is_no_failure) {
+TEST(Pipeline, AnImageWithoutPixelsIsNoFailure) {
     for (const auto &[w, h] : {std::pair{0, 4}, {16, 0}, {0, 0}}) {
         Image image(Props(w, h));
         EXPECT_EQ(S_OK, image.Key(GreenKey(), true));
@@ -412,7 +412,7 @@ TEST(Pipeline, an_image_without_pixels_is_no_failure) {
     }
 }
 
-TEST(Pipeline, key_bytes_of_rgb_are_red_first) {
+TEST(Pipeline, KeyBytesOfRgbAreRedFirst) {
     CHROMA_KEY_RAW key = GreenKey();
     key.arrKeys[0].nValue = 0x00C83C14;
     key.arrKeys[0].nDelta = 0x00200508;
@@ -431,7 +431,7 @@ TEST(Pipeline, key_bytes_of_rgb_are_red_first) {
     EXPECT_EQ(255, redOff.Alpha(0, 0));
 }
 
-TEST(Pipeline, hls_and_yuv_keys_measure_in_their_space) {
+TEST(Pipeline, HlsAndYuvKeysMeasureInTheirSpace) {
     // Pure green: hue 85, lightness 127, saturation 255; with red and blue exchanged Y 149, U 54, V 0.
     for (const auto &[type, value] : {std::pair{eCKT_HLS, 0x00FF7F55}, {eCKT_YUV, 0x00003695}}) {
         Image image(Props(16, 1));
@@ -447,7 +447,7 @@ TEST(Pipeline, hls_and_yuv_keys_measure_in_their_space) {
     }
 }
 
-TEST(Pipeline, no_state_passes_between_calls) {
+TEST(Pipeline, NoStatePassesBetweenCalls) {
     CHROMA_KEY_RAW key = GreenKey();
     key.nKeysUsed = 3;
     key.arrKeys[1] = key.arrKeys[0];
@@ -466,7 +466,7 @@ TEST(Pipeline, no_state_passes_between_calls) {
     }
 }
 
-TEST(Pipeline, more_rounds_than_anyone_waits_for_come_to_rest) {
+TEST(Pipeline, MoreRoundsThanAnyoneWaitsForComeToRest) {
     for (const int32_t rounds : {1000000000, 1000000001}) {
         CHROMA_KEY_RAW key = GreenKey();
         key.nEdgesSmooth = rounds;

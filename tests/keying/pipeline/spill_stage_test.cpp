@@ -137,7 +137,7 @@ void ExpectMoved(const Z_VID_PROPS &props, const CHROMA_KEY_RAW &key, bool write
     EXPECT_TRUE(pixels.GuardsHold() && alpha.GuardsHold()) << what();
 }
 
-TEST(SpillStage, moves_colour_between_measuring_and_merging) {
+TEST(SpillStage, MovesColourBetweenMeasuringAndMerging) {
     for (const eZFCC fcc : {eZFCC_ARGB32, eZFCC_RGB32, eZFCC_RGB24, eZFCC_YUY2, eZFCC_UYVY, eZFCC_HDYC}) {
         for (const eCK_Type type : {eCKT_RGB, eCKT_HLS, eCKT_YUV}) {
             for (const int32_t cancel : {1, 2}) {
@@ -155,7 +155,7 @@ TEST(SpillStage, moves_colour_between_measuring_and_merging) {
     }
 }
 
-TEST(SpillStage, each_field_is_a_picture_of_its_own) {
+TEST(SpillStage, EachFieldIsAPictureOfItsOwn) {
     for (const eCK_Type type : {eCKT_RGB, eCKT_HLS}) {
         CHROMA_KEY_RAW key = SpillKey(type, 1, 2);
         const Z_VID_PROPS props = Props(eZFCC_ARGB32, 48, 21);
@@ -176,7 +176,7 @@ TEST(SpillStage, each_field_is_a_picture_of_its_own) {
     }
 }
 
-TEST(SpillStage, an_entry_that_cuts_nothing_out_leaves_an_opaque_picture_without_spill) {
+TEST(SpillStage, AnEntryThatCutsNothingOutLeavesAnOpaquePictureWithoutSpill) {
     CHROMA_KEY_RAW key = SpillKey(eCKT_RGB, 1, 1);
     key.arrKeys[0].nAlpha = 255;
     const Z_VID_PROPS props = Props(eZFCC_ARGB32, 48, 9);
@@ -190,7 +190,7 @@ TEST(SpillStage, an_entry_that_cuts_nothing_out_leaves_an_opaque_picture_without
     EXPECT_EQ(expected, pixels.Bytes()) << "the way back from 4:2:2 gives opaque pixels already";
 }
 
-TEST(SpillStage, a_picture_too_narrow_for_a_mask_ends_the_call) {
+TEST(SpillStage, APictureTooNarrowForAMaskEndsTheCall) {
     const CHROMA_KEY_RAW key = SpillKey(eCKT_RGB, 1, 1);
     const Z_VID_PROPS props = Props(eZFCC_ARGB32, 1, 9);
     Guarded pixels(test::PixelBytes(props));
@@ -200,7 +200,7 @@ TEST(SpillStage, a_picture_too_narrow_for_a_mask_ends_the_call) {
     EXPECT_EQ(before, pixels.Bytes());
 }
 
-TEST(SpillStage, without_a_strength_nothing_is_moved) {
+TEST(SpillStage, WithoutAStrengthNothingIsMoved) {
     CHROMA_KEY_RAW key = SpillKey(eCKT_RGB, 2, 1);
     SINGLE_KEY &e = key.arrKeys[0];
     e.nCancelPower = e.nCancelChroma = e.nCancelLuma = e.nCancelAlpha = 0;

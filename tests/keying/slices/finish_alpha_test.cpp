@@ -13,14 +13,14 @@ using test::Frame;
 using test::GreenKey;
 using test::Props;
 
-TEST(FinishAlpha, merges_the_plane) {
+TEST(FinishAlpha, MergesThePlane) {
     Frame frame(Props(27, 3, eZFCC_RGB32));
     CHROMA_KEY_RAW key = GreenKey();
     EXPECT_EQ(S_OK, FinishAlpha(frame.pixels.Data(), frame.alpha.Data(), &frame.props, &key));
     for (int32_t x = 0; x < 27; ++x) EXPECT_EQ(x >= 16 && x < 24 ? frame.Old(x, 1, 3) : 0x55, frame.Byte(x, 1, 3));
 }
 
-TEST(FinishAlpha, ends_early_without_interior) {
+TEST(FinishAlpha, EndsEarlyWithoutInterior) {
     for (const auto &[w, h] : {std::pair{2, 9}, {9, 2}}) {
         Frame frame(Props(w, h));
         CHROMA_KEY_RAW key = GreenKey();
@@ -32,7 +32,7 @@ TEST(FinishAlpha, ends_early_without_interior) {
     }
 }
 
-TEST(FinishAlpha, smoothing_never_grows_and_keeps_the_border) {
+TEST(FinishAlpha, SmoothingNeverGrowsAndKeepsTheBorder) {
     // One opaque dot of 3 by 3 in the middle: eroded to a point, boxed, then bound by the plane.
     Frame frame(Props(32, 16), 0);
     for (int32_t y = 6; y < 9; ++y) {
@@ -52,7 +52,7 @@ TEST(FinishAlpha, smoothing_never_grows_and_keeps_the_border) {
     EXPECT_EQ((77 * 4 + 7 + 1) >> 4, frame.Alpha(5, 1));
 }
 
-TEST(FinishAlpha, treats_fields_apart_by_the_key) {
+TEST(FinishAlpha, TreatsFieldsApartByTheKey) {
     // Lines of 0 and 255 in turn: smoothed together they blend, apart they stay.
     Frame frame(Props(16, 12), 0);
     for (int32_t y = 0; y < 12; y += 2) std::fill_n(frame.alpha.Data() + 16 * y, 16, uint8_t{255});
@@ -67,7 +67,7 @@ TEST(FinishAlpha, treats_fields_apart_by_the_key) {
     EXPECT_NE(stripes, frame.alpha.Bytes());
 }
 
-TEST(FinishAlpha, returns_the_first_failure_of_two_fields) {
+TEST(FinishAlpha, ReturnsTheFirstFailureOfTwoFields) {
     Frame frame(Props(16, 5));
     CHROMA_KEY_RAW key = GreenKey();
     key.nEdgesSmooth = 1;

@@ -21,7 +21,7 @@ struct Frame {
         before = pixels.Bytes();
     }
     HRESULT Dispatch(CSliceThreads &pool, const CHROMA_KEY_RAW &key, const RowSource *source = nullptr) {
-        return pool.Dispatch(pixels.Data(), alpha.Data(), &props, &key, true, false, source);
+        return pool.Dispatch(pixels.Data(), alpha.Data(), &props, &key, WriteAlpha::Yes, ReturnEarly::No, source);
     }
     size_t At(int32_t x, int32_t y) const { return static_cast<size_t>(y * props.nRowBytes + 4 * x); }
     uint8_t Alpha(int32_t x, int32_t y) const { return alpha.Data()[y * AlphaStride(props) + x]; }

@@ -13,7 +13,7 @@ using test::GreenKey;
 using test::Pool;
 using test::Props;
 
-TEST(Slices, thread_count_has_limits) {
+TEST(Slices, ThreadCountHasLimits) {
     CSliceThreads pool;
     EXPECT_EQ(6, pool.ThreadCount());
     EXPECT_EQ(S_FALSE, pool.SetThreadCount(6));
@@ -28,7 +28,7 @@ TEST(Slices, thread_count_has_limits) {
     EXPECT_EQ(S_OK, pool.SetThreadCount(1));
 }
 
-TEST(Slices, nothing_to_wait_for_before_the_first_frame) {
+TEST(Slices, NothingToWaitForBeforeTheFirstFrame) {
     Pool pool(2);
     EXPECT_EQ(S_FALSE, pool.WaitDone());
     Frame frame(Props(16, 4));
@@ -36,21 +36,21 @@ TEST(Slices, nothing_to_wait_for_before_the_first_frame) {
     EXPECT_EQ(S_OK, pool.WaitDone());
 }
 
-TEST(Slices, refuses_null_arguments) {
+TEST(Slices, RefusesNullArguments) {
     Pool pool(2);
     Frame f(Props(16, 4));
     const CHROMA_KEY_RAW key = GreenKey();
-    EXPECT_EQ(E_POINTER, pool.Dispatch(nullptr, f.alpha.Data(), &f.props, &key, true, false));
-    EXPECT_EQ(E_POINTER, pool.Dispatch(f.pixels.Data(), nullptr, &f.props, &key, true, false));
-    EXPECT_EQ(E_POINTER, pool.Dispatch(f.pixels.Data(), f.alpha.Data(), nullptr, &key, true, false));
-    EXPECT_EQ(E_POINTER, pool.Dispatch(f.pixels.Data(), f.alpha.Data(), &f.props, nullptr, true, false));
+    EXPECT_EQ(E_POINTER, pool.Dispatch(nullptr, f.alpha.Data(), &f.props, &key, WriteAlpha::Yes, ReturnEarly::No));
+    EXPECT_EQ(E_POINTER, pool.Dispatch(f.pixels.Data(), nullptr, &f.props, &key, WriteAlpha::Yes, ReturnEarly::No));
+    EXPECT_EQ(E_POINTER, pool.Dispatch(f.pixels.Data(), f.alpha.Data(), nullptr, &key, WriteAlpha::Yes, ReturnEarly::No));
+    EXPECT_EQ(E_POINTER, pool.Dispatch(f.pixels.Data(), f.alpha.Data(), &f.props, nullptr, WriteAlpha::Yes, ReturnEarly::No));
     EXPECT_EQ(E_POINTER, FinishAlpha(nullptr, f.alpha.Data(), &f.props, &key));
     EXPECT_EQ(E_POINTER, FinishAlpha(f.pixels.Data(), nullptr, &f.props, &key));
     EXPECT_EQ(E_POINTER, FinishAlpha(f.pixels.Data(), f.alpha.Data(), nullptr, &key));
     EXPECT_EQ(E_POINTER, FinishAlpha(f.pixels.Data(), f.alpha.Data(), &f.props, nullptr));
 }
 
-TEST(Slices, absurd_props_are_refused_and_touch_nothing) {
+TEST(Slices, AbsurdPropsAreRefusedAndTouchNothing) {
     const auto refused = [](void (*change)(Z_VID_PROPS &)) {
         for (const int32_t n : {1, 3}) {
             Pool pool(n);
@@ -77,19 +77,21 @@ TEST(Slices, absurd_props_are_refused_and_touch_nothing) {
     EXPECT_EQ(E_INVALIDARG, frame.Dispatch(pool, GreenKey())) << "the rows of a slice are too far apart";
 }
 
-TEST(Slices, a_buffer_that_is_too_small_is_refused) {
+TEST(Slices, ABufferThatIsTooSmallIsRefused) {
     for (const int32_t n : {1, 2}) {
         Pool pool(n);
         Frame f(Props(16, 4, eZFCC_ARGB32, 4));
         const CHROMA_KEY_RAW key = GreenKey();
         const int64_t need = 3 * 80 + 64;
-        EXPECT_EQ(E_INVALIDARG, pool.Dispatch(f.pixels.Data(), f.alpha.Data(), &f.props, &key, true, false, nullptr, need - 1));
+        EXPECT_EQ(E_INVALIDARG, pool.Dispatch(f.pixels.Data(), f.alpha.Data(), &f.props, &key, WriteAlpha::Yes, ReturnEarly::No,
+                                              nullptr, need - 1));
         EXPECT_EQ(f.before, f.pixels.Bytes());
-        EXPECT_EQ(S_OK, pool.Dispatch(f.pixels.Data(), f.alpha.Data(), &f.props, &key, true, false, nullptr, need));
+        EXPECT_EQ(S_OK, pool.Dispatch(f.pixels.Data(), f.alpha.Data(), &f.props, &key, WriteAlpha::Yes, ReturnEarly::No,
+                                      nullptr, need));
     }
 }
 
-TEST(Slices, types_that_key_nothing_pass) {
+TEST(Slices, TypesThatKeyNothingPass) {
     for (const eCK_Type type : {eCKT_Alpha, eCKT_None, eCKT_Auto}) {
         Pool pool(2);
         Frame frame(Props(16, 4));
@@ -101,7 +103,7 @@ TEST(Slices, types_that_key_nothing_pass) {
     }
 }
 
-TEST(Slices, colour_is_multiplied_by_alpha_in_the_end) {
+TEST(Slices, ColourIsMultipliedByAlphaInTheEnd) {
     for (const int32_t n : {1, 2, 4}) {
         Pool pool(n);
         Frame frame(Props(32, 8));
@@ -112,7 +114,7 @@ TEST(Slices, colour_is_multiplied_by_alpha_in_the_end) {
     }
 }
 
-TEST(Slices, gap_pixels_are_multiplied_by_the_alpha_they_had) {
+TEST(Slices, GapPixelsAreMultipliedByTheAlphaTheyHad) {
     for (const int32_t n : {1, 2}) {
         Pool pool(n);
         Frame frame(Props(24, 4));
@@ -123,7 +125,7 @@ TEST(Slices, gap_pixels_are_multiplied_by_the_alpha_they_had) {
     }
 }
 
-TEST(Slices, rows_below_the_last_whole_comb_keep_the_alpha_of_the_plane) {
+TEST(Slices, RowsBelowTheLastWholeCombKeepTheAlphaOfThePlane) {
     Pool pool(7);
     Frame frame(Props(16, 1080));
     EXPECT_EQ(S_OK, frame.Dispatch(pool, GreenKey()));
@@ -135,7 +137,7 @@ TEST(Slices, rows_below_the_last_whole_comb_keep_the_alpha_of_the_plane) {
     }
 }
 
-TEST(Slices, a_frame_lower_than_the_count_is_only_multiplied) {
+TEST(Slices, AFrameLowerThanTheCountIsOnlyMultiplied) {
     for (const int32_t h : {1, 3, -3}) {
         Pool pool(4);
         Frame frame(Props(16, h));
@@ -152,7 +154,7 @@ TEST(Slices, a_frame_lower_than_the_count_is_only_multiplied) {
     }
 }
 
-TEST(Slices, a_frame_without_rows_clears_the_statuses) {
+TEST(Slices, AFrameWithoutRowsClearsTheStatuses) {
     CHROMA_KEY_RAW none = GreenKey();
     none.nKeysUsed = 0;
     Pool pool(2);
@@ -164,7 +166,7 @@ TEST(Slices, a_frame_without_rows_clears_the_statuses) {
     EXPECT_EQ(S_OK, frame.Dispatch(pool, none));
 }
 
-TEST(Slices, inversion_takes_effect_once_with_one_slice_and_not_at_all_with_more) {
+TEST(Slices, InversionTakesEffectOnceWithOneSliceAndNotAtAllWithMore) {
     CHROMA_KEY_RAW key = GreenKey();
     Pool one(1);
     Frame plain(Props(32, 8));
@@ -183,7 +185,7 @@ TEST(Slices, inversion_takes_effect_once_with_one_slice_and_not_at_all_with_more
     }
 }
 
-TEST(Slices, more_slices_smooth_the_inverted_plane) {
+TEST(Slices, MoreSlicesSmoothTheInvertedPlane) {
     // Erosion of the inverted plane is not the inversion of the eroded one: the two results must differ.
     CHROMA_KEY_RAW key = GreenKey();
     key.nEdgesSmooth = 3;
@@ -196,7 +198,7 @@ TEST(Slices, more_slices_smooth_the_inverted_plane) {
     EXPECT_NE(plain.alpha.Bytes(), inverted.alpha.Bytes());
 }
 
-TEST(Slices, the_late_byte_of_an_inversion_stays_in_its_row) {
+TEST(Slices, TheLateByteOfAnInversionStaysInItsRow) {
     // Without keys only the pass after the slices inverts: 18 columns without padding.
     CHROMA_KEY_RAW key = GreenKey();
     key.nKeysUsed = 0;
@@ -215,7 +217,7 @@ TEST(Slices, the_late_byte_of_an_inversion_stays_in_its_row) {
     }
 }
 
-TEST(Slices, a_rounded_width_stays_in_its_row) {
+TEST(Slices, ARoundedWidthStaysInItsRow) {
     // 5 columns without padding: the slices' rows are further apart, so that 8 are measured and 5 are kept.
     Pool pool(2);
     Frame frame(Props(5, 4));
@@ -228,7 +230,7 @@ TEST(Slices, a_rounded_width_stays_in_its_row) {
     EXPECT_TRUE(frame.alpha.GuardsHold());
 }
 
-TEST(Slices, rgb32_gets_its_alpha_from_several_slices_only) {
+TEST(Slices, Rgb32GetsItsAlphaFromSeveralSlicesOnly) {
     Pool one(1);
     Frame single(Props(32, 4, eZFCC_RGB32));
     EXPECT_EQ(S_OK, single.Dispatch(one, GreenKey()));
@@ -244,7 +246,7 @@ TEST(Slices, rgb32_gets_its_alpha_from_several_slices_only) {
     EXPECT_EQ(single.alpha.Bytes(), several.alpha.Bytes());
 }
 
-TEST(Slices, the_frame_decides_about_fields) {
+TEST(Slices, TheFrameDecidesAboutFields) {
     CHROMA_KEY_RAW key = GreenKey();
     key.nEdgesSmooth = 2;
     for (const int32_t n : {1, 2}) {
@@ -270,7 +272,7 @@ TEST(Slices, the_frame_decides_about_fields) {
     }
 }
 
-TEST(Slices, an_odd_last_line_of_fields) {
+TEST(Slices, AnOddLastLineOfFields) {
     CHROMA_KEY_RAW key = GreenKey();
     key.nEdgesSmooth = 1;
     Z_VID_PROPS props = Props(32, 9);
@@ -293,7 +295,7 @@ TEST(Slices, an_odd_last_line_of_fields) {
     }
 }
 
-TEST(Slices, status_is_that_of_the_first_two) {
+TEST(Slices, StatusIsThatOfTheFirstTwo) {
     CHROMA_KEY_RAW none = GreenKey();
     none.nKeysUsed = 0;
     Pool pool(1);
@@ -315,7 +317,7 @@ TEST(Slices, status_is_that_of_the_first_two) {
     EXPECT_EQ(S_OK, thin.Dispatch(pool, smooth)) << "the failure of the pass after the slices is not looked at";
 }
 
-TEST(Slices, without_keys_the_frame_is_opaque) {
+TEST(Slices, WithoutKeysTheFrameIsOpaque) {
     CHROMA_KEY_RAW none = GreenKey();
     none.nKeysUsed = 0;
     Pool two(2);
@@ -323,7 +325,7 @@ TEST(Slices, without_keys_the_frame_is_opaque) {
     EXPECT_EQ(S_FALSE, several.Dispatch(two, none));
     Pool one(1);
     Frame single(Props(32, 4));
-    one.Dispatch(single.pixels.Data(), single.alpha.Data(), &single.props, &none, true, false);
+    one.Dispatch(single.pixels.Data(), single.alpha.Data(), &single.props, &none, WriteAlpha::Yes, ReturnEarly::No);
     for (int32_t y = 0; y < 4; ++y) {
         for (int32_t x = 0; x < 32; ++x) {
             EXPECT_TRUE(several.Left(x, y, 255));
@@ -332,11 +334,12 @@ TEST(Slices, without_keys_the_frame_is_opaque) {
     }
 }
 
-TEST(Slices, returning_early_leaves_the_slices_to_the_caller) {
+TEST(Slices, ReturningEarlyLeavesTheSlicesToTheCaller) {
     Pool pool(3);
     Frame frame(Props(32, 9));
     const CHROMA_KEY_RAW key = GreenKey();
-    EXPECT_EQ(S_FALSE, pool.Dispatch(frame.pixels.Data(), frame.alpha.Data(), &frame.props, &key, true, true));
+    EXPECT_EQ(S_FALSE,
+              pool.Dispatch(frame.pixels.Data(), frame.alpha.Data(), &frame.props, &key, WriteAlpha::Yes, ReturnEarly::Yes));
     EXPECT_EQ(S_OK, pool.WaitDone());
     for (int32_t y = 0; y < 9; ++y) {
         for (int32_t x = 0; x < 32; ++x) {
@@ -346,7 +349,7 @@ TEST(Slices, returning_early_leaves_the_slices_to_the_caller) {
     }
 }
 
-TEST(Slices, the_count_may_change_with_each_frame) {
+TEST(Slices, TheCountMayChangeWithEachFrame) {
     CSliceThreads pool;
     Pool single(1);
     Frame expected(Props(48, 24));
@@ -364,7 +367,7 @@ TEST(Slices, the_count_may_change_with_each_frame) {
 }
 
 // What a slice measures and writes drifts into the rows of the others there.
-TEST(Slices, rows_of_no_whole_pixels_give_the_same_bytes_each_time) {
+TEST(Slices, RowsOfNoWholePixelsGiveTheSameBytesEachTime) {
     CHROMA_KEY_RAW key = GreenKey();
     key.bColorCancel = 1;
     key.arrKeys[0].nCancelPower = 60;

@@ -91,7 +91,7 @@ struct Walk {
     }
 };
 
-TEST(Smoothing, follows_the_plain_walk) {
+TEST(Smoothing, FollowsThePlainWalk) {
     for (const int32_t n : {1, 2}) {
         CSliceThreads pool;
         pool.SetThreadCount(n);
@@ -105,7 +105,7 @@ TEST(Smoothing, follows_the_plain_walk) {
                 std::copy(scene.begin(), scene.end(), pixels.Data());
                 CHROMA_KEY_RAW key = test::GreenKey();
                 key.nEdgesSmooth = edges;
-                EXPECT_EQ(S_OK, pool.Dispatch(pixels.Data(), alpha.Data(), &props, &key, true, false));
+                EXPECT_EQ(S_OK, pool.Dispatch(pixels.Data(), alpha.Data(), &props, &key, WriteAlpha::Yes, ReturnEarly::No));
                 return alpha.Bytes();
             };
             const Walk walk{w, h};

@@ -27,7 +27,7 @@ struct Source {
     }
 };
 
-TEST(Slices, a_source_is_asked_for_each_row_once) {
+TEST(Slices, ASourceIsAskedForEachRowOnce) {
     for (const int32_t n : {1, 2, 3, 7, 16}) {
         for (const int32_t edges : {0, 3}) {
             for (const int32_t h : {3, 41, 64}) {
@@ -49,7 +49,7 @@ TEST(Slices, a_source_is_asked_for_each_row_once) {
     }
 }
 
-TEST(Slices, a_failing_source_fails_the_frame) {
+TEST(Slices, AFailingSourceFailsTheFrame) {
     for (const int32_t n : {1, 2, 4}) {
         for (const int32_t edges : {0, 3}) {
             for (const int32_t row : {0, 20, 31, 63}) {

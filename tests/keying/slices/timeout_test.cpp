@@ -20,7 +20,7 @@ struct Stuck {
     }
 };
 
-TEST(SliceTimeout, a_stuck_slice_costs_the_frame_and_the_pool_comes_back) {
+TEST(SliceTimeout, AStuckSliceCostsTheFrameAndThePoolComesBack) {
     CSliceThreads pool;
     pool.SetThreadCount(2);
     const Z_VID_PROPS props = test::Props(32, 32);
@@ -30,12 +30,13 @@ TEST(SliceTimeout, a_stuck_slice_costs_the_frame_and_the_pool_comes_back) {
     Stuck source;
     const RowSource rows{&source, Stuck::Fetch};
     const uint32_t start = TimerMs();
-    EXPECT_EQ(StatusOf(0x800705B4), pool.Dispatch(pixels.Data(), alpha.Data(), &props, &key, true, false, &rows));
+    EXPECT_EQ(StatusOf(0x800705B4),
+              pool.Dispatch(pixels.Data(), alpha.Data(), &props, &key, WriteAlpha::Yes, ReturnEarly::No, &rows));
     const uint32_t took = TimerMs() - start;
     EXPECT_GE(took, 9900U);
     EXPECT_LT(took, 21000U);
     source.stuck = false;
-    EXPECT_EQ(S_OK, pool.Dispatch(pixels.Data(), alpha.Data(), &props, &key, true, false, &rows));
+    EXPECT_EQ(S_OK, pool.Dispatch(pixels.Data(), alpha.Data(), &props, &key, WriteAlpha::Yes, ReturnEarly::No, &rows));
 }
 
 }    // namespace

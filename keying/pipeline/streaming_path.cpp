@@ -1,4 +1,4 @@
-#include "keying/pipeline/row_road.h"
+#include "keying/pipeline/streaming_path.h"
 
 #include <atomic>
 #include <cstring>
@@ -31,9 +31,9 @@ bool SmoothingFits(const RowFrame &frame) {
 
 }    // namespace
 
-void RowRoad::Allow(bool allowed) { g_allowed = allowed; }
+void StreamingPath::Allow(bool allowed) { g_allowed = allowed; }
 
-bool RowRoad::Serves(const RowFrame &frame) {
+bool StreamingPath::Serves(const RowFrame &frame) {
     const KeyView &view = frame.view;
     if (!g_allowed) return false;
     if (!view.Is32() || view.rowBytes % 4 != 0 || view.width < 1 || view.height < 1) return false;
@@ -42,7 +42,7 @@ bool RowRoad::Serves(const RowFrame &frame) {
     return RowsStandAlone(frame) && SmoothingFits(frame) && RowSpill::Serves(frame);
 }
 
-int32_t RowRoad::Start(const RowFrame &frame, int32_t bands) {
+int32_t StreamingPath::Start(const RowFrame &frame, int32_t bands) {
     m_frame = frame;
     m_lines = frame.view.height / frame.fields;
     m_reach = std::max(frame.view.blocks * 8, frame.view.width + 1);
@@ -63,7 +63,7 @@ int32_t RowRoad::Start(const RowFrame &frame, int32_t bands) {
     return m_bands;
 }
 
-RowRoad::Band RowRoad::BandOf(int32_t band) const {
+StreamingPath::Band StreamingPath::BandOf(int32_t band) const {
     const int32_t step = Smooths() ? m_frame.fields : 1;
     const int64_t lines = m_frame.view.height / step;
     const auto row = [&](int32_t i) { return static_cast<int32_t>(lines * i / m_bands) * step; };
@@ -72,44 +72,44 @@ RowRoad::Band RowRoad::BandOf(int32_t band) const {
 }
 
 // The row is fetched before the bands are walked.
-bool RowRoad::IsEdge(int32_t band, int32_t row) const {
+bool StreamingPath::IsEdge(int32_t band, int32_t row) const {
     const Band own = BandOf(band);
     return (band > 0 && row < own.first + m_edgeRows) || (band < m_bands - 1 && row >= own.end - m_edgeRows);
 }
 
-uint8_t *RowRoad::EdgeRow(int32_t band, int32_t side, int32_t field, int32_t line) const {
+uint8_t *StreamingPath::EdgeRow(int32_t band, int32_t side, int32_t field, int32_t line) const {
     return m_edges.Row((int64_t{band * kSides + side} * m_frame.fields + field) * m_lag + line);
 }
 
-uint8_t *RowRoad::RawEdgeRow(int32_t band, int32_t side, int32_t row) const {
+uint8_t *StreamingPath::RawEdgeRow(int32_t band, int32_t side, int32_t row) const {
     return m_rawEdges.Row(int64_t{band * kSides + side} * m_spillReach + row);
 }
 
 // Pixels as they came, also those of rows that a neighbour has changed already.
-const uint8_t *RowRoad::RawRow(int32_t band, int32_t row) const {
+const uint8_t *StreamingPath::RawRow(int32_t band, int32_t row) const {
     const Band own = BandOf(band);
     if (m_frame.Viewed() || own.Has(row)) return m_frame.SourceRow(row);
     if (row < own.first) return RawEdgeRow(band - 1, 1, row - (own.first - m_spillReach));
     return RawEdgeRow(band + 1, 0, row - own.end);
 }
 
-HRESULT RowRoad::Fetch(int32_t row) const {
+HRESULT StreamingPath::Fetch(int32_t row) const {
     const RowSource *source = m_frame.source;
     return source != nullptr && source->view == nullptr ? source->fetch(source->context, row, m_frame.PixelRow(row)) : S_OK;
 }
 
 // `alpha` has `m_reach` bytes of room.
-void RowRoad::KeyRow(const Worker &worker, int32_t row, uint8_t *alpha) const {
+void StreamingPath::KeyRow(const Worker &worker, int32_t row, uint8_t *alpha) const {
     if (!m_frame.plan->hasAlpha) {
         std::memset(alpha, 255, static_cast<size_t>(m_frame.view.width));
         return;
     }
-    // Of a row no more is read than is its own: what stands beyond belongs to others, and its alpha is dropped.
+    // Reads only the row's own bytes; alpha beyond them would be discarded.
     worker.keyer.Key(m_frame.SourceRow(row), m_frame.OwnBytes(row), alpha);
 }
 
 // Alpha from the plane into the pixels.
-void RowRoad::IntoPixels(int32_t row) const {
+void StreamingPath::IntoPixels(int32_t row) const {
     const KeyingKernels &k = KeyingKernelsGet();
     uint8_t *pixels = m_frame.PixelRow(row);
     const uint8_t *source = m_spillReach > 0 && Keyed(row) ? pixels : m_frame.SourceRow(row);
@@ -133,7 +133,7 @@ void RowRoad::IntoPixels(int32_t row) const {
     }
 }
 
-HRESULT RowRoad::PlainRow(const Worker &worker, int32_t band, int32_t row) const {
+HRESULT StreamingPath::PlainRow(const Worker &worker, int32_t band, int32_t row) const {
     const HRESULT hr = IsEdge(band, row) ? S_OK : Fetch(row);
     if (FAILED(hr)) return hr;
     const KeyView &view = m_frame.view;
@@ -157,7 +157,7 @@ HRESULT RowRoad::PlainRow(const Worker &worker, int32_t band, int32_t row) const
 }
 
 // A row as the smoothing takes it: with slices the row of the plane as they leave it, otherwise a row of scratch.
-void RowRoad::MakeInput(const Worker &worker, int32_t row, uint8_t *dst) const {
+void StreamingPath::MakeInput(const Worker &worker, int32_t row, uint8_t *dst) const {
     const KeyView &view = m_frame.view;
     const auto measured = static_cast<size_t>(Keyed(row) ? 8 * view.blocks : 0);
     const auto reach = static_cast<size_t>(m_reach);
@@ -173,7 +173,7 @@ void RowRoad::MakeInput(const Worker &worker, int32_t row, uint8_t *dst) const {
     if (invert) KeyingKernelsGet().invert(dst, view.width, view.width < view.stride);
 }
 
-void RowRoad::FinishSmooth(const SmoothStream &stream, int32_t line, int32_t row) const {
+void StreamingPath::FinishSmooth(const SmoothStream &stream, int32_t line, int32_t row) const {
     const KeyView &view = m_frame.view;
     uint8_t *alpha = m_frame.AlphaRowOf(row);
     stream.Output(line, alpha);
@@ -186,7 +186,7 @@ void RowRoad::FinishSmooth(const SmoothStream &stream, int32_t line, int32_t row
 }
 
 // A fetched row, `row` counted from the edge's first one, as the neighbour will ask for it.
-void RowRoad::MakeEdge(const Worker &worker, int32_t band, int32_t side, int32_t row) const {
+void StreamingPath::MakeEdge(const Worker &worker, int32_t band, int32_t side, int32_t row) const {
     const Band own = BandOf(band);
     const int32_t at = (side == 0 ? own.first : own.end - m_edgeRows) + row;
     const int32_t line = row / m_frame.fields - (side == 0 ? 0 : m_edgeRows / m_frame.fields - m_lag);
@@ -196,7 +196,7 @@ void RowRoad::MakeEdge(const Worker &worker, int32_t band, int32_t side, int32_t
     std::memcpy(RawEdgeRow(band, side, raw), m_frame.PixelRow(at), 4 * static_cast<size_t>(m_frame.view.width));
 }
 
-HRESULT RowRoad::MakeEdges(int32_t band) {
+HRESULT StreamingPath::MakeEdges(int32_t band) {
     Worker &worker = m_workers[static_cast<size_t>(band)];
     const Band own = BandOf(band);
     worker.keyer.Start(m_frame.view, m_frame.plan);
@@ -218,7 +218,7 @@ HRESULT RowRoad::MakeEdges(int32_t band) {
 }
 
 // `measured` tells whether the row was measured just now.
-HRESULT RowRoad::TakeInput(const Worker &worker, int32_t band, int32_t row, uint8_t *dst, bool *measured) const {
+HRESULT StreamingPath::TakeInput(const Worker &worker, int32_t band, int32_t row, uint8_t *dst, bool *measured) const {
     const Band own = BandOf(band);
     const int32_t lagRows = m_lag * m_frame.fields;
     const int32_t field = row % m_frame.fields;
@@ -244,7 +244,7 @@ HRESULT RowRoad::TakeInput(const Worker &worker, int32_t band, int32_t row, uint
     return S_OK;
 }
 
-HRESULT RowRoad::SmoothStep(const Worker &worker, int32_t band, int32_t row, bool *measured) const {
+HRESULT StreamingPath::SmoothStep(const Worker &worker, int32_t band, int32_t row, bool *measured) const {
     const Band own = BandOf(band);
     const int32_t field = row % m_frame.fields;
     const int32_t t = row / m_frame.fields;
@@ -262,7 +262,7 @@ HRESULT RowRoad::SmoothStep(const Worker &worker, int32_t band, int32_t row, boo
     return S_OK;
 }
 
-void RowRoad::SpillStep(Worker &worker, int32_t band, int32_t row, bool measured) const {
+void StreamingPath::SpillStep(Worker &worker, int32_t band, int32_t row, bool measured) const {
     const Band own = BandOf(band);
     if (row < own.first - m_spillReach || row >= own.end + m_spillReach) return;
     const uint8_t *space = nullptr;
@@ -275,7 +275,7 @@ void RowRoad::SpillStep(Worker &worker, int32_t band, int32_t row, bool measured
 
 // Row by row: each row that goes in lets the smoothing finish the alpha of one above it and the spill the colour of another;
 // a row for which both are done takes its alpha.
-HRESULT RowRoad::Walk(int32_t band) {
+HRESULT StreamingPath::Walk(int32_t band) {
     Worker &worker = m_workers[static_cast<size_t>(band)];
     const Band own = BandOf(band);
     const int32_t lag = std::max(m_lag * m_frame.fields, m_spillReach);

@@ -11,11 +11,11 @@
 
 namespace zck {
 
-class RowRoad {
+class StreamingPath {
 public:
     static constexpr int32_t kBandsMax = 16;
 
-    /// The frame has a shape for this road: 32-bit pixels in whole steps, no byte of a row that lands in another row, not
+    /// The frame has a shape for this path: 32-bit pixels in whole steps, no byte of a row that lands in another row, not
     /// more rounds of smoothing than pay.
     static bool Serves(const RowFrame &frame);
 
@@ -33,7 +33,7 @@ public:
     HRESULT Walk(int32_t band);
 
 private:
-    /// What one band's thread works with.
+    /// The scratch of one band's thread.
     struct Worker {
         RowKeyer keyer;
         SmoothStream streams[2];

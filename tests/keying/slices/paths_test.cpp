@@ -1,7 +1,7 @@
 // Frames keyed row by row, in bands, against the same frames keyed plane by plane, in slices: every byte must agree.
 #include <gtest/gtest.h>
 
-#include "keying/pipeline/row_road.h"
+#include "keying/pipeline/streaming_path.h"
 #include "keying/slices/slices.h"
 #include "platform/status.h"
 #include "tests/keying/pipeline/image_fixture.h"
@@ -41,7 +41,7 @@ enum class Way { Planes, PlanesViewed, Rows, RowsFetched, RowsViewed };
 Result Run(CSliceThreads &pool, const Z_VID_PROPS &props, const CHROMA_KEY_RAW &key, Way way, uint32_t seed = 3) {
     const bool fetched = way == Way::RowsFetched;
     const bool viewed = way == Way::PlanesViewed || way == Way::RowsViewed;
-    RowRoad::Allow(way != Way::Planes && way != Way::PlanesViewed);
+    StreamingPath::Allow(way != Way::Planes && way != Way::PlanesViewed);
     Guarded pixels(test::PixelBytes(props));
     Guarded alpha(test::AlphaBytes(props));
     test::FillNoise(alpha.Data(), alpha.Size(), seed);
@@ -49,9 +49,9 @@ Result Run(CSliceThreads &pool, const Z_VID_PROPS &props, const CHROMA_KEY_RAW &
     Picture picture{pixels.Bytes(), props.nRowBytes};
     const RowSource source{&picture, viewed ? nullptr : Picture::Fetch, viewed ? Picture::View : nullptr};
     if (fetched || viewed) std::fill_n(pixels.Data(), pixels.Size(), uint8_t{0x11});
-    const HRESULT hr =
-        pool.Dispatch(pixels.Data(), alpha.Data(), &props, &key, true, false, fetched || viewed ? &source : nullptr);
-    RowRoad::Allow(true);
+    const HRESULT hr = pool.Dispatch(pixels.Data(), alpha.Data(), &props, &key, WriteAlpha::Yes, ReturnEarly::No,
+                                     fetched || viewed ? &source : nullptr);
+    StreamingPath::Allow(true);
     return {hr, pixels.Bytes(), alpha.Bytes(), pixels.GuardsHold() && alpha.GuardsHold()};
 }
 
@@ -95,7 +95,7 @@ CHROMA_KEY_RAW RichKey(eCK_Type type, bool reverse) {
     return key;
 }
 
-TEST(Roads, agree_over_counts_heights_and_smoothing) {
+TEST(Paths, AgreeOverCountsHeightsAndSmoothing) {
     for (int32_t n = 1; n <= 16; ++n) {
         CSliceThreads pool;
         pool.SetThreadCount(n);
@@ -114,7 +114,7 @@ TEST(Roads, agree_over_counts_heights_and_smoothing) {
     }
 }
 
-TEST(Roads, agree_over_widths_padding_and_inversion) {
+TEST(Paths, AgreeOverWidthsPaddingAndInversion) {
     for (const int32_t n : {1, 2, 3, 6}) {
         CSliceThreads pool;
         pool.SetThreadCount(n);
@@ -147,7 +147,7 @@ CHROMA_KEY_RAW SpillKey(eCK_Type type, int32_t keys, int32_t cancel) {
     return key;
 }
 
-TEST(Roads, agree_over_heights_where_spill_is_moved) {
+TEST(Paths, AgreeOverHeightsWhereSpillIsMoved) {
     for (int32_t n = 1; n <= 16; ++n) {
         CSliceThreads pool;
         pool.SetThreadCount(n);
@@ -165,7 +165,7 @@ TEST(Roads, agree_over_heights_where_spill_is_moved) {
     }
 }
 
-TEST(Roads, agree_over_widths_and_padding_where_spill_is_moved) {
+TEST(Paths, AgreeOverWidthsAndPaddingWhereSpillIsMoved) {
     for (const int32_t n : {1, 2, 3, 6}) {
         CSliceThreads pool;
         pool.SetThreadCount(n);
@@ -182,7 +182,7 @@ TEST(Roads, agree_over_widths_and_padding_where_spill_is_moved) {
     }
 }
 
-TEST(Roads, agree_over_key_spaces_and_key_counts_where_spill_is_moved) {
+TEST(Paths, AgreeOverKeySpacesAndKeyCountsWhereSpillIsMoved) {
     for (const int32_t n : {1, 2, 5}) {
         CSliceThreads pool;
         pool.SetThreadCount(n);
@@ -204,7 +204,7 @@ TEST(Roads, agree_over_key_spaces_and_key_counts_where_spill_is_moved) {
     }
 }
 
-TEST(Roads, agree_over_key_spaces_and_key_counts) {
+TEST(Paths, AgreeOverKeySpacesAndKeyCounts) {
     for (const int32_t n : {1, 2, 5}) {
         CSliceThreads pool;
         pool.SetThreadCount(n);
@@ -228,7 +228,7 @@ TEST(Roads, agree_over_key_spaces_and_key_counts) {
     }
 }
 
-TEST(Roads, agree_without_an_alpha_key) {
+TEST(Paths, AgreeWithoutAnAlphaKey) {
     for (const int32_t n : {1, 2, 7}) {
         CSliceThreads pool;
         pool.SetThreadCount(n);
@@ -249,7 +249,7 @@ TEST(Roads, agree_without_an_alpha_key) {
     }
 }
 
-TEST(Roads, agree_on_a_large_frame_and_stay_agreed_when_memory_is_used_again) {
+TEST(Paths, AgreeOnALargeFrameAndStayAgreedWhenMemoryIsUsedAgain) {
     CSliceThreads pool;
     pool.SetThreadCount(2);
     CHROMA_KEY_RAW key = RichKey(eCKT_RGB, true);
@@ -260,8 +260,9 @@ TEST(Roads, agree_on_a_large_frame_and_stay_agreed_when_memory_is_used_again) {
     }
 }
 
-TEST(Roads, rows_really_differ_from_planes) {
-    // The comparison above means something only if the two ways are two: a frame that no row road serves fetches all first.
+TEST(Paths, RowsReallyDifferFromPlanes) {
+    // The comparison above means something only if the two ways are two: a frame that the streaming path does not serve fetches
+    // all first.
     struct Count {
         int32_t rows = 0;
         bool mixed = false;
@@ -277,18 +278,18 @@ TEST(Roads, rows_really_differ_from_planes) {
     pool.SetThreadCount(1);
     const Z_VID_PROPS props = Props(32, 20);
     for (const bool allowed : {false, true}) {
-        RowRoad::Allow(allowed);
+        StreamingPath::Allow(allowed);
         Guarded pixels(test::PixelBytes(props));
         Guarded alpha(test::AlphaBytes(props), 0x55);
         Count count;
         count.alpha = alpha.Data();
         const RowSource source{&count, Count::Fetch};
         const CHROMA_KEY_RAW key = GreenKey();
-        EXPECT_EQ(S_OK, pool.Dispatch(pixels.Data(), alpha.Data(), &props, &key, true, false, &source));
+        EXPECT_EQ(S_OK, pool.Dispatch(pixels.Data(), alpha.Data(), &props, &key, WriteAlpha::Yes, ReturnEarly::No, &source));
         EXPECT_EQ(20, count.rows);
         EXPECT_EQ(allowed, count.mixed);
     }
-    RowRoad::Allow(true);
+    StreamingPath::Allow(true);
 }
 
 }    // namespace

@@ -1,4 +1,4 @@
-#include "keying/pipeline/plane_road.h"
+#include "keying/pipeline/plane_path.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -35,9 +35,9 @@ struct KeySpace {
     int64_t row;      // readable from a row's start on
 };
 
-class PlaneRoad {
+class WholePlanePath {
 public:
-    PlaneRoad(const KeyView &view, const KeyPlan &plan, bool writeAlpha)
+    WholePlanePath(const KeyView &view, const KeyPlan &plan, bool writeAlpha)
         : m_view(view), m_plan(plan), m_writeAlpha(writeAlpha), m_kernels(KeyingKernelsGet()) {}
 
     HRESULT Run() {
@@ -249,7 +249,7 @@ private:
 }    // namespace
 
 HRESULT KeyByPlanes(const KeyView &view, const KeyPlan &plan, bool writeAlpha) {
-    return PlaneRoad(view, plan, writeAlpha).Run();
+    return WholePlanePath(view, plan, writeAlpha).Run();
 }
 
 }    // namespace zck
