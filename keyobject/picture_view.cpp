@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 
+#include "frames/media/row_count.h"
 #include "platform/status.h"
 
 namespace zck {
@@ -12,7 +13,7 @@ bool Is32BitRgb(eZFCC fcc) { return fcc == eZFCC_ARGB32 || fcc == eZFCC_RGB32; }
 bool Suits(const PictureView &view) {
     const Z_VID_PROPS &props = view.props;
     if (view.pixels == nullptr || !Is32BitRgb(props.fccType) || props.nWidth < 1 || props.nHeight == 0) return false;
-    const int64_t rows = std::abs(int64_t{props.nHeight});
+    const int64_t rows = RowCount(props.nHeight);
     const int64_t pixelBytes = int64_t{4} * props.nWidth;
     if (props.nRowBytes < pixelBytes || rows * props.nRowBytes > INT32_MAX) return false;
     return (rows - 1) * props.nRowBytes + pixelBytes <= view.bytes;

@@ -1,8 +1,7 @@
 #include "keyobject/preview.h"
 
-#include <cstdlib>
-
 #include "frames/media/pixel_format.h"
+#include "frames/media/row_count.h"
 #include "frames/media/video_props.h"
 #include "frames/memory/blob_holder.h"
 #include "frames/views/f_frame.h"
@@ -14,9 +13,9 @@
 namespace zck {
 namespace {
 
-int64_t RowsOf(const Z_VID_PROPS &props) { return std::abs(int64_t{props.nHeight}); }
-
-bool SameSize(const Z_VID_PROPS &a, const Z_VID_PROPS &b) { return a.nWidth == b.nWidth && RowsOf(a) == RowsOf(b); }
+bool SameSize(const Z_VID_PROPS &a, const Z_VID_PROPS &b) {
+    return a.nWidth == b.nWidth && RowCount(a.nHeight) == RowCount(b.nHeight);
+}
 
 HRESULT VideoPropsOf(IZFrame *frame, Z_VID_PROPS *props) {
     Z_AV_PROPS all = {};
@@ -33,7 +32,7 @@ HRESULT Fit(IZFrame *background, const Z_VID_PROPS &like, ComPtr<IZFrame> *fit) 
     Z_VID_PROPS wanted = {};
     wanted.nWidth = like.nWidth;
     // A sign says the order of rows only within the RGB family.
-    wanted.nHeight = IsRgbFormat(own.fccType) ? like.nHeight : static_cast<int32_t>(RowsOf(like));
+    wanted.nHeight = IsRgbFormat(own.fccType) ? like.nHeight : static_cast<int32_t>(RowCount(like.nHeight));
     hr = background->FrameConvert(&wanted, fit->Put(), nullptr);
     if (FAILED(hr)) {
         fit->Reset();

@@ -1,6 +1,5 @@
 // The reference of the entries for planes: scalar, dull, and never to be made faster.
-#include <algorithm>
-
+#include "imaging/primitives/bt601_ref.h"
 #include "imaging/primitives/row_kernels.h"
 
 namespace zck {
@@ -54,37 +53,18 @@ void Mean(uint8_t *dst, const uint8_t *a, const uint8_t *b, int32_t count) {
     for (int64_t i = 0; i < count; ++i) dst[i] = static_cast<uint8_t>((a[i] + b[i] + 1) / 2);
 }
 
-int64_t FloorDiv(int64_t a, int64_t b) { return a >= 0 ? a / b : -((-a + b - 1) / b); }
-
-// thousandths / (1000 * parts), to the nearest, ties up.
-uint8_t Rounded(int64_t thousandths, int64_t parts = 1) {
-    return static_cast<uint8_t>(std::clamp<int64_t>(FloorDiv(thousandths + 500 * parts, 1000 * parts), 0, 255));
-}
-
-void Decode(uint8_t *dst, int32_t luma, int32_t chromaB, int32_t chromaR, uint8_t alpha) {
-    const int32_t y = 1164 * (luma - 16);
-    const int32_t cb = chromaB - 128;
-    const int32_t cr = chromaR - 128;
-    dst[0] = Rounded(y + 2017 * cb);
-    dst[1] = Rounded(y - 813 * cr - 392 * cb);
-    dst[2] = Rounded(y + 1596 * cr);
-    dst[3] = alpha;
-}
-
 void PlanesToBgra(uint8_t *dst, const uint8_t *y, const uint8_t *cb, const uint8_t *cr, int32_t width, uint8_t alpha) {
-    for (int64_t x = 0; x < width; ++x) Decode(dst + 4 * x, y[x], cb[x / 2], cr[x / 2], alpha);
+    for (int64_t x = 0; x < width; ++x) Bt601Decode(dst + 4 * x, y[x], cb[x / 2], cr[x / 2], alpha);
 }
 
 void Nv12ToBgra(uint8_t *dst, const uint8_t *y, const uint8_t *cbcr, int32_t width, uint8_t alpha) {
-    for (int64_t x = 0; x < width; ++x) Decode(dst + 4 * x, y[x], cbcr[x / 2 * 2], cbcr[x / 2 * 2 + 1], alpha);
+    for (int64_t x = 0; x < width; ++x) Bt601Decode(dst + 4 * x, y[x], cbcr[x / 2 * 2], cbcr[x / 2 * 2 + 1], alpha);
 }
-
-uint8_t Luma(const uint8_t *p) { return Rounded(257 * p[2] + 504 * p[1] + 98 * p[0] + 16000); }
 
 void BgraTo420(uint8_t *y0, uint8_t *y1, uint8_t *cb, uint8_t *cr, const uint8_t *src0, const uint8_t *src1, int32_t width) {
     for (int64_t x = 0; x < width; ++x) {
-        y0[x] = Luma(src0 + 4 * x);
-        y1[x] = Luma(src1 + 4 * x);
+        y0[x] = Bt601Luma(src0 + 4 * x);
+        y1[x] = Bt601Luma(src1 + 4 * x);
     }
     for (int64_t x = 0; x < width; x += 2) {
         const int64_t next = x + 1 < width ? 4 : 0;
@@ -93,8 +73,8 @@ void BgraTo420(uint8_t *y0, uint8_t *y1, uint8_t *cb, uint8_t *cr, const uint8_t
         const int32_t b = p[0] + p[next] + q[0] + q[next];
         const int32_t g = p[1] + p[next + 1] + q[1] + q[next + 1];
         const int32_t r = p[2] + p[next + 2] + q[2] + q[next + 2];
-        cb[x / 2] = Rounded(-148 * r - 291 * g + 439 * b + 512000, 4);
-        cr[x / 2] = Rounded(439 * r - 368 * g - 71 * b + 512000, 4);
+        cb[x / 2] = Bt601Cb(b, g, r, 4);
+        cr[x / 2] = Bt601Cr(b, g, r, 4);
     }
 }
 

@@ -1,6 +1,7 @@
 // The reference: scalar, dull, and never to be made faster. It says what the bytes are.
 #include <algorithm>
 
+#include "imaging/primitives/bt601_ref.h"
 #include "imaging/primitives/row_kernels.h"
 
 namespace zck {
@@ -82,13 +83,6 @@ struct Yuy2 {
     static constexpr int kY0 = 0, kY1 = 2, kCb = 1, kCr = 3;
 };
 
-int64_t FloorDiv(int64_t a, int64_t b) { return a >= 0 ? a / b : -((-a + b - 1) / b); }
-
-// thousandths / (1000 * parts), to the nearest, ties up.
-uint8_t Rounded(int64_t thousandths, int64_t parts = 1) { return Clamp(FloorDiv(thousandths + 500 * parts, 1000 * parts)); }
-
-uint8_t Luma(const uint8_t *p) { return Rounded(257 * p[2] + 504 * p[1] + 98 * p[0] + 16000); }
-
 template <class Order>
 void BgraTo422(uint8_t *dst, const uint8_t *src, int32_t width) {
     for (int64_t x = 0; x < width; x += 2) {
@@ -96,10 +90,10 @@ void BgraTo422(uint8_t *dst, const uint8_t *src, int32_t width) {
         const uint8_t *q = x + 1 < width ? p + 4 : p;
         const int32_t b = p[0] + q[0], g = p[1] + q[1], r = p[2] + q[2];
         uint8_t *group = dst + 2 * x;
-        group[Order::kY0] = Luma(p);
-        if (x + 1 < width) group[Order::kY1] = Luma(q);
-        group[Order::kCb] = Rounded(-148 * r - 291 * g + 439 * b + 256000, 2);
-        group[Order::kCr] = Rounded(439 * r - 368 * g - 71 * b + 256000, 2);
+        group[Order::kY0] = Bt601Luma(p);
+        if (x + 1 < width) group[Order::kY1] = Bt601Luma(q);
+        group[Order::kCb] = Bt601Cb(b, g, r, 2);
+        group[Order::kCr] = Bt601Cr(b, g, r, 2);
     }
 }
 
@@ -107,13 +101,7 @@ template <class Order>
 void BgraFrom422(uint8_t *dst, const uint8_t *src, int32_t width, uint8_t alpha) {
     for (int64_t x = 0; x < width; ++x) {
         const uint8_t *group = src + 4 * (x / 2);
-        const int32_t y = 1164 * (group[x % 2 != 0 ? Order::kY1 : Order::kY0] - 16);
-        const int32_t cb = group[Order::kCb] - 128;
-        const int32_t cr = group[Order::kCr] - 128;
-        dst[4 * x] = Rounded(y + 2017 * cb);
-        dst[4 * x + 1] = Rounded(y - 813 * cr - 392 * cb);
-        dst[4 * x + 2] = Rounded(y + 1596 * cr);
-        dst[4 * x + 3] = alpha;
+        Bt601Decode(dst + 4 * x, group[x % 2 != 0 ? Order::kY1 : Order::kY0], group[Order::kCb], group[Order::kCr], alpha);
     }
 }
 

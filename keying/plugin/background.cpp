@@ -1,11 +1,11 @@
 #include "keying/plugin/background.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <vector>
 
 #include "frames/factory/factory.h"
 #include "frames/media/pixel_format.h"
+#include "frames/media/row_count.h"
 #include "frames/media/video_format.h"
 #include "imaging/colour/fill.h"
 #include "platform/status.h"
@@ -31,7 +31,7 @@ Z_VID_PROPS PropsLike(const Z_VID_PROPS *like) {
     }
     props.fccType = eZFCC_RGB32;
     props.nRowBytes = RowBytes(props.fccType, props.nWidth);
-    props.nHeight = -static_cast<int32_t>(std::min<int64_t>(std::abs(int64_t{props.nHeight}), INT32_MAX));
+    props.nHeight = -static_cast<int32_t>(std::min<int64_t>(RowCount(props.nHeight), INT32_MAX));
     return props;
 }
 

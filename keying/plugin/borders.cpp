@@ -1,7 +1,8 @@
 #include "keying/plugin/borders.h"
 
 #include <algorithm>
-#include <cstdlib>
+
+#include "frames/media/row_count.h"
 
 namespace zck {
 
@@ -12,7 +13,7 @@ int32_t Saturated(int64_t value) { return static_cast<int32_t>(std::clamp<int64_
 }    // namespace
 
 tagRECT BordersRect(const Borders &borders, const Z_VID_PROPS &props) {
-    const int64_t height = std::abs(static_cast<int64_t>(props.nHeight));
+    const int64_t height = RowCount(props.nHeight);
     tagRECT rect;
     rect.left = Saturated((static_cast<int64_t>(borders.left) + 7) & ~int64_t{7});
     rect.top = borders.top;

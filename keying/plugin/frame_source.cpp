@@ -1,8 +1,9 @@
 #include "keying/plugin/frame_source.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
+
+#include "frames/media/row_count.h"
 
 namespace zck {
 
@@ -24,8 +25,8 @@ bool CFrameSource::PrepareRows() {
     // Picture rows and stored rows are the same in a top-down clone.
     if (m_shell.bConvert != 0) return clone.nHeight < 0 && PrepareConversion();
     if (clone.nRowBytes <= 0) return false;
-    // What a buffer holds behind its rows comes along as well.
-    const int64_t end = std::abs(static_cast<int64_t>(clone.nHeight)) * clone.nRowBytes;
+    // Bytes behind the last row are copied as well.
+    const int64_t end = RowCount(clone.nHeight) * clone.nRowBytes;
     m_bInPlace = end <= m_shell.cbSource;
     if (end < m_shell.cbClone)
         std::memcpy(Pixels() + end, reinterpret_cast<const uint8_t *>(m_shell.pbSource) + end,

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "frames/media/pixel_format.h"
+#include "frames/media/row_count.h"
 #include "keying/kernels/filter_plane.h"
 #include "keying/spill/rgb_row.h"
 #include "keying/spill/spill_rows.h"
@@ -13,8 +14,6 @@
 
 namespace zck {
 namespace {
-
-int32_t RowsOf(const Z_VID_PROPS &props) { return props.nHeight < 0 ? -props.nHeight : props.nHeight; }
 
 class PictureRows : public SpillSource {
 public:
@@ -69,11 +68,11 @@ public:
         source.eVideoFormat = eZVF_Custom;
         // Rows are walked as they stand in memory, and fields are not told apart here.
         source.eInterlace = eZI_Progressive;
-        source.nHeight = -RowsOf(source);
+        source.nHeight = -static_cast<int32_t>(RowCount(source.nHeight));
         Z_VID_PROPS target = source;
         target.fccType = eZFCC_YUY2;
         target.nRowBytes = static_cast<int32_t>(rowBytes);
-        const int64_t wholeBytes = rowBytes * RowsOf(target);
+        const int64_t wholeBytes = rowBytes * RowCount(target.nHeight);
         // The records of the whole picture say whether it can be done, and how far apart its rows are.
         ConvertPlan whole;
         HRESULT hr = whole.Prepare(&target, wholeBytes, &source, m_image.pixelBytes);
@@ -113,7 +112,7 @@ bool OutOfStep(const SpillImage &image, int64_t step) {
 
 HRESULT Walk(const SpillImage &image, const SpillPlan &plan, bool lumaFirst, PictureRows *source) {
     const Z_VID_PROPS &props = *image.props;
-    const int32_t height = RowsOf(props);
+    const auto height = static_cast<int32_t>(RowCount(props.nHeight));
     if (props.nWidth < 2 || height < 1) return StatusOf(0x80000000U | static_cast<uint32_t>(kFilterSizeError));
     SpillRows rows;
     const SpillShape shape{props.nWidth, height, BlocksOf(image), image.stride == props.nWidth};

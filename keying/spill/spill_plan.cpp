@@ -11,13 +11,6 @@ constexpr int32_t kPerPixel = 2;        // of `bColorCancel`
 constexpr int32_t kUninverted = 2;      // bit of `nInverseKey`
 constexpr int32_t kSmoothRange = 10;    // of the mask, whatever the entry's own is
 
-// Pixels hold blue where keys of type RGB hold red.
-int32_t InPixelOrder(int32_t word, eCK_Type type) {
-    if (type != eCKT_RGB) return word;
-    const auto w = static_cast<uint32_t>(word);
-    return static_cast<int32_t>((w & 0xFF00FF00U) | ((w & 0xFFU) << 16) | ((w >> 16) & 0xFFU));
-}
-
 int32_t Widened(int32_t delta, int32_t range) {
     uint32_t wide = 0;
     for (int j = 0; j < 4; ++j) {
