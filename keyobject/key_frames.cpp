@@ -22,7 +22,7 @@ HRESULT KeyFrames::Set(IUnknown *keying, IUnknown *background) {
     if (!FrameOf(keying, &next.keying) || !FrameOf(background, &next.background)) return E_NOINTERFACE;
     HRESULT hr = S_OK;
     if (next.keying) hr = CloneOf(next.keying.get(), eZFC_VideoRef, eZFCC_ARGB32, &next.keyingArgb);
-    // What is replaced leaves with `next`, after the lock.
+    // The replaced references are released with `next`, after the lock.
     const std::lock_guard guard(m_lock);
     if (next.keying) {
         m_frames.keying.Swap(next.keying);

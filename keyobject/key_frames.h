@@ -7,7 +7,7 @@
 
 namespace zck {
 
-/// What the key object works with at one moment. Holds references of its own.
+/// The key object's frames at one moment. Holds references of its own.
 struct FrameSet {
     ComPtr<IZFrame> keying;           ///< reference frame as given
     ComPtr<IZFrame> keyingArgb;       ///< its view in `eZFCC_ARGB32`; empty where it could not be made

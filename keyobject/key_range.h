@@ -24,7 +24,7 @@ struct KeyRangeSet {
     uint8_t changed = 0;    ///< set by every addition and merge; nothing reads it
 };
 
-/// What became of a range that was offered to a set.
+/// The fate of a range that was offered to a set.
 enum class RangeResult : int32_t {
     Refused = -1,    ///< too far from all ranges, or no slot left
     Covered = 0,     ///< a range holds it, or was so small that it has taken its place

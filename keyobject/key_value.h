@@ -40,7 +40,7 @@ public:
     HRESULT Z_STDCALL KeyRawSet(CHROMA_KEY_RAW *_pvmKey, CK_ADJUST *_pKeyAdjust) override;
     HRESULT Z_STDCALL KeyRawGet(CHROMA_KEY_RAW *_pvmKey, CK_ADJUST *_pKeyAdjust) override;
 
-    // Of IZPersistImpl
+    // IZPersistImpl
     HRESULT PersistTransfer(Transfer direction, TextView object, const XMLParse::XMLNodePtr &root, TextView path,
                             const XMLParse::XMLNodePtr &param);
     static const CLSID &PersistClassId();
@@ -62,12 +62,12 @@ private:
     HRESULT Edit(IUnknown **out, Body edit) noexcept;
 
     CriticalSection m_editLock;
-    // Of the edit lock.
+    // Guarded by the edit lock.
     KeyHistory m_history;
     WorkingImage m_work;
     ComPtr<IZFrames> m_factory;    // of block pictures; made with the first
     mutable CriticalSection m_stepLock;
-    KeyStep m_step;    // of the step lock
+    KeyStep m_step;    // guarded by the step lock
     KeyFrames m_frames;
 };
 

@@ -1,4 +1,4 @@
-// What the module that holds this code knows about itself: the library, or a program that it is linked into.
+// Facts about the module that holds this code: the library, or a program that it is linked into.
 #pragma once
 
 #include "platform/text.h"

@@ -1,4 +1,4 @@
-// What the system says about the processor; the back-ends' part of `processor.h`.
+// The processor as the system describes it; the back-ends' part of `processor.h`.
 #pragma once
 
 #include <cstdint>

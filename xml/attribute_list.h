@@ -5,7 +5,7 @@
 
 namespace zck::XMLParse {
 
-/// What becomes of attributes that exist.
+/// How attributes that exist are treated.
 enum ListMode : int32_t {
     kListKeep = 0,
     kListOverwrite = 1,

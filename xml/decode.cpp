@@ -51,7 +51,7 @@ Text FromUnits(std::string_view bytes, bool highFirst) {
     return text;
 }
 
-/// What the bytes say that they are; empty when they say nothing, or the untruth.
+/// The encoding that the bytes declare; empty when they declare none, or one that they do not have.
 Text DecodeBySigns(std::string_view bytes) {
     if (bytes.starts_with(kUtf8Mark) || DeclaresUtf8(bytes)) return StrictUtf8(bytes);
     if (bytes.starts_with("+/v"sv)) return TextFromUtf7(bytes);

@@ -42,7 +42,7 @@ HRESULT SaveFile(CoXMLNode &node, TextView path, bool unicode, BSTR *out) noexce
         const Text text = XMLText(node);
         if (!path.empty()) {
             const std::string bytes = unicode ? BytesOfUnits(text) : CodePageFromText(text);
-            // What the system says against the file is not told.
+            // The system's error is not handed on.
             if (FileWrite(path, bytes) == E_OUTOFMEMORY) return E_OUTOFMEMORY;
         }
         if (text.empty()) return E_UNEXPECTED;

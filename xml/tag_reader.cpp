@@ -55,7 +55,7 @@ TextView NameAt(TextView text) noexcept {
 void ReadCData(TextView text, size_t from, Tag &tag) noexcept {
     size_t close = text.find(kCDataEnd, from);
     tag.end = close == TextView::npos ? text.size() : close + kCDataEnd.size();
-    // Without its closing the last three characters stand for it.
+    // A section that is not closed gives up its last three characters as if they were the closing.
     if (close == TextView::npos) close = std::max(from, text.size() - std::min(text.size(), kCDataEnd.size()));
     tag.rest = text.substr(from, close - from);
     tag.kind = TagKind::CData;

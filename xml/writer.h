@@ -12,7 +12,7 @@ Text XMLText(CoXMLNode &node, int32_t depth = 0);
 /// The same as a counted string.
 HRESULT WriteXML(CoXMLNode &node, BSTR *out) noexcept;
 
-/// What stands between the tags of a node, in one line.
+/// A node's content between its tags, in one line.
 Text InnerXML(CoXMLNode &node);
 
 /// "<", ">" and "&" become entities; quotes stay.

@@ -20,7 +20,7 @@ HRESULT DataPackOne(const DataBlob &blob, int32_t &size, void *&block);
 /// `E_OUTOFMEMORY` leaves the entries that came before.
 HRESULT DataUnpack(const uint8_t *packed, int64_t size, DataMap &map);
 
-/// What packing and unpacking make of `source`: names become codes, entries without a code are lost, inline values become 8
+/// Copies `source` as packing and unpacking would: names become codes, entries without a code are lost, inline values become 8
 /// bytes. Other bytes are shared.
 HRESULT DataTakeCoded(const DataMap &source, DataMap &map);
 

@@ -102,7 +102,7 @@ eZVideoFormat FindHigh(const Z_VID_PROPS &p, int64_t h) {
     return f != eZVF_Custom ? With(f, p.e3DFormat & kStereo) : f;
 }
 
-// Without the stereo layout.
+// Leaves the stereo layout out.
 eZVideoFormat FindUltraHigh(const Z_VID_PROPS &p, int64_t h) {
     if (h < 2160) return eZVF_Custom;
     if (p.nWidth == 3840)

@@ -20,7 +20,7 @@ HRESULT CopyInto(CBLOBHolder<CHeapAlloc> &bytes, const void *data, int64_t size)
     return std::min(hr, S_OK);
 }
 
-// Of a frame of another process, which gives a copy.
+// For a frame of another process, which gives a copy.
 HRESULT SoundOfRemote(IZFFrame *source, CBLOBHolder<CHeapAlloc> &bytes) {
     const auto frame = QueryFor<IZFrame_I>(source);
     if (!frame) return E_NOINTERFACE;

@@ -12,7 +12,7 @@ namespace {
 
 int64_t Magnitude(int32_t value) { return std::abs(static_cast<int64_t>(value)); }
 
-// What the frame has no room for is cut off, and what is not given is filled from the frame's own record.
+// Cuts off what the frame has no room for, and fills what is not given from the frame's own record.
 Z_VID_PROPS RecordAs(eZFCC fcc, Z_VID_PROPS asked, const Z_VID_PROPS &own) {
     const bool sized = asked.nWidth != 0 && asked.nHeight != 0;
     asked.nWidth = sized ? asked.nWidth : own.nWidth;

@@ -110,7 +110,7 @@ HRESULT CCoZFrame2::ZFSaveAll(int32_t *_pcbBlock, int64_t *_ppbBlock, int32_t _n
     });
 }
 
-// What was read goes into the frame at one moment, also what came before a failure.
+// Puts everything that was read into the frame at one moment, also what came before a failure.
 template <class Body>
 HRESULT CCoZFrame2::Load(int32_t flags, uint32_t start, Body body) {
     FrameLoad load;

@@ -12,7 +12,7 @@ namespace zck {
 /// Formats that are the same bytes: HDYC reads as UYVY, RGB32 as ARGB32.
 bool SameBytes(eZFCC a, eZFCC b);
 
-/// What a clone in another format has to do.
+/// The work of a clone in another format.
 enum class CloneWork { Plain, Relabel, Convert };
 CloneWork CloneWorkOf(const Z_VID_PROPS &source, int32_t videoSize, eZFCC fcc);
 

@@ -7,7 +7,7 @@
 namespace zck {
 namespace {
 
-// What is allocated without a look at how much there is.
+// Allocated without a check of how many bytes follow.
 constexpr uint32_t kTrusted = uint32_t{64} << 10;
 // The first piece of a value that a stream cannot tell the end of.
 constexpr uint32_t kFirstPiece = uint32_t{1} << 20;

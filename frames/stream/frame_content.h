@@ -1,4 +1,4 @@
-// What a stored frame is made of, and which of it the caller's flags choose.
+// The parts of a stored frame, and those that the caller's flags choose.
 #pragma once
 
 #include "frames/data/named_data.h"

@@ -14,7 +14,7 @@ constexpr uint32_t kGrain = 32;    // sizes of blocks are multiples of it
 class ByteSink {
 public:
     virtual HRESULT Put(const void *bytes, uint32_t count) = 0;
-    /// What of a text is written.
+    /// The part of a text that is written.
     virtual TextView Written(const Text &text) const = 0;
 
 protected:

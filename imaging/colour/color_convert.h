@@ -10,7 +10,7 @@
 
 namespace zck {
 
-/// What conversions of one caller share. Conversions with one state run one after the other.
+/// State that conversions of one caller share. Conversions with one state run one after the other.
 struct ImgConvertState {
     CriticalSection cs;
 };

@@ -24,7 +24,7 @@ void Decode709(uint8_t *dst, const uint8_t *src, int64_t pairs) {
     }
 }
 
-// Without bias.
+// The sums have no bias yet.
 int32_t Luma(const uint8_t *p) { return 16 * p[0] + 157 * p[1] + 49 * p[2]; }
 int32_t Cb(const uint8_t *p) { return 112 * p[0] - 87 * p[1] - 26 * p[2]; }
 int32_t Cr(const uint8_t *p) { return -10 * p[0] - 102 * p[1] + 112 * p[2]; }

@@ -42,7 +42,7 @@ int64_t Rounded(double n) {
 int64_t Times(int64_t n, double scale) { return Rounded(static_cast<double>(n) * scale); }
 int64_t Over(int64_t n, double scale) { return Rounded(static_cast<double>(n) / scale); }
 
-// What lies outside of one rectangle's image goes, and the other rectangle gives up its share.
+// Cuts off what lies outside of one rectangle's image, and the matching share of the other rectangle.
 void ClipStart(int64_t &src, int64_t &dst, double scale) {
     if (src < 0) {
         dst -= Times(src, scale);

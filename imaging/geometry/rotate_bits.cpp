@@ -112,7 +112,7 @@ HRESULT Turn422(const Turn &turn, const Image &from, const Image &to) {
     const size_t second = Planes::Bytes(b.width, b.rows);
     std::vector<uint8_t> &memory = turn.scratch->planes;
     memory.resize(first + second);
-    // What a turn by fields does not write is 0.
+    // Bytes that a turn by fields does not write are 0.
     std::fill(memory.begin() + static_cast<std::ptrdiff_t>(first), memory.end(), uint8_t{0});
     const Planes source(memory.data(), a.width, a.rows);
     const Planes target(memory.data() + first, b.width, b.rows);

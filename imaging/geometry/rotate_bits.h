@@ -10,7 +10,7 @@
 
 namespace zck {
 
-/// What a turn keeps from frame to frame.
+/// Scratch that a turn keeps from frame to frame.
 struct RotateScratch {
     Resizer resizer[3];
     std::vector<uint8_t> planes;

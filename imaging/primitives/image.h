@@ -1,4 +1,4 @@
-// What the image primitives have in common.
+// Types that all image primitives share.
 //
 // An image argument is a pointer to the first pixel of the region and a signed step in bytes to the next row. A primitive
 // answers 0 when it is done and a negative value when it did nothing. No primitive allocates or keeps anything; they may run

@@ -90,7 +90,7 @@ void PrimitiveKernelsInitAvx2(PrimitiveKernels *table);
 /// The entries for planes, a part of `PrimitiveKernelsInitRef`.
 void PrimitivePlanesInitRef(PrimitiveKernels *table);
 
-/// What `PrimitiveKernelsInitAvx2` is made of, one for each file.
+/// The parts of `PrimitiveKernelsInitAvx2`, one for each file.
 void PrimitivePixelsInitAvx2(PrimitiveKernels *table);
 void PrimitiveArithmeticInitAvx2(PrimitiveKernels *table);
 void PrimitiveConvertInitAvx2(PrimitiveKernels *table);

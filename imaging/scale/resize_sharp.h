@@ -12,7 +12,7 @@
 
 namespace zck {
 
-/// Of one plane: tap tables, resizers and scratch.
+/// Tap tables, resizers and scratch of one plane.
 struct PlaneResizer {
     DynScaler dyn;
     Resizer resize;

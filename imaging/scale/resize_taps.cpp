@@ -47,7 +47,7 @@ int32_t Reach(int32_t code) {
 
 int64_t FloorDiv(int64_t a, int64_t b) { return a / b - (a % b < 0 ? 1 : 0); }
 
-// What rounding left over goes to the largest tap.
+// The largest tap takes the rest that rounding left.
 void MakeExact(ResizeTaps &taps) {
     int32_t sum = 0;
     int32_t largest = 0;

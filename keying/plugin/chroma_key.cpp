@@ -24,7 +24,8 @@ CCoZChromaKey::CCoZChromaKey() : m_outputDone(true, true), m_key{}, m_adjust(Adj
         const HRESULT hr = m_props.Set(TextFromUtf8(property.pszName), Bstr(TextFromUtf8(property.pszDefault)).get(), changed);
         if (FAILED(hr)) throw std::bad_alloc();
     }
-    // What cannot be read leaves the defaults. Half of it for want of memory would be another plug-in.
+    // Stored properties that cannot be read leave their defaults. Running out of memory half-way is a failure: the plug-in
+    // would behave as nobody configured it.
     if (m_props.LoadStored(kSettingsKey) == E_OUTOFMEMORY) throw std::bad_alloc();
 }
 

@@ -42,7 +42,7 @@ public:
     HRESULT Z_STDCALL OnMediaEnd(int64_t _llCallbackUserData, IUnknown *_pSender, uint32_t _dwFlags) override;
     HRESULT Z_STDCALL OnMediaFlush(int64_t _llCallbackUserData, IUnknown *_pSender, uint32_t _dwFlags) override;
 
-    // Of IZPersistImpl
+    // IZPersistImpl
     HRESULT PersistTransfer(Transfer direction, TextView object, const XMLParse::XMLNodePtr &root, TextView path,
                             const XMLParse::XMLNodePtr &param);
     static const CLSID &PersistClassId();

@@ -10,7 +10,7 @@
 
 namespace zck {
 
-/// What the block path does to each of the four bytes of a macro pixel, by position. Positions 0 and 2 are alike but for
+/// Parameters of the block path for each of the four bytes of a macro pixel, by position. Positions 0 and 2 are alike but for
 /// `key`, and so are 1 and 3.
 struct SpillBlockKey {
     int16_t move[4];    ///< strength with which the byte moves away from the key colour
@@ -19,7 +19,7 @@ struct SpillBlockKey {
     int16_t zero[4];    ///< 0 for luma, 128 for chroma
 };
 
-/// What the per-pixel path does.
+/// Parameters of the per-pixel path.
 struct SpillPixelKey {
     int32_t chromaAt;    ///< position of chroma 1, 0 or 1; chroma 2 is two bytes on, the lumas are at the other two
     int32_t mode;        ///< 1: green dominates the key colour; 0: blue

@@ -29,7 +29,7 @@ struct SpillPlan {
 /// spill key brings in every entry that is neither off nor a reverse key.
 SpillPlan SpillPlanMake(const CHROMA_KEY_RAW &key);
 
-/// What the kernels take, for a macro pixel with luma or chroma in its first byte.
+/// The kernels' parameters, for macro pixels with luma or with chroma in the first byte.
 SpillBlockKey SpillBlockKeyOf(const SpillPlan &plan, const SpillEntry &entry, bool lumaFirst);
 SpillPixelKey SpillPixelKeyOf(const SpillPlan &plan, const SpillEntry &entry, bool lumaFirst);
 

@@ -110,7 +110,7 @@ private:
     const std::string_view m_path;
 };
 
-/// What the tightest of a group and the groups around it has left.
+/// Memory left to the tightest of a control group and the groups around it.
 uint64_t FreeInGroups(const GroupFiles &files, std::string_view path, uint64_t swapFree) noexcept {
     uint64_t least = kNoLimit;
     while (path.ends_with('/')) path.remove_suffix(1);

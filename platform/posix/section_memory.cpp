@@ -25,7 +25,7 @@ constexpr int kTries = 16;
 constexpr int32_t kNone = -1;
 constexpr uint64_t kMark = 0x315245464655425A;
 
-/// What an object holds in place of the bytes. Its size tells it from them, as bytes come in whole pages.
+/// The object holds this in place of the bytes. The sizes differ, since bytes come in whole pages.
 struct Record {
     uint64_t mark = kMark;
     uint64_t bytes = 0;
@@ -150,7 +150,7 @@ AttachedMemory::~AttachedMemory() {
 
 bool ReserveMemory(int object, uint64_t bytes, AttachedMemory &memory) noexcept {
     if (bytes <= kLargest && TakeRoom(object, WholePages(bytes), memory)) return true;
-    // Whatever is short is the same to the caller.
+    // The caller does not distinguish what was short.
     errno = ENOSPC;
     return false;
 }

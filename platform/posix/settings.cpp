@@ -169,7 +169,7 @@ HRESULT SettingsLoad(TextView key, std::vector<StoredSetting> &settings) noexcep
         if (path.empty()) return E_INVALIDARG;
         const std::string folder = ConfigFolder();
         if (folder.empty()) return S_FALSE;
-        // Without waiting: a pipe in the file's place must not hold up an object's construction.
+        // Does not wait: a pipe in the file's place must not hold up an object's construction.
         const File file(open(Joined(folder, path).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
         if (file.get() < 0) return errno == ENOENT || errno == ENOTDIR ? S_FALSE : LastSystemError(E_FAIL);
         struct stat facts = {};

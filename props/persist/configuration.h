@@ -1,4 +1,4 @@
-// What `IZPersistImpl` does with parameters, trees and files; no class is known here.
+// The part of `IZPersistImpl` that deals with parameters, trees and files and knows no class.
 #pragma once
 
 #include "xml/node.h"

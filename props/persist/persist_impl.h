@@ -120,7 +120,7 @@ protected:
     std::atomic<bool> m_bDirty{false};
 
 private:
-    /// What a stream needs besides the text: a count and a zero, with room to spare.
+    /// Bytes that a stream needs besides the text: a count and a zero, with room to spare.
     static constexpr uint64_t kSizeMaxRoom = 16;
 
     T *Owner() noexcept { return static_cast<T *>(this); }

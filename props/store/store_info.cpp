@@ -1,4 +1,4 @@
-// What a store tells about its properties: how many, which, and what is known about them.
+// The answers of a store about its properties: how many there are, which, and their descriptions.
 #include <algorithm>
 #include <shared_mutex>
 

@@ -42,7 +42,7 @@ union ValueData {
 };
 static_assert(sizeof(ValueData) == 16);
 
-/// What a text means as `type`; an empty text is all zero. For `Text` the result says nothing.
+/// The value of a text read as `type`; an empty text is all zero. For `Text` the result says nothing.
 ValueData ValueFromText(ValueType type, TextView text);
 Text ValueToText(ValueType type, const ValueData &data);
 
