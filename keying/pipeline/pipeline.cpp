@@ -5,6 +5,7 @@
 #include "frames/media/pixel_format.h"
 #include "frames/media/row_count.h"
 #include "frames/media/video_props.h"
+#include "keying/pipeline/by_fields.h"
 #include "keying/pipeline/image_view.h"
 #include "keying/pipeline/plan.h"
 #include "keying/pipeline/plane_path.h"
@@ -13,23 +14,6 @@
 
 namespace zck {
 namespace {
-
-HRESULT KeyFields(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS &props, CHROMA_KEY_RAW key, bool writeAlpha,
-                  const KeyBounds &bounds) {
-    if (props.nRowBytes > std::numeric_limits<int32_t>::max() / 2) return E_INVALIDARG;
-    Z_VID_PROPS field = props;
-    field.nRowBytes *= 2;
-    field.nHeight /= 2;    // an odd last line belongs to no field
-    key.nInterlacedVideo = 0;
-    const HRESULT first = KeyImage(pixels, alpha, &field, &key, writeAlpha, bounds);
-    // A picture of one line has no second field.
-    if (field.nHeight == 0) return first;
-    KeyBounds lower = bounds;
-    lower.pixelBytes -= props.nRowBytes;
-    lower.alphaBytes -= AlphaStride(props);
-    const HRESULT second = KeyImage(pixels + props.nRowBytes, alpha + AlphaStride(props), &field, &key, writeAlpha, lower);
-    return FAILED(first) ? first : second;
-}
 
 // The frame as rows, if it has a shape for that.
 bool KeyRows(const KeyView &image, const KeyPlan &plan, bool fields, bool writeAlpha) {
@@ -68,7 +52,10 @@ HRESULT KeyImage(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS *props, cons
         const KeyView view = MakeView(pixels, alpha, props, AlphaStride(*props), bounds);
         const bool fields = key->nInterlacedVideo > 0;
         if (KeyRows(view, plan, fields, writeAlpha)) return plan.hasAlpha ? S_OK : S_FALSE;
-        if (fields) return KeyFields(pixels, alpha, *props, *key, writeAlpha, bounds);
+        if (fields)
+            return ByFields(pixels, alpha, *props, *key, bounds,
+                            [writeAlpha](uint8_t *p, uint8_t *a, const Z_VID_PROPS *field, const CHROMA_KEY_RAW *k,
+                                         const KeyBounds &own) { return KeyImage(p, a, field, k, writeAlpha, own); });
         return KeyByPlanes(view, plan, writeAlpha);
     });
 }

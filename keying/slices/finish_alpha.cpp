@@ -1,13 +1,13 @@
 #include "keying/slices/finish_alpha.h"
 
 #include <cstring>
-#include <limits>
 #include <vector>
 
 #include "frames/media/pixel_format.h"
 #include "frames/media/row_count.h"
 #include "frames/media/video_props.h"
 #include "keying/kernels/filter_plane.h"
+#include "keying/pipeline/by_fields.h"
 #include "keying/pipeline/image_view.h"
 #include "keying/pipeline/smooth_plane.h"
 #include "keying/slices/slices.h"
@@ -18,21 +18,6 @@ namespace {
 
 constexpr int64_t kPlaneMax = int64_t{1} << 40;
 constexpr int64_t kSlack = 64;
-
-HRESULT FinishFields(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS &props, CHROMA_KEY_RAW key, const KeyBounds &bounds) {
-    if (props.nRowBytes > std::numeric_limits<int32_t>::max() / 2) return E_INVALIDARG;
-    Z_VID_PROPS field = props;
-    field.nRowBytes *= 2;
-    field.nHeight /= 2;
-    key.nInterlacedVideo = 0;
-    const HRESULT first = FinishAlphaWithin(pixels, alpha, &field, &key, bounds);
-    if (field.nHeight == 0) return first;
-    KeyBounds lower = bounds;
-    lower.pixelBytes -= props.nRowBytes;
-    lower.alphaBytes -= AlphaStride(props);
-    const HRESULT second = FinishAlphaWithin(pixels + props.nRowBytes, alpha + AlphaStride(props), &field, &key, lower);
-    return FAILED(first) ? first : second;
-}
 
 HRESULT SmoothSeam(const KeyView &view, int32_t edges, std::vector<uint8_t> *rowScratch) {
     if (view.width < 3 || view.height < 3) return StatusOf(0x80000000U | static_cast<uint32_t>(kFilterSizeError));
@@ -85,7 +70,7 @@ HRESULT FinishAlphaWithin(uint8_t *pixels, uint8_t *alpha, const Z_VID_PROPS *pr
     const HRESULT hr = CheckProps(*props);
     if (FAILED(hr)) return hr;
     return Guarded([&] {
-        if (key->nInterlacedVideo >= 1) return FinishFields(pixels, alpha, *props, *key, bounds);
+        if (key->nInterlacedVideo >= 1) return ByFields(pixels, alpha, *props, *key, bounds, FinishAlphaWithin);
         return FinishView(MakeView(pixels, alpha, props, AlphaStride(*props), bounds), *key);
     });
 }
