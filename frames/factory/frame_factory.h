@@ -6,6 +6,7 @@
 #include "frames/object/pixel_work.h"
 #include "frames/views/frame_shell.h"
 #include "imaging/convert/frames_converter.h"
+#include "platform/worker_pool.h"
 
 namespace zck {
 
@@ -80,6 +81,7 @@ private:
     IPCBufferHeap m_heap;
     CriticalSection m_csConvert;
     FramesConverter m_converter;
+    const std::shared_ptr<WorkerPool> m_workers = WorkerPool::Shared();    // held so that its threads stay
 };
 
 }    // namespace zck

@@ -5,13 +5,14 @@
 
 #include "frames/media/pixel_format.h"
 #include "imaging/colour/convert.h"
-#include "platform/worker_thread.h"
+#include "platform/status.h"
+#include "platform/worker_pool.h"
 
 namespace zck {
 namespace {
 
 constexpr int32_t kMostJobs = 4;
-// A thread costs more than the rows of so many pixels.
+// To wake a thread costs more than the rows of so many pixels.
 constexpr int64_t kPixelsOfAJob = 128 * 1024;
 
 struct Job {
@@ -25,8 +26,6 @@ struct Job {
         plan->RunRows(src, dst, static_cast<int32_t>(rows * i / jobs), static_cast<int32_t>(rows * (i + 1) / jobs));
     }
 };
-
-void Body(void *owner, int32_t index, CWorkerThread &) { static_cast<const Job *>(owner)->Run(index); }
 
 int32_t JobsFor(const ConvertPlan &plan) {
     const int64_t pixels = int64_t{plan.Width()} * plan.Rows();
@@ -43,15 +42,15 @@ HRESULT CopyFrameCC_Thread(const uint8_t *src, int64_t srcBytes, uint8_t *dst, i
     ConvertPlan plan;
     const HRESULT hr = plan.Prepare(sp, srcBytes, tp, dstBytes);
     if (hr != S_OK) return hr;
-    Job job = {&plan, src, dst, JobsFor(plan)};
+    const Job job = {&plan, src, dst, JobsFor(plan)};
     if (!plan.RowsIndependent() || PlainFormat(sp->fccType) == PlainFormat(tp->fccType) || job.jobs == 1)
         return plan.Run(src, dst);
-    CWorkerThread workers[kMostJobs - 1] = {CWorkerThread(Body), CWorkerThread(Body), CWorkerThread(Body)};
-    for (int32_t i = 1; i < job.jobs; ++i)
-        if (FAILED(workers[i - 1].Start(&job, i))) job.Run(i);
-    job.Run(0);
-    for (CWorkerThread &worker : workers) worker.Stop(kInfinite, false);
-    return S_OK;
+    return Guarded([&] {
+        return WorkerPool::Shared()->Run(job.jobs, [&job](int32_t band) {
+            job.Run(band);
+            return S_OK;
+        });
+    });
 }
 
 }    // namespace zck
