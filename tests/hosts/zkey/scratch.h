@@ -2,8 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -19,8 +19,11 @@ public:
 
     /// Empty where the program wrote no such file.
     std::vector<uint8_t> Read(const std::string &name) const {
-        std::ifstream file(File(name), std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+        std::error_code none;
+        const std::uintmax_t size = std::filesystem::file_size(File(name), none);
+        std::vector<uint8_t> bytes(none ? 0 : static_cast<std::size_t>(size));
+        std::ifstream(File(name), std::ios::binary).read(reinterpret_cast<char *>(bytes.data()), std::ssize(bytes));
+        return bytes;
     }
 
     std::string Text(const std::string &name) const {

@@ -68,6 +68,7 @@ inline int CountSegments() {
 }
 
 /// Runs `work`, which answers whether all was as it should be, in a child with a small folder of shared memory.
+/// All checks belong into `work`: where the system refuses the folder the test is skipped, but its own lines still run.
 inline void RunInSmallSharedMemory(const std::string &size, const std::function<bool()> &work) {
     constexpr int kRefused = 77;
     const int result = RunForked([&] { return !EnterSmallSharedMemory(size) ? kRefused : work() ? 0 : 1; });
