@@ -20,7 +20,7 @@ public:
             }
         }
     }
-    ImageView Next() override { return m_image.View(); }
+    ImageView At(double /*seconds*/) override { return m_image.View(); }
 
 private:
     Image m_image;

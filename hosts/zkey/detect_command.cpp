@@ -98,7 +98,7 @@ ExitStatus RunDetectCommand(const std::vector<std::string> &arguments) {
         const EditResult blocks = editor.Detect(c.options + "show_blocks=true");
         Require(blocks, "cannot detect");
         const Image picture = Keyer::Opaque(blocks.picture.get(), still.info.width, still.info.height);
-        WriteStill(c.blocksPicture, picture.View(), Finish::Straight, "", still.info);
+        WriteStill(keyer, c.blocksPicture, picture.View(), Finish::Straight, "", still.info);
     }
     const EditResult found = editor.Detect(c.options + "show_blocks=false");
     const CHROMA_KEY_RAW key = editor.Key();
@@ -109,7 +109,8 @@ ExitStatus RunDetectCommand(const std::vector<std::string> &arguments) {
     if (!c.preview.empty()) {
         Require(found, "cannot show the key");
         const Ref<IZFrame> frame = Keyer::FrameOf(found.picture.get());
-        WriteStill(c.preview, Keyer::View(frame.get(), still.info.width, still.info.height), Finish::Straight, "", still.info);
+        WriteStill(keyer, c.preview, Keyer::View(frame.get(), still.info.width, still.info.height), Finish::Straight, "",
+                   still.info);
     }
     if (!c.saveKey.empty()) {
         keyer.TakeKey(editor.Object());

@@ -200,8 +200,8 @@ private:
         EditResult result = m_editor->Preview();
         if (!result.picture) Fail("there is no preview: the picture is too small to be smoothed; set Smooth=0");
         const Ref<IZFrame> frame = Keyer::FrameOf(result.picture.get());
-        WriteStill(file, Keyer::View(frame.get(), m_still.info.width, m_still.info.height), finish, m_command.background,
-                   m_still.info);
+        WriteStill(m_keyer, file, Keyer::View(frame.get(), m_still.info.width, m_still.info.height), finish,
+                   m_command.background, m_still.info);
         return result;
     }
 

@@ -76,6 +76,16 @@ Output
       --garbage L,T,R,B
                       so many pixels at the left, top, right and bottom border become transparent: lamps and
                       stands beside the screen. The screen is not looked for there
+      --size SIZE     another size of the result: 1280x720; 1280x- or -x720 (the other side follows); 720p (1280x720);
+                      50% (of the picture)
+      --fit HOW       a picture of another shape than SIZE: letterbox (all of it, with transparent bars; the default),
+                      crop (fills SIZE), stretch, none (not scaled, in the middle)
+      --crop L,T,R,B  cuts so many pixels off the result at the left, top, right and bottom, before it is turned
+      --rotate HOW    left, right or 180. Clips that players turn, as phones make them, come out upright without it
+      --mirror HOW    h (left and right), v (top and bottom) or both
+      --scaling N     the library's way to scale: 1 nearest, 2 linear, 4 cubic (taken to enlarge), 5 B-spline,
+                      6 Catmull-Rom, 7 between these two, 8 super-sampling (taken to reduce), 9 Lanczos; 10 to 16 weigh
+                      rows by tables; 0 or auto lets the library choose
       --matte         writes the matte alone: white figure, black screen
       --alpha KIND    straight or premultiplied colour. By default files get straight, raw frames premultiplied
       --no-audio      leaves sound out; otherwise it goes over unchanged where the output can hold it

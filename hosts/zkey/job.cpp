@@ -53,6 +53,7 @@ public:
         if (command.frames > 0 && m_limit == 0) m_limit = command.frames;
         RequirePictureWithin(command.garbage.value_or(Borders{}));
         SetUpKeyer();
+        SetUpShape({m_info.width, m_info.height});
     }
 
     ExitStatus Run() {
@@ -91,6 +92,24 @@ private:
         FailUsage("--garbage " + text(b.left) + "," + text(b.top) + "," + text(b.right) + "," + text(b.bottom) +
                   " leaves nothing of the picture, which has " + text(m_info.width) + "x" + text(m_info.height) +
                   "; the order is left, top, right, bottom");
+    }
+
+    /// Frames are as large as `padded`; what comes out has the size in the shape.
+    void SetUpShape(PictureSize padded) {
+        const std::optional<Turn> display = TurnOfDisplay(m_info.displayMatrix);
+        m_shape =
+            PlanShape(m_command.shape, {m_info.width, m_info.height}, padded, m_info.pixelAspect, display.value_or(Turn{}));
+        RequireFits("the result", m_shape.width, m_shape.height);
+    }
+
+    /// The source as the writer sees it. What is no turn by quarters stays with the players.
+    SourceInfo Result() const {
+        SourceInfo info = m_info;
+        info.width = m_shape.width;
+        info.height = m_shape.height;
+        info.pixelAspect = m_shape.pixelAspect;
+        if (TurnOfDisplay(info.displayMatrix)) info.displayMatrix.clear();
+        return info;
     }
 
     void NoteStored() {
@@ -237,7 +256,7 @@ private:
 
     void SetUpOutput() {
         m_finish = WantedFinish();
-        if (m_finish == Finish::Over) m_background = OpenBackground(m_command.over, m_info.width, m_info.height);
+        if (m_finish == Finish::Over) m_background = OpenBackground(m_command.over, m_shape.width, m_shape.height, m_keyer);
         if (m_limit == 1 && IsStill(m_command.output, m_command.format) && !m_info.still && m_command.frames != 1 &&
             !m_command.quiet) {
             Note(m_command.output +
@@ -245,7 +264,7 @@ private:
         }
         const bool isNew = !Exists(m_command.output);
         try {
-            m_writer = OpenWriter({m_command.output, m_command.format, m_command.codec, m_finish, m_command.quiet, m_info});
+            m_writer = OpenWriter({m_command.output, m_command.format, m_command.codec, m_finish, m_command.quiet, Result()});
         } catch (const Failure &) {
             if (isNew && IsFile(m_command.output)) RemoveFile(m_command.output);
             throw;
@@ -340,16 +359,26 @@ private:
             if (m_command.garbage) {
                 Keyer::ClearBorders(next->frame.get(), m_info.width, m_info.height, *m_command.garbage);
             }
-            const ImageView keyed = Keyer::View(next->frame.get(), m_info.width, m_info.height);
+            const double seconds = static_cast<double>(next->time) * m_info.timeBase.Value();
+            next->frame = Shaped(std::move(next->frame));
+            const ImageView keyed = Keyer::View(next->frame.get(), m_shape.width, m_shape.height);
             if (m_finish == Finish::Premultiplied) {
                 m_writer->Write(keyed, next->time);
             } else {
-                FinishPicture(m_finish, keyed, m_background ? m_background->Next() : ImageView{}, finished);
+                FinishPicture(m_finish, keyed, m_background ? m_background->At(seconds) : ImageView{}, finished);
                 m_writer->Write(finished.View(), next->time);
             }
             m_progress->Frame();
         }
         m_writeFailed = false;
+    }
+
+    Ref<IZFrame> Shaped(Ref<IZFrame> keyed) {
+        if (!m_shape.changes) return keyed;
+        Z_AV_PROPS props{};
+        if (FAILED(keyed->FrameAVPropsGet(&props))) Fail("cannot read the keyed frame");
+        SetUpShape({props.vidProps.nWidth, std::abs(props.vidProps.nHeight)});
+        return Keyer::Reshape(std::move(keyed), m_shape);
     }
 
     ExitStatus Report() {
@@ -385,6 +414,7 @@ private:
     SourceInfo m_info;
     Keyer m_keyer;
     std::optional<CHROMA_KEY_RAW> m_loaded;    ///< a saved key
+    Shape m_shape;                             ///< of the result
     std::optional<Borders> m_borders;          ///< keying.borders as the user has it
     int32_t m_threads = 2;
     int64_t m_limit = 0;

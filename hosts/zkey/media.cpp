@@ -58,10 +58,10 @@ std::unique_ptr<MediaWriter> OpenWriter(const Delivery &delivery) {
     return OpenLibavWriter(delivery);
 }
 
-std::unique_ptr<Background> OpenBackground(const std::string &what, int width, int height) {
+std::unique_ptr<Background> OpenBackground(const std::string &what, int width, int height, Keyer &keyer) {
     if (SameWord(what, "checker")) return OpenCheckerBackground(width, height);
     if (const auto colour = ParseColour(what)) return OpenPlainBackground(*colour, width, height);
-    return OpenFileBackground(what, width, height);
+    return OpenFileBackground(what, width, height, keyer);
 }
 
 Finish NaturalAlpha(const std::string &path, const std::string &format) {

@@ -68,12 +68,14 @@ public:
     virtual std::string Unfinished() const = 0;
 };
 
-/// A background of the size of the clip.
+class Keyer;
+
+/// What stands behind the pictures, of the size of the result.
 class Background {
 public:
     virtual ~Background() = default;
-    /// The picture behind the next frame; good until the next call.
-    virtual ImageView Next() = 0;
+    /// The picture at this time, which never goes back; good until the next call.
+    virtual ImageView At(double seconds) = 0;
 };
 
 /// What the writer is asked for.
@@ -90,7 +92,8 @@ std::unique_ptr<MediaReader> OpenReader(const KeyCommand &command);
 /// True when the input is files, so that a second reader may look into it.
 bool CanBeReopened(const KeyCommand &command);
 std::unique_ptr<MediaWriter> OpenWriter(const Delivery &delivery);
-std::unique_ptr<Background> OpenBackground(const std::string &what, int width, int height);
+/// A file is fitted by the keyer's library.
+std::unique_ptr<Background> OpenBackground(const std::string &what, int width, int height, Keyer &keyer);
 /// How alpha is kept in such an output when the user does not say it.
 Finish NaturalAlpha(const std::string &path, const std::string &format);
 /// True when the output holds one picture only.
@@ -107,7 +110,7 @@ std::unique_ptr<Background> OpenCheckerBackground(int width, int height);
 // The kinds that need FFmpeg's libraries. A build without them refuses with a line that says so.
 std::unique_ptr<MediaReader> OpenLibavReader(const std::string &path, bool audio);
 std::unique_ptr<MediaWriter> OpenLibavWriter(const Delivery &delivery);
-std::unique_ptr<Background> OpenFileBackground(const std::string &path, int width, int height);
+std::unique_ptr<Background> OpenFileBackground(const std::string &path, int width, int height, Keyer &keyer);
 /// "with FFmpeg's libraries (...)" or "without ...".
 std::string LibavText();
 

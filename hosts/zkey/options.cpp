@@ -36,18 +36,19 @@ void AddProp(KeyCommand &c, Value v) {
     c.props.emplace_back(v.substr(0, equals), v.substr(equals + 1));
 }
 
-void SetGarbage(KeyCommand &c, Value v) {
+Borders ParseBorders(const char *name, Value v) {
     std::array<int32_t, 4> n{};
     std::size_t at = 0;
     for (std::size_t i = 0; i < 4; ++i) {
         const std::size_t end = i < 3 ? v.find(',', at) : v.size();
         if (end == std::string::npos || !ParseWhole(std::string_view(v).substr(at, end - at), n[i]) || n[i] < 0 ||
             n[i] > 32768) {
-            FailUsage("--garbage: \"" + v + "\": give pixels at the left, top, right and bottom border, as 16,0,16,0");
+            FailUsage(std::string(name) + ": \"" + v +
+                      "\": give pixels at the left, top, right and bottom border, as 16,0,16,0");
         }
         at = end + 1;
     }
-    c.garbage = Borders{n[0], n[1], n[2], n[3]};
+    return {n[0], n[1], n[2], n[3]};
 }
 
 void SetFrames(KeyCommand &c, Value v) {
@@ -56,7 +57,7 @@ void SetFrames(KeyCommand &c, Value v) {
     c.frames = count;
 }
 
-constexpr std::array<Option, 24> kOptions = {{
+constexpr std::array<Option, 30> kOptions = {{
     {"--output", "-o", true, [](KeyCommand &c, Value v) { c.output = v; }},
     {"--format", "-f", true, [](KeyCommand &c, Value v) { c.format = v; }},
     {"--codec", "", true, [](KeyCommand &c, Value v) { c.codec = v; }},
@@ -72,7 +73,13 @@ constexpr std::array<Option, 24> kOptions = {{
     {"--over", "", true, [](KeyCommand &c, Value v) { c.over = v; }},
     {"--key", "", true, [](KeyCommand &c, Value v) { c.keyFile = v; }},
     {"--save-key", "", true, [](KeyCommand &c, Value v) { c.saveKey = v; }},
-    {"--garbage", "", true, SetGarbage},
+    {"--garbage", "", true, [](KeyCommand &c, Value v) { c.garbage = ParseBorders("--garbage", v); }},
+    {"--size", "", true, [](KeyCommand &c, Value v) { c.shape.size = ParseSize(v); }},
+    {"--fit", "", true, [](KeyCommand &c, Value v) { c.shape.fit = ParseFit(v); }},
+    {"--crop", "", true, [](KeyCommand &c, Value v) { c.shape.crop = ParseBorders("--crop", v); }},
+    {"--rotate", "", true, [](KeyCommand &c, Value v) { c.shape.turn = Then(c.shape.turn, ParseRotation(v)); }},
+    {"--mirror", "", true, [](KeyCommand &c, Value v) { c.shape.turn = Then(c.shape.turn, ParseMirror(v)); }},
+    {"--scaling", "", true, [](KeyCommand &c, Value v) { c.shape.scaling = ParseScaling(v); }},
     {"--matte", "", false, [](KeyCommand &c, Value) { c.matte = true; }},
     {"--alpha", "", true, SetAlpha},
     {"--exact", "", false, [](KeyCommand &c, Value) { c.exact = true; }},
@@ -99,6 +106,7 @@ void Check(const KeyCommand &c) {
         FailUsage("no input: zkey key INPUT -o OUTPUT");
     }
     if (c.output.empty() && !onlySave) FailUsage("no output: zkey key INPUT -o OUTPUT");
+    if (!c.shape.fit.empty() && !c.shape.size.Given()) FailUsage("--fit needs --size");
     if (c.matte && !c.over.empty()) FailUsage("--matte and --over exclude each other");
     if (c.alpha != AlphaChoice::ByContainer && (c.matte || !c.over.empty())) {
         FailUsage("--alpha: with --matte or --over the output has no alpha");

@@ -10,6 +10,7 @@
 #include "hosts/zkey/composite.h"
 #include "hosts/zkey/frame_format.h"
 #include "hosts/zkey/key_options.h"
+#include "hosts/zkey/picture_shape.h"
 
 namespace zkey {
 
@@ -26,6 +27,7 @@ struct KeyCommand {
     std::string saveKey;               ///< where to save the key
     std::string over;                  ///< colour, "checker" or a file; empty: no composite
     std::optional<Borders> garbage;    ///< borders that become transparent
+    ShapeOptions shape;                ///< of the result
     bool matte = false;
     AlphaChoice alpha = AlphaChoice::ByContainer;
     bool exact = false;

@@ -249,6 +249,28 @@ Ref<IZFrame> Keyer::Drain() {
     return result;
 }
 
+Ref<IZFrame> Keyer::Reshape(Ref<IZFrame> frame, const Shape &shape) {
+    if (!shape.changes) return frame;
+    Z_AV_PROPS props{};
+    Require(frame->FrameAVPropsGet(&props), "cannot read a frame");
+    props.vidProps.nAspectX = shape.source.x;
+    props.vidProps.nAspectY = shape.source.y;
+    Require(frame->FrameAVPropsSet(&props), "cannot describe a frame");
+    Z_VID_PROPS target = props.vidProps;
+    target.eVideoFormat = eZVF_Custom;
+    target.nWidth = shape.width;
+    target.nHeight = target.nHeight < 0 ? -shape.height : shape.height;
+    target.nRowBytes = 0;
+    target.nAspectX = shape.result.x;
+    target.nAspectY = shape.result.y;
+    Ref<IZFrame> result;
+    const HRESULT status = frame->FrameConvert(&target, result.Put(), Counted(shape.options).get());
+    if (status == E_OUTOFMEMORY)
+        Fail("cannot bring a picture to its size: out of memory: " + WhyNoRoom(int64_t{4} * shape.width * shape.height));
+    Require(status, "cannot bring a picture to its size");
+    return result;
+}
+
 ImageView Keyer::View(IZFrame *frame, int width, int height) {
     Z_AV_PROPS props{};
     int32_t size = 0;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "hosts/zkey/composite.h"
+#include "hosts/zkey/picture_shape.h"
 #include "hosts/zkey/ref.h"
 #include "zchromakey/zchromakey.h"
 
@@ -45,6 +46,9 @@ public:
     static Ref<IZFrame> FrameOf(IUnknown *object);
     /// The result that is still owed after the last frame, if any.
     Ref<IZFrame> Drain();
+
+    /// A frame of 4 bytes a pixel in another shape. The frame itself where the shape changes nothing. Any thread may call it.
+    static Ref<IZFrame> Reshape(Ref<IZFrame> frame, const Shape &shape);
 
     /// The picture in a frame that the keyer gave, cropped to this size. Good while the frame lives.
     static ImageView View(IZFrame *frame, int width, int height);

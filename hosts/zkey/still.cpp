@@ -80,17 +80,17 @@ Still ReadStill(Keyer &keyer, const StillChoice &choice) {
     return still;
 }
 
-void WriteStill(const std::string &path, const ImageView &keyed, Finish finish, const std::string &background,
+void WriteStill(Keyer &keyer, const std::string &path, const ImageView &keyed, Finish finish, const std::string &background,
                 const SourceInfo &info) {
     if (finish == Finish::Straight) finish = NaturalAlpha(path, "");
     std::unique_ptr<Background> behind;
-    if (finish == Finish::Over) behind = OpenBackground(background, keyed.width, keyed.height);
+    if (finish == Finish::Over) behind = OpenBackground(background, keyed.width, keyed.height, keyer);
     const std::unique_ptr<MediaWriter> writer = OpenWriter({path, "", "", finish, true, info});
     if (finish == Finish::Premultiplied) {
         writer->Write(keyed, 0);
     } else {
         Image finished;
-        FinishPicture(finish, keyed, behind ? behind->Next() : ImageView{}, finished);
+        FinishPicture(finish, keyed, behind ? behind->At(0) : ImageView{}, finished);
         writer->Write(finished.View(), 0);
     }
     writer->Close();

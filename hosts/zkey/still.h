@@ -28,8 +28,8 @@ bool TakeStillOption(const std::string &name, const std::string &value, StillCho
 /// Ends the program with a line when there is no such picture.
 Still ReadStill(Keyer &keyer, const StillChoice &choice);
 
-/// Writes one finished picture; the kind of file is that of the name.
-void WriteStill(const std::string &path, const ImageView &keyed, Finish finish, const std::string &background,
+/// Writes one finished picture; the kind of file is that of the name. `background` is read for `Finish::Over` only.
+void WriteStill(Keyer &keyer, const std::string &path, const ImageView &keyed, Finish finish, const std::string &background,
                 const SourceInfo &info);
 
 }    // namespace zkey

@@ -27,6 +27,8 @@ public:
     bool JumpTo(int64_t picture);
     /// When the picture that `Next` gave is shown, in units of the time base; always later than the one before.
     int64_t Time() const { return m_time; }
+    /// When it has been shown for as long as the pictures of such a clip are.
+    int64_t PictureEnd() const;
     /// The plain samples that begin before the present picture ends. They leave the audio track, which gets them back from
     /// the writer.
     void TakeSound(Sound &sound);
@@ -38,7 +40,6 @@ private:
     bool ReadPacket();
     bool FeedDecoder();
     void KeepSound();
-    int64_t PictureEnd() const;
     void StampTime();
 
     std::string m_path;

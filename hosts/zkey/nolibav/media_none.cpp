@@ -19,7 +19,7 @@ std::unique_ptr<MediaWriter> OpenLibavWriter(const Delivery &delivery) {
     Fail("cannot write " + delivery.path + kRest + " and writes raw frames (.raw or -) and YUV4MPEG2 (.y4m)");
 }
 
-std::unique_ptr<Background> OpenFileBackground(const std::string &path, int, int) {
+std::unique_ptr<Background> OpenFileBackground(const std::string &path, int, int, Keyer &) {
     Fail("--over " + path +
          ": neither a colour nor \"checker\", and this build of zkey has no FFmpeg libraries to read a file");
 }

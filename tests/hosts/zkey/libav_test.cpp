@@ -8,6 +8,7 @@
 #include "hosts/zkey/failure.h"
 #include "hosts/zkey/libav/frame_packer.h"
 #include "hosts/zkey/media.h"
+#include "hosts/zkey/plugin_door.h"
 #include "tests/hosts/zkey/scratch.h"
 
 namespace {
@@ -382,9 +383,10 @@ TEST(LibavBackground, IsCutToShapeAndStartsAgain) {
     Delivery d = To(scratch.Path("b.mkv"), Finish::Straight);
     d.source.height = 16;
     WriteFrames(d, image, 2);
-    const auto background = OpenBackground(scratch.Path("b.mkv"), 16, 16);
+    Keyer keyer;
+    const auto background = OpenBackground(scratch.Path("b.mkv"), 16, 16, keyer);
     for (int i = 0; i < 5; ++i) {
-        const ImageView v = background->Next();
+        const ImageView v = background->At(i / 25.0);
         EXPECT_EQ(v.Row(8)[2], 255);
         EXPECT_EQ(v.Row(8)[0], 0);
         EXPECT_EQ(v.Row(8)[4 * 15], 255);

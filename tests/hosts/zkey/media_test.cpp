@@ -8,6 +8,7 @@
 #include <fstream>
 
 #include "hosts/zkey/failure.h"
+#include "hosts/zkey/plugin_door.h"
 #include "tests/hosts/zkey/scratch.h"
 
 namespace {
@@ -295,17 +296,18 @@ TEST(Media, TheNameTellsTheKindOfOutput) {
 }
 
 TEST(Background, CheckerAndColour) {
-    const auto checker = OpenBackground("checker", 41, 21);
-    const ImageView v = checker->Next();
+    Keyer keyer;
+    const auto checker = OpenBackground("checker", 41, 21, keyer);
+    const ImageView v = checker->At(0);
     EXPECT_EQ(v.Row(0)[0], 0xC8);
     EXPECT_EQ(v.Row(0)[4 * 20], 0x50);
     EXPECT_EQ(v.Row(20)[4 * 20], 0xC8);
-    const auto plain = OpenBackground("102030", 2, 2);
-    const ImageView p = plain->Next();
+    const auto plain = OpenBackground("102030", 2, 2, keyer);
+    const ImageView p = plain->At(0);
     EXPECT_EQ(p.Row(1)[4], 0x30);
     EXPECT_EQ(p.Row(1)[5], 0x20);
     EXPECT_EQ(p.Row(1)[6], 0x10);
-    EXPECT_THROW(OpenBackground("no such file.png", 2, 2), Failure);
+    EXPECT_THROW(OpenBackground("no such file.png", 2, 2, keyer), Failure);
 }
 
 }    // namespace
