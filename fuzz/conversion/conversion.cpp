@@ -1,5 +1,5 @@
-// Two records of any contents over two small memories, converted as buffers and as frames. Nothing behind or before a target may
-// change, a source never does, a failure gives no frame, and a frame that comes holds what it states. The first bytes say
+// Two records of any contents over two small memories, converted as buffers and as frames. Nothing behind or before a target
+// may change, a source never does, a failure gives no frame, and a frame that comes holds what it states. The first bytes say
 // how; then come the records (see `RecordOf`) and what a record has besides; the rest is the source's pixels and, for
 // frames, the text of the options up to the first zero.
 #include <algorithm>

@@ -13,8 +13,8 @@
 namespace zck::fuzz {
 
 inline constexpr eZFCC kFormats[] = {eZFCC_UYVY, eZFCC_HDYC, eZFCC_YUY2, eZFCC_YVYU,   eZFCC_I420,  eZFCC_YV12,
-                              eZFCC_NV12, eZFCC_v210, eZFCC_r210, eZFCC_RGB24,  eZFCC_RGB32, eZFCC_ARGB32,
-                              eZFCC_RGB8, kFccRgb565, kFccY422,   eZFCC_Default};
+                                     eZFCC_NV12, eZFCC_v210, eZFCC_r210, eZFCC_RGB24,  eZFCC_RGB32, eZFCC_ARGB32,
+                                     eZFCC_RGB8, kFccRgb565, kFccY422,   eZFCC_Default};
 inline constexpr int32_t kOdd[] = {0, 1, -1, 2, 65535, 65536, INT32_MAX, INT32_MIN, 1 << 30, -(1 << 30)};
 inline constexpr size_t kMostBytes = size_t{64} * 1024;
 

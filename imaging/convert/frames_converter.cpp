@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <mutex>
+#include <thread>
 
 #include "frames/media/video_props.h"
 #include "imaging/convert/convert_bits.h"
@@ -24,14 +25,7 @@ void MoveLine(const EngineTarget &target, const Z_VID_PROPS &props) {
 
 }    // namespace
 
-struct FramesConverter::Worker {
-    Event done{true};
-    HRESULT result = S_OK;
-    CWorkerThread thread{&FramesConverter::Body};    // last, to be stopped first
-};
-
-FramesConverter::FramesConverter() = default;
-FramesConverter::~FramesConverter() = default;
+FramesConverter::FramesConverter() : m_bTwoProcessors(std::thread::hardware_concurrency() > 1) {}
 
 HRESULT FramesConverter::Convert(const EngineSource &source, const EngineTarget &target, FieldMode mode,
                                  int32_t quality) noexcept {
@@ -51,7 +45,7 @@ HRESULT FramesConverter::Convert(const EngineSource &source, const EngineTarget 
         FieldStep step;
         hr = step.Prepare(source, target, mode, both, quality);
         if (hr != S_OK) return hr;
-        if (!both) return step.RunPicture(m_field);
+        if (!both) return Whole(step);
         hr = BothFields(step);
         if (SUCCEEDED(hr) && from != 0 && to != 0 && from != to) MoveLine(target, tp);
         return hr;
@@ -66,33 +60,33 @@ HRESULT FramesConverter::Rotate(const EngineSource &source, const EngineTarget &
     });
 }
 
-void FramesConverter::RunField(int32_t field) noexcept {
-    m_worker[field]->result = m_step->RunField(m_field, field);
-    m_worker[field]->done.Set();
-}
-
-void FramesConverter::Body(void *owner, int32_t index, CWorkerThread &self) {
-    while (self.WaitWake()) static_cast<FramesConverter *>(owner)->RunField(index);
+HRESULT FramesConverter::Whole(const FieldStep &step) noexcept {
+    if (m_bTwoProcessors) m_field[0].helper = &m_helper[0];
+    const HRESULT hr = step.RunPicture(m_field);
+    m_field[0].helper = nullptr;
+    return hr;
 }
 
 // A field whose thread cannot be had is done here.
-HRESULT FramesConverter::BothFields(FieldStep &step) {
-    for (auto &worker : m_worker)
-        if (!worker) worker = std::make_unique<Worker>();
-    m_step = &step;
-    bool woken[2] = {};
-    for (int32_t i = 0; i < 2; ++i) {
-        Worker &worker = *m_worker[i];
-        worker.done.Reset();
-        woken[i] = worker.done.Valid() && (worker.thread.HasThread() || SUCCEEDED(worker.thread.Start(this, i)));
-        if (woken[i]) worker.thread.Wake();
-    }
-    for (int32_t i = 0; i < 2; ++i)
-        if (!woken[i]) m_worker[i]->result = step.RunField(m_field, i);
-    for (int32_t i = 0; i < 2; ++i)
-        if (woken[i]) m_worker[i]->done.Wait(kInfinite);
-    m_step = nullptr;
-    return FAILED(m_worker[0]->result) ? m_worker[0]->result : m_worker[1]->result;
+HRESULT FramesConverter::BothFields(const FieldStep &step) noexcept {
+    struct Field {
+        const FieldStep &step;
+        FieldConverter *fields;
+        int32_t index;
+        HRESULT result;
+        bool away;
+    };
+    const auto work = [](void *p) {
+        auto &f = *static_cast<Field *>(p);
+        f.result = f.step.RunField(f.fields, f.index);
+    };
+    Field fields[2] = {{step, m_field, 0, S_OK, false}, {step, m_field, 1, S_OK, false}};
+    for (Field &f : fields) f.away = m_helper[f.index].Begin(work, &f);
+    for (Field &f : fields)
+        if (!f.away) work(&f);
+    for (Field &f : fields)
+        if (f.away) m_helper[f.index].End();
+    return FAILED(fields[0].result) ? fields[0].result : fields[1].result;
 }
 
 }    // namespace zck

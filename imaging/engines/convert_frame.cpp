@@ -67,6 +67,28 @@ HRESULT Begin(Job *job) {
     return S_OK;
 }
 
+// A thread costs more than the rows of so many pixels.
+constexpr int64_t kPixelsForTwo = 256 * 1024;
+
+// Rows 0 to `rows` - 1 by `upper(y0, y1)` here and `lower(y0, y1)` on the helper, or all by `upper`. The bound between them is
+// a multiple of four, so that rows that share chroma stay together.
+template <class Upper, class Lower>
+void RunHalves(RowHelper *helper, int32_t rows, Upper upper, Lower lower) {
+    struct Half {
+        Lower &run;
+        int32_t from;
+        int32_t to;
+    };
+    Half half = {lower, rows / 2 & ~3, rows};
+    const auto work = [](void *p) {
+        const Half &h = *static_cast<Half *>(p);
+        h.run(h.from, h.to);
+    };
+    if (helper == nullptr || !helper->Begin(work, &half)) return upper(0, rows);
+    upper(0, half.from);
+    helper->End();
+}
+
 // Both rectangles as images of their own, converted as they stand.
 HRESULT StraightPath(const Job &job) {
     Z_VID_PROPS sp = job.Sp();
@@ -79,7 +101,11 @@ HRESULT StraightPath(const Job &job) {
     plan.RowRoomSet(job.target->rowRoom);
     const bool smaller = tp.nWidth < job.Tp().nWidth || Rows(tp) < Rows(job.Tp());
     if (smaller) FillImage(&job.Tp(), job.target->dst, 0, 1.0);
-    return plan.Run(job.source->p + from, job.target->dst + to);
+    const bool large = int64_t{plan.Width()} * plan.Rows() >= kPixelsForTwo;
+    if (!plan.RowsIndependent() || !large) return plan.Run(job.source->p + from, job.target->dst + to);
+    const auto run = [&](int32_t y0, int32_t y1) { plan.RunRows(job.source->p + from, job.target->dst + to, y0, y1); };
+    RunHalves(job.ctx->helper, plan.Rows(), run, run);
+    return S_OK;
 }
 
 // Of `memory` with the record's format and rows; `rows` may be those of a field.
@@ -125,7 +151,18 @@ void MoveRows(const Job &job) {
 }
 
 HRESULT Resize(const Job &job, const ScaleImage &from, const ScaleImage &to) {
-    return ResizePlanes(&job.ctx->scaler, from, to, job.q, std::min<int32_t>(job.q, kResizeLinear));
+    const int32_t chroma = std::min<int32_t>(job.q, kResizeLinear);
+    PlaneScaler &upper = job.ctx->scaler;
+    PlaneScaler &lower = job.ctx->lower;
+    const HRESULT hr = upper.Prepare(from, to, job.q, chroma);
+    if (hr != S_OK) return hr;
+    RowHelper *helper = job.ctx->helper;
+    const int64_t pixels = std::max(int64_t{from.width} * from.rows, int64_t{to.width} * to.rows);
+    if (helper != nullptr && (pixels < kPixelsForTwo || lower.Prepare(from, to, job.q, chroma) != S_OK)) helper = nullptr;
+    RunHalves(
+        helper, upper.Rows(), [&](int32_t y0, int32_t y1) { upper.Run(y0, y1); },
+        [&](int32_t y0, int32_t y1) { lower.Run(y0, y1); });
+    return S_OK;
 }
 
 // Field by field; targets that are made of planes also give their fields away.

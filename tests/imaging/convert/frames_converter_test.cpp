@@ -122,6 +122,32 @@ TEST(FramesConverter, ARowOfAFieldWritesNothingIntoTheOtherField) {
             }
 }
 
+// The second thread makes the lower half; what it makes is what one thread makes.
+TEST(FramesConverter, LargePicturesAreTheSameOnOneThreadAndOnTwo) {
+    FramesConverter converter;
+    struct Case {
+        eZFCC from;
+        eZFCC to;
+    };
+    for (const Case c : {Case{eZFCC_UYVY, eZFCC_ARGB32},
+                         {eZFCC_UYVY, eZFCC_I420},
+                         {eZFCC_NV12, eZFCC_NV12},
+                         {eZFCC_RGB24, eZFCC_RGB24},
+                         {eZFCC_I420, eZFCC_YVYU}})
+        for (const int32_t height : {516, 511}) {
+            const Image a(c.from, 642, 514, eZI_Progressive, -3, -3);
+            for (const int32_t width : {640, 642}) {
+                Image two(c.to, width, width == 642 ? 514 : height, eZI_Progressive, 9, 9), one = two;
+                FieldConverter alone;
+                ASSERT_EQ(ConvertFrame2(&alone, a.Source(), one.Target(), 4), S_OK);
+                for (int i = 0; i < 3; ++i) {
+                    ASSERT_EQ(converter.Convert(a.Source(), two.Target(), FieldMode::kBoth, 4), S_OK);
+                    EXPECT_EQ(two.memory, one.memory) << c.from << " " << c.to << " " << width << " " << height;
+                }
+            }
+        }
+}
+
 TEST(FramesConverter, StatusesLeaveTheConverterUsable) {
     FramesConverter converter;
     const Image a(eZFCC_UYVY, 16, 8, eZI_Field1First, 60, 200), one(eZFCC_UYVY, 16, 1, eZI_Field1First, 60, 60);
