@@ -1,6 +1,7 @@
 // Frames of any size, format and scan, through the doors that hosts use.
 #include <algorithm>
 #include <cstring>
+#include <thread>
 
 #include "frames/media/pixel_format.h"
 #include "imaging/colour/convert.h"
@@ -389,6 +390,55 @@ TEST_F(FramesConverted, WhatIsNotWrittenIsZero) {
     // The last column of an odd 4:2:2 picture and the row's padding.
     for (int32_t y = 0; y < 9; ++y)
         for (int32_t x = 42; x < 48; ++x) EXPECT_EQ(0, Row(y)[x]) << y << " " << x;
+}
+
+// Frames of other makers come with their pixels, and answer for what they do not give.
+TEST_F(FramesConverted, ForeignFramesAreReadOnce) {
+    ForeignState state;
+    state.props.vidProps = Sized(eZFCC_UYVY, 16, 8);
+    state.video = Pattern(16 * 2 * 8);
+    state.time.rtStartTime = 77;
+    ComPtr<ForeignQuorvex> foreign;
+    foreign.Attach(new ForeignQuorvex(state));
+    const auto own = Frame(state.props.vidProps);
+    Z_VID_PROPS target = Wanted(eZFCC_ARGB32, 24, -12);
+    ASSERT_EQ(S_OK, Convert(own, target));
+    const std::vector<uint8_t> expected = Pixels();
+    ASSERT_EQ(S_OK, Two(foreign.get(), nullptr, target));
+    EXPECT_EQ(expected, Pixels());
+    EXPECT_EQ(1, state.pixelReads);
+    Z_TIME time = {};
+    ASSERT_EQ(S_OK, m_result->FrameTimeGet(&time));
+    EXPECT_EQ(77, time.rtStartTime);
+    state.infoStatus = E_ACCESSDENIED;
+    EXPECT_EQ(E_ACCESSDENIED, Two(foreign.get(), nullptr, target));
+    EXPECT_EQ(E_ACCESSDENIED, Two(own.get(), foreign.get(), target));
+    // Of another process, without a section that could be opened.
+    state.infoStatus = S_OK;
+    state.process = CurrentProcessId() + 1;
+    state.section = 0x7FFF000000000000;
+    EXPECT_GT(0, Two(foreign.get(), nullptr, target));
+    EXPECT_FALSE(m_result);
+}
+
+TEST_F(FramesConverted, ThreadsGetTheirOwnResults) {
+    const auto fields = Frame(Sized(eZFCC_UYVY, 64, 48, eZI_Field1First)), plain = Frame(Sized(eZFCC_ARGB32, 640, -480));
+    const auto convert = [](IZFrame *frame, Z_VID_PROPS target) {
+        ComPtr<IZFrame> result;
+        EXPECT_EQ(S_OK, frame->FrameConvert(&target, result.Put(), nullptr));
+        return VideoOf(result).Copy();
+    };
+    const Z_VID_PROPS first = Sized(eZFCC_HDYC, 40, 60, eZI_Field2First), second = Sized(eZFCC_RGB24, 720, 512);
+    const std::vector<uint8_t> a = convert(fields.get(), first), b = convert(plain.get(), second);
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+        threads.emplace_back([&] {
+            for (int n = 0; n < 8; ++n) {
+                EXPECT_EQ(a, convert(fields.get(), first));
+                EXPECT_EQ(b, convert(plain.get(), second));
+            }
+        });
+    for (std::thread &thread : threads) thread.join();
 }
 
 TEST_F(FramesConverted, RepeatedCallsGiveTheSameBytes) {
