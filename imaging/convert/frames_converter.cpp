@@ -36,8 +36,9 @@ HRESULT FramesConverter::Convert(const EngineSource &source, const EngineTarget 
         HRESULT hr = RecordComplete(sp);
         if (hr == S_OK) hr = RecordComplete(tp);
         if (hr != S_OK) return hr;
-        const int32_t from = FieldOrderSign(&sp);
-        const int32_t to = FieldOrderSign(&tp);
+        // What the records say themselves; a standard that is only found by the size does not cut a picture into fields.
+        const int32_t from = FieldOrderSign(source.props);
+        const int32_t to = FieldOrderSign(target.props);
         if (target.props->eInterlace == eZI_Progressive && from != 0) mode = FieldMode::kFirst;
         const bool apart = FieldStandsAlone(sp, tp) && FieldStandsAlone(tp, tp);
         const bool both = mode == FieldMode::kBoth && from != 0 && !QualityDecode(quality).bHighQuality && apart;

@@ -78,6 +78,21 @@ TEST_F(Driver, LineCounts) {
     ASSERT_NO_FATAL_FAILURE(check(eZFCC_UYVY, eZFCC_UYVY, 526, 486, kNtsc, eZI_Progressive, eZI_Progressive));
 }
 
+// Records that have the size and rate of an interlaced standard and say nothing about fields.
+TEST_F(Driver, StandardsThatAreOnlyFound) {
+    for (const int32_t rows : {576, 486})
+        for (const int32_t width : {720, 360})
+            for (const eZInterlace scan : {eZI_Default, eZI_Field2First})
+                for (const eZInterlace toScan : {eZI_Default, eZI_Progressive, eZI_Field1First, eZI_Field2First}) {
+                    Z_VID_PROPS source = Scanned(Picture(eZFCC_UYVY, 720, rows), scan);
+                    Z_VID_PROPS target = Scanned(Picture(eZFCC_YUY2, width, 576), toScan);
+                    source.dblRate = target.dblRate = rows == 576 ? 25.0 : 29.97;
+                    ConvertWishes wishes;
+                    wishes.quality = "1";
+                    ASSERT_NO_FATAL_FAILURE(Check(Make(source), {}, target, wishes));
+                }
+}
+
 TEST_F(Driver, StereoPictures) {
     Dice dice(100606);
     constexpr eZ3DFormat kLayouts[] = {eZ3D_None,           eZ3D_SideBySide,       eZ3D_TopAndBottom,
