@@ -442,7 +442,7 @@ bool Frame2Model(const Bytes &src, const EngineOutputs &out, const Z_VID_PROPS &
     // A wrap is written field by field: its odd last row stays.
     if (IsPixels(to.fcc) && to.Rows() % 2 != 0) {
         const int64_t row = to.height > 0 ? 0 : to.Rows() - 1;
-        std::copy_n(before.begin() + row * to.row, to.row, out.dst->begin() + row * to.row);
+        std::copy_n(before.begin() + row * to.row, std::min(to.row, Row(to.fcc, to.width)), out.dst->begin() + row * to.row);
     }
     Shift(*out.dst, tp, MoveOf(sp, tp));
     if (IsPixels(to.fcc)) return true;
