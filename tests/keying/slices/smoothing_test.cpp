@@ -118,5 +118,37 @@ TEST(Smoothing, FollowsThePlainWalk) {
     }
 }
 
+// The planes come to rest, and rounds without end are over with them. That they do not end is seen by the time-out.
+TEST(Smoothing, rounds_without_end_give_the_bytes_of_a_plane_at_rest) {
+    for (const int32_t n : {1, 2}) {
+        CSliceThreads pool;
+        pool.SetThreadCount(n);
+        for (const auto &[w, h] : {std::pair{3, 4}, {16, 12}, {31, 8}, {24, 30}, {40, 50}}) {
+            const Z_VID_PROPS props = test::Props(w, h);
+            test::Guarded pixels(test::PixelBytes(props));
+            test::FillScene(pixels.Data(), pixels.Size(), static_cast<uint32_t>(w));
+            const auto scene = pixels.Bytes();
+            const auto alphaOf = [&](int32_t edges) {
+                test::Guarded alpha(test::AlphaBytes(props));
+                std::copy(scene.begin(), scene.end(), pixels.Data());
+                CHROMA_KEY_RAW key = test::GreenKey();
+                key.nEdgesSmooth = edges;
+                EXPECT_EQ(S_OK, pool.Dispatch(pixels.Data(), alpha.Data(), &props, &key, true, false));
+                return alpha.Bytes();
+            };
+            const Walk walk{w, h};
+            const Plane keyed = alphaOf(0);
+            const auto walked = [&](int32_t edges) { return n == 1 ? walk.Image(keyed, edges) : walk.Seam(keyed, edges); };
+            for (const int32_t rest : {200, 201}) {
+                const Plane expected = walked(rest);
+                ASSERT_TRUE(expected == walked(rest + 2)) << "not at rest: " << n << " slices, " << w << "x" << h;
+                for (const int32_t edges : {10000000 + rest, 0x7FFFFF00 + rest % 2}) {
+                    EXPECT_TRUE(expected == alphaOf(edges)) << n << " slices, " << w << "x" << h << ", rounds " << edges;
+                }
+            }
+        }
+    }
+}
+
 }    // namespace
 }    // namespace zck
