@@ -1,8 +1,12 @@
 // Edits of the key object, from the call to the picture that it answers with, on one thread at 1080 lines, against a plain copy
 // of a 32-bit frame. Edit and copy take turns.
 //
+// Ten thousand edits of all kinds on a small picture tell whether memory stays flat.
+//
 // Counters: copy_ms and edit_ms (medians), ratio (edit over copy), cpu (the same in processor time), goal (for `ratio`), faults
 // (minor page faults of an edit).
+// Of edit/memory: resident_kb (when the history is full), grown_kb (from then to the last edit), goal (for grown_kb).
+#include <cstdio>
 #include <functional>
 #include <string>
 
@@ -19,18 +23,18 @@ namespace {
 /// A key object with a scene, and a key of four colours in HLS with three rounds of smoothing.
 class Editor {
 public:
-    Editor() {
+    explicit Editor(int32_t width = kWidth, int32_t height = kHeight) {
         SceneParams params;
-        params.width = kWidth;
-        params.height = kHeight;
+        params.width = width;
+        params.height = height;
         const ScenePicture picture = RenderScene(params, 0);
         ComPtr<IZFrames> factory;
         FrameFactoryCreate(IID_IZFrames, factory.PutVoid());
         Z_VID_PROPS props = {};
         props.fccType = eZFCC_ARGB32;
-        props.nWidth = kWidth;
-        props.nHeight = -kHeight;
-        props.nRowBytes = 4 * kWidth;
+        props.nWidth = width;
+        props.nHeight = -height;
+        props.nRowBytes = 4 * width;
         ComPtr<IZFrame> frame;
         factory->FrameCreateFromProps(&props, reinterpret_cast<int64_t>(picture.pixels.data()), frame.Put(), nullptr);
         CreateObject<CCoZKeyValue>(nullptr, IID_IZKey, m_key.PutVoid());
@@ -59,6 +63,30 @@ public:
     bool Detect(const std::string &options) {
         const Bstr text(TextFromUtf8(options));
         return m_key->KeyDetect(text.get(), m_out.Put()) >= 0;
+    }
+
+    bool Reset() { return m_key->KeyReset(m_out.Put()) >= 0; }
+    bool Raw() {
+        CHROMA_KEY_RAW key = {};
+        return m_key->KeyRawGet(&key, nullptr) >= 0 && m_key->KeyRawSet(&key, nullptr) >= 0;
+    }
+    // Each kind in its turn; a walk goes back and forth within the history.
+    bool Any(std::size_t round) {
+        switch (round % 8) {
+            case 0:
+                return round % 64 != 0 || Detect("max_keys=4");
+            case 1:
+                return Raw();
+            case 2:
+            case 3:
+                return Walk(round);
+            case 4:
+                return Pick(round / 8);
+            case 5:
+                return round % 40 != 5 || Reset();
+            default:
+                return Adjust(round);
+        }
     }
 
 private:
@@ -90,6 +118,34 @@ void Measure(benchmark::State &state, const EditWork &work, double goal) {
     state.counters["faults"] = edits.Faults();
 }
 
+/// Kilobytes of this process in memory, 0 where the system does not tell them in a file.
+double ResidentKb() {
+    std::FILE *file = std::fopen("/proc/self/statm", "r");
+    if (file == nullptr) return 0;
+    long long all = 0;
+    long long resident = 0;
+    const bool read = std::fscanf(file, "%lld %lld", &all, &resident) == 2;
+    std::fclose(file);
+    return read ? static_cast<double>(resident) * 4 : 0;
+}
+
+void MeasureMemory(benchmark::State &state) {
+    constexpr std::size_t kEdits = 10000;
+    // The history is full, and what is made once has been made.
+    constexpr std::size_t kSettled = 2000;
+    Editor editor(320, 180);
+    double settled = 0;
+    for ([[maybe_unused]] auto _ : state) {
+        for (std::size_t round = 0; round < kEdits; ++round) {
+            if (round == kSettled) settled = ResidentKb();
+            if (!editor.Any(round)) state.SkipWithError("the key object refused the edit");
+        }
+    }
+    state.counters["resident_kb"] = settled;
+    state.counters["grown_kb"] = ResidentKb() - settled;
+    state.counters["goal"] = 256;
+}
+
 void Add(const char *name, double goal, const EditWork &work) {
     benchmark::RegisterBenchmark(name, [work, goal](benchmark::State &state) { Measure(state, work, goal); })->Iterations(1);
 }
@@ -105,6 +161,7 @@ void Register() {
         Add(("edit/detect/preview/" + std::string(type)).c_str(), 25,
             [options](Editor &e, std::size_t) { return e.Detect(options + " show_blocks=false"); });
     }
+    benchmark::RegisterBenchmark("edit/memory", MeasureMemory)->Iterations(1);
 }
 
 }    // namespace

@@ -230,14 +230,15 @@ private:
         if (!guess) {
             Fail(
                 "no key given, and no green or blue screen found at the border of the pictures; name its colour with "
-                "--color");
+                "--color, or see what zkey detect finds in the whole picture");
         }
         if (!guess->doubt.empty()) {
             Fail("no key given, and the border of the pictures does not look like a " + guess->name +
                  " screen: " + guess->doubt + "; if it is one, name its colour with --color, for instance " +
                  KeyText(m_command.key, guess->parts));
         }
-        m_assumed = "no colour given, assumed a " + guess->name + " screen; the key is " + KeyText(m_command.key, guess->parts);
+        m_assumed = "no colour given, assumed a " + guess->name + " screen by a look at the border; the key is " +
+                    KeyText(m_command.key, guess->parts);
         return guess->parts;
     }
 
