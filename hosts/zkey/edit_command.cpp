@@ -233,13 +233,14 @@ private:
         } else if (step.op == EditOp::Key) {
             PrintOut(RawKeyText(key) + "\n");
         } else {
-            PrintOut(Line(step, status, live));
+            PrintOut(Line(step, status, live, KeyColours(key)));
         }
     }
 
-    std::string Line(const EditStep &step, HRESULT status, int32_t live) const {
+    std::string Line(const EditStep &step, HRESULT status, int32_t live, const std::string &colours) const {
         if (!step.file.empty()) return step.name + ": " + step.file + "\n";
         std::string out = step.name + ": " + Plural(live, "colour");
+        if (step.op == EditOp::Detect && live > 0) out += " near " + colours;
         if (status == S_FALSE) out += ", already covered";
         if (step.op == EditOp::Set) out += ", " + Number("%g", m_editor->Adjustment(step.adjust));
         out += "; history " + std::to_string(m_editor->HistorySize());

@@ -207,7 +207,9 @@ std::string DetectHelp() { return kDetect; }
 std::string EditHelp() {
     return kEdit + StepsHelp() +
            "\nA first try:  zkey edit still.png detect set Power=0.2 preview out.png save key.xml\n"
-           "Without max_keys each pick widens the one colour that there is; max_keys=4 opens more.\n";
+           "Without max_keys each pick widens the one colour that there is; max_keys=4 opens more.\n"
+           "detect tells what it found; where that is not the screen: reset, and add picks of it.\n"
+           "Colors takes the screen's light off: 0.1 to 0.3; above, the whole picture turns grey.\n";
 }
 
 std::string PropsHelp() { return kProps; }

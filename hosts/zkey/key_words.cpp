@@ -79,6 +79,16 @@ std::string RawKeyText(const CHROMA_KEY_RAW &key) {
     return out;
 }
 
+std::string KeyColours(const CHROMA_KEY_RAW &key) {
+    std::string out;
+    for (int32_t i = 0; i < std::clamp(key.nKeysUsed, 0, 16); ++i) {
+        const SINGLE_KEY &entry = key.arrKeys[i];
+        if (entry.nDelta == 0 || entry.nReverseKey > 0) continue;
+        out += (out.empty() ? "" : " ") + ColourText(ColourNear(key.eType, entry.nValue));
+    }
+    return out;
+}
+
 int32_t EmptyEntries(const CHROMA_KEY_RAW &key) {
     return CountEntries(key, [](const SINGLE_KEY &k) { return k.nDelta == 0; });
 }

@@ -11,6 +11,9 @@ namespace zkey {
 /// takes nothing out.
 std::string RawKeyText(const CHROMA_KEY_RAW &key);
 
+/// Colours near the centres of the entries that take something out, one after the other.
+std::string KeyColours(const CHROMA_KEY_RAW &key);
+
 /// Entries that key nothing because they are empty.
 int32_t EmptyEntries(const CHROMA_KEY_RAW &key);
 /// Entries that protect their colours.

@@ -116,7 +116,7 @@ TEST_F(EditCommandTest, StepsOfOneCommandLineWorkOnOneKey) {
         "rect 1,1,9,9 key");
     ASSERT_EQ(run.status, kExitDone) << run.error;
     EXPECT_EQ(Lines(run.out), 9u);
-    EXPECT_NE(run.out.find("detect: 1 colour; history 2\n"), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find("detect: 1 colour near 32AC46; history 2\n"), std::string::npos) << run.out;
     EXPECT_NE(run.out.find("set: 1 colour, 0.2; history 3\n"), std::string::npos) << run.out;
     EXPECT_NE(run.out.find("exclude: 2 colours; history 4\n"), std::string::npos) << run.out;
     // The first step back lands on the newest saved state but one.
