@@ -110,6 +110,22 @@ TEST(KeyRangeSets, ACostOfTheLimitIsRefused) {
     EXPECT_EQ(RangeSetAdd(set, far, cost * 1.0001, false), RangeResult::Added);
 }
 
+// Wide by 7, 8 and, joined, 9 units: 8 * 8 is exactly twice 9 * 9 - 7 * 7.
+TEST(KeyRangeSets, ASizeOfTwiceTheCostIsMerged) {
+    constexpr double kUnit = 1.0 / 64;
+    KeyRange wide = {{0.5, 0.5, 0.5, 0.5}, {7 * kUnit, 0, 0, 0}, 0};
+    KeyRange wider = wide;
+    wider.centre[0] += 3 * kUnit;
+    wider.delta[0] = 8 * kUnit;
+    KeyRangeSet set;
+    RangeSetAdd(set, wide, 0.0, false);
+    EXPECT_EQ(RangeSetAdd(set, wider, 0.0, false), RangeResult::Merged);
+    wider.centre[0] += kUnit / 64;
+    KeyRangeSet further;
+    RangeSetAdd(further, wide, 0.0, false);
+    EXPECT_EQ(RangeSetAdd(further, wider, 0.0, false), RangeResult::Added);
+}
+
 TEST(KeyRangeSets, AFullSetMergesIntoTheNearest) {
     KeyRangeSet set;
     RangeSetLimit(set, 2);

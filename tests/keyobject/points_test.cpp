@@ -195,6 +195,16 @@ TEST_F(Points, AForcedExclusionOpensItsSlotInTheOtherSet) {
     EXPECT_EQ(Delta(0), 0x0A3A226A);
 }
 
+TEST_F(Points, AForcedExclusionTakesItsLimitFromTheOtherSet) {
+    SetHalfGreen();
+    ASSERT_EQ(Exclude(2, 2, "max_keys=4"), S_OK);
+    ASSERT_EQ(Exclude(29, 2, "max_keys=4"), S_OK);
+    EXPECT_EQ(Keys(), 2);
+    // No range adds: the limit of one more merges both that exclude.
+    EXPECT_EQ(Exclude(2, 2, "max_keys=4 force_point=1"), S_FALSE);
+    EXPECT_EQ(Keys(), 1);
+}
+
 TEST_F(Points, LimitsAtTheEndsOf32Bits) {
     SetHalfGreen();
     for (const char *limit : {"-2147483648", "2147483647", "-99999999999", "17"}) {
