@@ -133,7 +133,7 @@ TEST(Smoothing, rounds_without_end_give_the_bytes_of_a_plane_at_rest) {
                 std::copy(scene.begin(), scene.end(), pixels.Data());
                 CHROMA_KEY_RAW key = test::GreenKey();
                 key.nEdgesSmooth = edges;
-                EXPECT_EQ(S_OK, pool.Dispatch(pixels.Data(), alpha.Data(), &props, &key, true, false));
+                EXPECT_EQ(S_OK, pool.Dispatch(pixels.Data(), alpha.Data(), &props, &key, WriteAlpha::Yes, ReturnEarly::No));
                 return alpha.Bytes();
             };
             const Walk walk{w, h};
