@@ -211,8 +211,7 @@ KeyAnswer KeyModel::Render() const {
     return m_background ? OverBackground(shot, image.props.nHeight) : KeyAnswer{S_OK, shot};
 }
 
-// Over the background in this size. Where nobody fits a background the picture is alone, where nobody lays it over the
-// background is.
+// Over the background in this size. Where nobody fits a background or lays over it the picture is alone.
 KeyAnswer KeyModel::OverBackground(const Shot &shot, int32_t height) const {
     Z_VID_PROPS wish = {};
     wish.nWidth = shot.width;
@@ -226,8 +225,9 @@ KeyAnswer KeyModel::OverBackground(const Shot &shot, int32_t height) const {
     const bool cloned = SUCCEEDED(m_view->FrameClone(front.Put(), eZFC_Video, eZFCC_ARGB32)) &&
                         SUCCEEDED(fit->FrameClone(back.Put(), eZFC_Video, eZFCC_Default));
     if (!cloned) return {E_UNEXPECTED, {}};
-    const bool mixes = SUCCEEDED(back->FrameOverlay(front.get(), 0, 0, 1.0, nullptr));
-    return {S_OK, mixes ? Over(shot, ShotOf(fit.get())) : ShotOf(fit.get())};
+    const HRESULT laid = back->FrameOverlay(front.get(), 0, 0, 1.0, nullptr);
+    if (laid == E_NOTIMPL) return {S_OK, shot};
+    return {S_OK, SUCCEEDED(laid) ? Over(shot, ShotOf(fit.get())) : ShotOf(fit.get())};
 }
 
 void KeyModel::Save() {
