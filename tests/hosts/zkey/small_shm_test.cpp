@@ -5,6 +5,7 @@
 #include <sys/resource.h>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "hosts/zkey/failure.h"
@@ -91,7 +92,9 @@ TEST(SmallSharedMemory, WhatIsShortIsNamedWhileKeyingToo) {
             const Outcome run = RunProgram(scratch, "key " + in + " -q -c green --raw UYVY:1760x1760 -o " +
                                                         scratch.Path("out.raw") + " --prop output.thread=" + prop);
             NEED(run.status == kExitFailed);
-            NEED(Has(run.error, "zkey: cannot key the frame: out of memory: a frame needs 12 MB"));
+            // The keyer's own thread may just have filled the folder in vain when the cause is looked for.
+            const bool filled = std::string_view(prop) == "true" && Has(run.error, "out of memory: /dev/shm is full");
+            NEED(Has(run.error, "zkey: cannot key the frame: out of memory: a frame needs 12 MB") || filled);
             return true;
         });
     }
