@@ -5,6 +5,7 @@
 #include <bit>
 #include <cmath>
 #include <cstring>
+#include <deque>
 #include <limits>
 #include <memory>
 #include <sstream>
@@ -138,9 +139,8 @@ protected:
 
     // A frame of somebody else, whose clones have their last row first.
     ComPtr<IZFrame> UpsideDown(const ComPtr<IZFrame> &real) {
-        ComPtr<ForeignFrame> foreign;
-        foreign.Attach(new ForeignFrame(real, Answers::Frame));
-        foreign->m_clone = [real](IZFrame **out, eZFrameClone type, eZFCC fcc) {
+        ForeignFrame &foreign = m_foreign.emplace_back(real, Answers::Frame);
+        foreign.m_clone = [real](IZFrame **out, eZFrameClone type, eZFCC fcc) {
             const HRESULT hr = real->FrameClone(out, type, fcc);
             Z_AV_PROPS av = {};
             if (FAILED(hr) || FAILED((*out)->FrameAVPropsGet(&av))) return hr;
@@ -148,7 +148,7 @@ protected:
             return (*out)->FrameAVPropsSet(&av);
         };
         m_log << "upside down\n";
-        return ComPtr<IZFrame>(foreign.get());
+        return ComPtr<IZFrame>(&foreign);
     }
 
     ComPtr<IZFrame> Background(const ComPtr<IZFrame> &reference) {
@@ -395,6 +395,7 @@ protected:
         }
     }
 
+    std::deque<ForeignFrame> m_foreign;    // outlive all who hold them
     std::unique_ptr<Dice> m_dice;
     std::unique_ptr<KeyModel> m_model;
     ComPtr<IZKey> m_key;
