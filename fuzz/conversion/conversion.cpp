@@ -96,7 +96,7 @@ void Frames(Case &c, const Input &in) {
     const auto wide = QueryFor<IZFFactory>(s_factory.get());
     const ComPtr<IZFrame> first = Wrapped(wide.get(), c);
     const ComPtr<IZFrame> second = (c.work & 16) != 0 ? Wrapped(wide.get(), c) : nullptr;
-    const size_t length = std::find(in.data, in.data + in.size, 0) - in.data;
+    const auto length = static_cast<size_t>(std::find(in.data, in.data + in.size, 0) - in.data);
     const Bstr options(fuzz::TextOfBytes(in.data, length));
     ComPtr<IZFrame> result;
     const HRESULT hr = s_factory->FramesConvert(first.get(), second.get(), &c.target.props, result.Put(), options.get());

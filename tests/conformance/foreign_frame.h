@@ -12,7 +12,7 @@ namespace conformance {
 
 enum class Answers { Nothing, Frame, FrameI };
 
-class ForeignFrame : public IZFrame_I {
+class ForeignFrame final : public IZFrame_I {
 public:
     ForeignFrame(zck::ComPtr<IZFrame> real, Answers answers) : m_real(std::move(real)), m_answers(answers) {
         m_realI = zck::QueryFor<IZFrame_I>(m_real.get());

@@ -213,7 +213,7 @@ TEST(FrameLoad, PixelsThatDoNotComeEndTheLoad) {
         EXPECT_FALSE(result.load.bTime);
     }
     // Nothing is opened without a size or a number.
-    for (const uint64_t section : {0, 5}) {
+    for (const uint64_t section : {0U, 5U}) {
         Result result;
         LoadBlock(Form().Number(1).Number(section == 0 ? 9 : 0).Number(section, 8).Bytes(), eZFC_Video, result);
         EXPECT_EQ(0, result.pixels.count);

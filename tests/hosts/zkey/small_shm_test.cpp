@@ -27,7 +27,7 @@ bool Has(const std::string &text, const std::string &part) { return text.find(pa
 
 /// Some frames of a green picture with a grey band, as raw pixels.
 std::string Clip(const Scratch &scratch, int width, int height, int frames) {
-    std::vector<uint8_t> bytes(size_t{4} * width * height * frames);
+    std::vector<uint8_t> bytes(static_cast<size_t>(4 * width * height * frames));
     uint8_t *pixel = bytes.data();
     for (int y = 0; y < height * frames; ++y) {
         for (int x = 0; x < width; ++x, pixel += 4) {
