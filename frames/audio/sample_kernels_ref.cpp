@@ -68,17 +68,17 @@ struct StoredFloat {
 
 template <class Stored, class Work>
 void Split(void *const *channels, int32_t count, const uint8_t *block, int64_t stride, int64_t samples) {
-    for (int32_t c = 0; c < count; ++c, block += Stored::kBytes) {
+    for (int32_t c = 0; c < count; ++c) {
         auto *channel = static_cast<Work *>(channels[c]);
-        for (int64_t i = 0; i < samples; ++i) Stored::Get(block + i * stride, channel[i]);
+        for (int64_t i = 0; i < samples; ++i) Stored::Get(block + c * Stored::kBytes + i * stride, channel[i]);
     }
 }
 
 template <class Stored, class Work>
 void Join(uint8_t *block, int64_t stride, const void *const *channels, int32_t count, int64_t samples) {
-    for (int32_t c = 0; c < count; ++c, block += Stored::kBytes) {
+    for (int32_t c = 0; c < count; ++c) {
         const auto *channel = static_cast<const Work *>(channels[c]);
-        for (int64_t i = 0; i < samples; ++i) Stored::Put(block + i * stride, channel[i]);
+        for (int64_t i = 0; i < samples; ++i) Stored::Put(block + c * Stored::kBytes + i * stride, channel[i]);
     }
 }
 
