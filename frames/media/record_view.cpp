@@ -31,6 +31,10 @@ struct Span {
         first = std::min(first, last);
     }
     int64_t Length() const { return last - first; }
+    void MoveDown() {
+        ++first;
+        ++last;
+    }
 
     int64_t first;
     int64_t last;
@@ -72,22 +76,25 @@ int64_t FieldView(Z_VID_PROPS &props, int32_t index) {
     return offset;
 }
 
-int64_t SubRectView(Z_VID_PROPS &props, const tagRECT &rect) {
+int64_t SubRectView(Z_VID_PROPS &props, const tagRECT &rect, int32_t field) {
     if (!VideoPropsValid(&props) || IsPlanarFormat(props.fccType)) return 0;
     const Z_VID_PROPS whole = props;
     const bool rgb = IsRgbFormat(whole.fccType);
+    const int32_t order = FieldOrderSign(&whole);
     const Span columns(static_cast<int32_t>(rect.left), static_cast<int32_t>(rect.right), std::max<int64_t>(whole.nWidth, 0),
                        !rgb);
-    const Span rows(static_cast<int32_t>(rect.top), static_cast<int32_t>(rect.bottom), RowsOf(whole),
-                    FieldOrderSign(&whole) != 0);
+    Span rows(static_cast<int32_t>(rect.top), static_cast<int32_t>(rect.bottom), RowsOf(whole), order != 0 || field >= 0);
+    if (field == (order < 0 ? 1 : 2)) rows.MoveDown();
 
     // A bottom-up picture starts one row lower than the rectangle ends; hosts rely on it.
     const int64_t row = BottomUp(whole) ? std::max<int64_t>(0, whole.nHeight - 1 - rows.last) : rows.first;
     const int64_t offset = row * whole.nRowBytes + columns.first * PixelBits(whole.fccType) / 8;
 
     const int64_t width = rgb ? columns.Length() : columns.Length() & ~int64_t{1};
+    const int64_t height = field >= 0 ? rows.Length() / 2 : rows.Length();
     props.nWidth = Clamp32(width);
-    props.nHeight = Clamp32(whole.nHeight < 0 ? -rows.Length() : rows.Length());
+    props.nHeight = Clamp32(whole.nHeight < 0 ? -height : height);
+    if (field >= 0) props.nRowBytes = Clamp32(int64_t{whole.nRowBytes} * 2);
     props.eVideoFormat = eZVF_Custom;
     AspectNarrow(props, whole);
     return offset;

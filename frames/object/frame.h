@@ -21,6 +21,9 @@ namespace zck {
 
 class PixelsIn;
 struct FrameLoad;
+struct OverlayCall;
+struct OverlayOptions;
+struct SeenFrame;
 struct PixelsOut;
 
 /// Pixels in this process. `section`, where it is known, keeps the memory from being reused for another frame; `keeper` is
@@ -91,6 +94,8 @@ public:
 
     /// The pixels of a frame that others know too.
     FramePixels PixelsGet() noexcept;
+    /// The same, with the description and the time of that moment.
+    FramePixels PictureGet(Z_TIME &time, Z_AV_PROPS &props) noexcept;
 
     /// Clones along the roads of the two families. `type` is a set of `eZFrameClone` bits; `offset` bytes at the start of
     /// borrowed pixels are skipped. A copy whose section does not come succeeds without pixels.
@@ -231,6 +236,12 @@ private:
     // Conversions of the wide view.
     static HRESULT SoundConvert(IZFFrame *result, const Z_AUD_PROPS &wanted);
     HRESULT ResizeMarked(Z_AV_PROPS &target, IZFFrame **result, BSTR options, int64_t cookie);
+
+    // Overlays.
+    void OverlaySound(const OverlayCall &call, const Z_VID_PROPS &over, const OverlayOptions &options);
+    void OverlayTime(const SeenFrame &over);
+    HRESULT OverlayVideo(const OverlayCall &call);
+    HRESULT OverlayLater(const OverlayCall &call);
 
     // Parts of the roads of cloning; they run on the clone.
     HRESULT CloneMedia(IZFrame_I *source, int32_t type, uint32_t offset);

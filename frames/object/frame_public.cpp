@@ -88,8 +88,6 @@ HRESULT CCoZFrame2::FrameConvert(Z_VID_PROPS *_pVidPropsDest, IZFrame **_ppFrame
     return hr > 0 ? S_OK : hr;
 }
 
-HRESULT CCoZFrame2::FrameOverlay(IZFrame *, int32_t, int32_t, double, BSTR) { return E_NOTIMPL; }
-
 HRESULT CCoZFrame2::FrameRelease() { return S_FALSE; }
 
 }    // namespace zck

@@ -88,15 +88,14 @@ void ConvertPlan::RepeatRow(uint8_t *dst) const {
     std::memcpy(dst + m_nRepeatTo, dst + m_nRepeatFrom, static_cast<size_t>(bytes));
 }
 
+void ConvertPlan::RunRow(const uint8_t *src, int32_t y, uint8_t *row, int64_t room) const {
+    if (m_pRoute == nullptr || m_pRoute->routine == nullptr || y < 0 || y >= m_nRows) return;
+    m_pRoute->routine({src + SourceOffset(y), src + m_source.bytes, row, row + room, m_nWidth});
+}
+
 void ConvertPlan::RunRows(const uint8_t *src, uint8_t *dst, int32_t y0, int32_t y1) const {
-    if (m_pRoute == nullptr || m_pRoute->routine == nullptr) return;
-    RowJob job = {nullptr, src + m_source.bytes, nullptr, nullptr, m_nWidth};
-    for (int32_t y = std::max(y0, 0); y < std::min(y1, m_nRows); ++y) {
-        job.src = src + SourceOffset(y);
-        job.dst = dst + TargetOffset(y);
-        job.dstEnd = job.dst + std::min(m_target.bytes - TargetOffset(y), m_nRowRoom);
-        m_pRoute->routine(job);
-    }
+    for (int32_t y = std::max(y0, 0); y < std::min(y1, m_nRows); ++y)
+        RunRow(src, y, dst + TargetOffset(y), std::min(m_target.bytes - TargetOffset(y), m_nRowRoom));
 }
 
 HRESULT ConvertPlan::Run(const uint8_t *src, uint8_t *dst) const {

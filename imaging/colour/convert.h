@@ -51,6 +51,9 @@ public:
     /// outside the RGB family: from the start of the memory), from 0 to `Rows()` - 1, on both sides.
     void RunRows(const uint8_t *src, uint8_t *dst, int32_t y0, int32_t y1) const;
 
+    /// Converts row `y`, counted likewise, into a memory of its own, `room` bytes from `row` on; only for independent rows.
+    void RunRow(const uint8_t *src, int32_t y, uint8_t *row, int64_t room) const;
+
     /// From now on no row writes more than so many bytes from its start: what it has beyond its pixels (see route.h) is
     /// dropped there. For images whose rows stand between rows of others.
     void RowRoomSet(int64_t bytes) { m_nRowRoom = bytes; }

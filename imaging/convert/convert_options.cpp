@@ -2,7 +2,7 @@
 
 #include <iterator>
 
-#include "xml/attribute_list.h"
+#include "imaging/convert/option_list.h"
 
 namespace zck {
 namespace {
@@ -14,43 +14,12 @@ constexpr TextView kMirrors[] = {{}, ZCK_TEXT("horz"), ZCK_TEXT("vert"), ZCK_TEX
 static_assert(kMirrorHorz == 1 && kMirrorVert == 2 && kMirrorHorzVert == 3);
 constexpr TextView kTurns[] = {ZCK_TEXT("right"), ZCK_TEXT("left")};
 
-// The values of a list, by name; each is read once.
-class Options {
-public:
-    explicit Options(TextView text) : m_node(XMLParse::CoXMLNode::Create(ZCK_TEXT("props"))) {
-        HRESULT hr = S_OK;
-        ParseAttributes(*m_node, text, XMLParse::kListOverwrite, XMLParse::ListNames::Paths, XMLParse::BareNames::Drop, &hr);
-        if (FAILED(hr)) m_node->AttributesClear();
-    }
-
-    /// Empty when there is no such option. The view lives until the next call.
-    TextView Value(TextView name) {
-        if (!m_node->AttributeText(name, m_text)) m_text.clear();
-        return m_text;
-    }
-    template <size_t n>
-    std::optional<int32_t> Keyword(TextView name, const TextView (&words)[n]) {
-        const TextView value = Value(name);
-        for (size_t i = 0; i < n; ++i)
-            if (!value.empty() && EqualNoCase(value, words[i])) return static_cast<int32_t>(i);
-        return std::nullopt;
-    }
-    int32_t Number(TextView name, int32_t otherwise) {
-        ParseInt(Value(name), otherwise);
-        return otherwise;
-    }
-
-private:
-    XMLParse::XMLNodePtr m_node;
-    Text m_text;
-};
-
 }    // namespace
 
 ConvertOptions ConvertOptionsFromText(TextView text) {
     ConvertOptions result;
     if (text.empty()) return result;
-    Options options(text);
+    OptionList options(text);
     constexpr TextView kScaleType = ZCK_TEXT("scale_type");
     if (const auto type = options.Keyword(kScaleType, kScaleTypes)) result.scaleType = static_cast<eZScaleType>(*type);
     result.fitAspect = EqualNoCase(options.Value(kScaleType), ZCK_TEXT("fit_ar"));

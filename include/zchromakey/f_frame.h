@@ -51,7 +51,28 @@ struct IZFFrame : IUnknown {
     virtual HRESULT Z_STDCALL ZFVideoSaveToFile(BSTR _bsFileName) = 0;
     virtual HRESULT Z_STDCALL ZFCut(int32_t _nField, tagRECT *_pRect, IZFFrame **_ppFrameRes) = 0;
     virtual HRESULT Z_STDCALL ZFClone(IZFFrame **_ppCloneFrame, eZFrameClone _eCloneType, eZFCC _fccPixelFormat) = 0;
-    /// Mixes `_pFrameOver` over this frame. Not implemented yet: `E_NOTIMPL`.
+    /// Lays `_pFrameOver` over this frame, picture and sound. `_nFlags`: 0x1000 mixes the first field in time alone, 0x2000 the
+    /// second. Options, as name=value pairs:
+    /// - audio: mix the overlay's sound into this frame's, when this frame has a description of sound (true; with the flag
+    ///   0x2000 false).
+    /// - audio_gain: decibels. Without it the gain is the share of the frame that the overlay covers, times the opacity.
+    /// - symmetric_gain: the fade of `ZFAudioMix` (true).
+    /// - video: mix the picture (true).
+    /// - async: do so on another thread (false). Who asks for the frame's picture by this interface waits for it.
+    ///
+    /// The overlay is used in this frame's format. A converted copy is kept on it as the attached object "MIX_CC" and used
+    /// again for every frame of this format. The opacities of an ARGB32 overlay, where its own are not in the pixels any more,
+    /// and those of `_pMask` (its alpha, else its luma, scaled to the overlay) are kept as "MASK8". Both stay when the pixels
+    /// of the overlay or mask change: who redraws one lays a new frame, or takes the objects away by `ZFObjectSet` with null. A
+    /// "MASK8" that a host attaches to an overlay without alpha acts as its alpha.
+    ///
+    /// By its format in the mix: RGB32 is copied without a mask, and below opacity 1 only the first half of each row is mixed;
+    /// with a mask it counts as multiplied by it. ARGB32 goes by its alpha, and a mask is not used. UYVY, HDYC and YUY2 are
+    /// blended; mixed by a mask frame; or laid as multiplied by their own alpha.
+    ///
+    /// A frame without rate or time takes the overlay's. `S_OK`, also when nothing lies on the frame, without picture and
+    /// without a factory. `E_INVALIDARG` without an overlay, for other formats and for a mask that cannot be made; 0x800710D2
+    /// for a mask frame without picture and mask; the failures of `FrameOverlay`. The picture is unchanged after a failure.
     virtual HRESULT Z_STDCALL ZFOverlay(IZFFrame *_pFrameOver, IZFFrame *_pMask, int32_t _nPosX, int32_t _nPosY,
                                         double _dblAlpha, BSTR _bsPropsList, int64_t _nCookie, int32_t _nFlags) = 0;
     /// As `IZFrame::FrameConvert`, for pictures and sound. `*_ppFrameRes` comes in with a frame or null: the result takes its
@@ -91,7 +112,9 @@ struct IZFFrame : IUnknown {
     /// Draws text on the picture. Not implemented yet: `E_NOTIMPL`.
     virtual HRESULT Z_STDCALL ZFPrint(BSTR _bsText, double _dblSize, PrintRect *_pRect, uint32_t _nFlags, BSTR _bsPropsList,
                                       int64_t _nCookie) = 0;
-    /// `ZFOverlay` with a position in fractions or on a grid. Not implemented yet: `E_NOTIMPL`.
+    /// `ZFOverlay` at the top left corner of a rectangle: by its `eType` in pixels (0), in fractions of this frame (1), or on a
+    /// grid of text rows (so many; 14 for 2) inside margins of 7 %. The corner is truncated to whole pixels. `E_INVALIDARG`
+    /// without a rectangle.
     virtual HRESULT Z_STDCALL ZFOverlayRect(IZFFrame *_pFrameOver, IZFFrame *_pMask, PrintRect *_pRect, int32_t _nFlags,
                                             double _dblAlpha, BSTR _bsPropsList, int64_t _nCookie) = 0;
 };

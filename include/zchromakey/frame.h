@@ -80,7 +80,19 @@ struct IZFrame : IUnknown {
     /// for formats between which there is no way; `E_INVALIDARG` for formats that are not turned, 0x80004001 for formats
     /// that are not mirrored; `E_FAIL`; `E_OUTOFMEMORY`.
     virtual HRESULT Z_STDCALL FrameConvert(Z_VID_PROPS *_pVidPropsDest, IZFrame **_ppFrameRes, BSTR _bsPropsList) = 0;
-    /// Mixes `_pFrameOver` over this frame. `_dblAlpha`: 0 transparent (no mix), 1 solid. Not implemented yet: `E_NOTIMPL`.
+    /// Lays the picture of `_pFrameOver` over this one, which is changed in place; the overlay never is, also when both share
+    /// their memory. `_nPosX`, `_nPosY`: its top left corner, which may be outside; in 4:2:2 pictures columns are rounded
+    /// inwards to even ones. `_dblAlpha`: 0 transparent (no mix), 1 solid. The list is not read.
+    ///
+    /// An ARGB32 overlay is taken as multiplied by its alpha, but over RGB24. Any other is converted into this frame's format
+    /// at its size and mixed by the opacity alone, byte by byte: the chroma of 4:2:2 drifts from neutral at partial opacity. An
+    /// ARGB32 frame takes it as pixels with alpha, those of an RGB32 overlay as they stand.
+    ///
+    /// `S_OK`; `S_FALSE` when nothing of the overlay lies on this frame. `E_NOINTERFACE` for null and for what is no frame;
+    /// 0x800710D2 when one of the two has no picture; 0x80040200 for a description that is not complete, 0x80040248 for one
+    /// that states more than its pixels; 0x80040201 or `E_FAIL` for formats between which there is no way; 0x8004022A for
+    /// formats that have no mix; `E_UNEXPECTED` for an overlay of another process and a frame without a factory;
+    /// `E_OUTOFMEMORY`. This frame is unchanged after a failure.
     virtual HRESULT Z_STDCALL FrameOverlay(IZFrame *_pFrameOver, int32_t _nPosX, int32_t _nPosY, double _dblAlpha,
                                            BSTR _bsPropsList) = 0;
     /// Does nothing and returns `S_FALSE`: the references do all the work.
