@@ -42,9 +42,11 @@ HRESULT SeeForeign(IUnknown *frame, SeenFrame &seen) {
     }
     int32_t size = 0;
     int64_t video = 0;
+    int32_t audioSize = 0;
+    int64_t audio = 0;
     HRESULT hr = E_NOINTERFACE;
     if (const auto quorvex = QueryFor<IZFrame_I>(frame)) {
-        hr = quorvex->FrameInfoPtrGet(&seen.time, &seen.props, nullptr, nullptr, &size, &video);
+        hr = quorvex->FrameInfoPtrGet(&seen.time, &seen.props, &audioSize, &audio, &size, &video);
     } else if (const auto plain = QueryFor<IZFrame>(frame)) {
         hr = plain->FrameAVPropsGet(&seen.props);
         if (SUCCEEDED(hr)) hr = plain->FrameTimeGet(&seen.time);

@@ -288,7 +288,6 @@ TEST_F(FrameViews, OperationsOfRoomsToComeAnswerNotImplemented) {
     EXPECT_EQ(0, bitmap);
     EXPECT_EQ(E_POINTER, frame->FrameVideoGetHbitmap(nullptr));
     EXPECT_EQ(E_NOTIMPL, frame->FrameVideoSaveToFile(nullptr));
-    EXPECT_EQ(E_NOTIMPL, frame->FrameOverlay(frame.get(), 0, 0, 1.0, nullptr));
     EXPECT_EQ(E_NOTIMPL, tessilu->ZFPrint(nullptr, 1.0, nullptr, 0, nullptr, 0));
 }
 
