@@ -50,13 +50,14 @@ HRESULT FittedBackground(KeyFrames &frames, const FrameSet &now, const Z_VID_PRO
     return hr;
 }
 
-HRESULT Overlay(IZFrame *under, IZFrame *over) {
+/// By the wide view where both have it.
+void Overlay(IZFrame *under, IZFrame *over) {
     const ComPtr<IZFFrame> underView = QueryFor<IZFFrame>(under);
     const ComPtr<IZFFrame> overView = QueryFor<IZFFrame>(over);
-    if (underView && overView) {
-        return underView->ZFOverlay(overView.get(), nullptr, 0, 0, 1.0, nullptr, 0, 0);
-    }
-    return under->FrameOverlay(over, 0, 0, 1.0, nullptr);
+    if (underView && overView)
+        underView->ZFOverlay(overView.get(), nullptr, 0, 0, 1.0, nullptr, 0, 0);
+    else
+        under->FrameOverlay(over, 0, 0, 1.0, nullptr);
 }
 
 HRESULT OverBackground(KeyFrames &frames, const FrameSet &now, ComPtr<IZFrame> *result) {
@@ -67,8 +68,8 @@ HRESULT OverBackground(KeyFrames &frames, const FrameSet &now, ComPtr<IZFrame> *
     ComPtr<IZFrame> under;
     if (SUCCEEDED(hr)) hr = CloneOf(fit.get(), eZFC_Video, eZFCC_Default, &under);
     if (FAILED(hr)) return hr;
-    // Without an overlay the preview is the keyed picture alone.
-    if (Overlay(under.get(), result->get()) != E_NOTIMPL) *result = under;
+    Overlay(under.get(), result->get());
+    *result = under;
     return S_OK;
 }
 

@@ -13,8 +13,7 @@ HRESULT ApplyKey(IZFrame *frame, const CHROMA_KEY_RAW &key, ComPtr<IZFrame> *res
 /// The keyed reference, over the background where there is one. `VFW_E_WRONG_STATE` without a reference. Takes no lock while
 /// it works; the background that it fits is kept in `frames` for the next time.
 ///
-/// The result of the overlay is not looked at: a background that cannot be mixed is shown as it is. Where backgrounds cannot
-/// be fitted at all, the preview has none.
+/// The result of the overlay is not looked at: a background that cannot be mixed (planar, 10-bit, RGB24) is shown as it is.
 HRESULT RenderPreview(KeyFrames &frames, const CHROMA_KEY_RAW &key, ComPtr<IZFrame> *result);
 
 }    // namespace zck

@@ -211,23 +211,19 @@ KeyAnswer KeyModel::Render() const {
     return m_background ? OverBackground(shot, image.props.nHeight) : KeyAnswer{S_OK, shot};
 }
 
-// Over the background in this size. Where nobody fits a background or lays over it the picture is alone.
+// Over the background in this size. What is not 32-bit stays as it is fitted: the sequences have no other that is mixed.
 KeyAnswer KeyModel::OverBackground(const Shot &shot, int32_t height) const {
     Z_VID_PROPS wish = {};
     wish.nWidth = shot.width;
     Z_AV_PROPS of = {};
     m_background->FrameAVPropsGet(&of);
     wish.nHeight = Rgb(of.vidProps.fccType) ? height : shot.rows;
-    ZComPtr<IZFrame> fit, front, back;
+    ZComPtr<IZFrame> fit;
     const HRESULT hr = m_background->FrameConvert(&wish, fit.Put(), nullptr);
-    if (hr == E_NOTIMPL) return {S_OK, shot};
     if (FAILED(hr)) return {hr, {}};
-    const bool cloned = SUCCEEDED(m_view->FrameClone(front.Put(), eZFC_Video, eZFCC_ARGB32)) &&
-                        SUCCEEDED(fit->FrameClone(back.Put(), eZFC_Video, eZFCC_Default));
-    if (!cloned) return {E_UNEXPECTED, {}};
-    const HRESULT laid = back->FrameOverlay(front.get(), 0, 0, 1.0, nullptr);
-    if (laid == E_NOTIMPL) return {S_OK, shot};
-    return {S_OK, SUCCEEDED(laid) ? Over(shot, ShotOf(fit.get())) : ShotOf(fit.get())};
+    const Shot back = ShotOf(fit.get());
+    const bool mixed = back.fcc == eZFCC_RGB32 || back.fcc == eZFCC_ARGB32;
+    return {S_OK, mixed ? Over(shot, back) : back};
 }
 
 void KeyModel::Save() {

@@ -303,8 +303,7 @@ protected:
         const ComPtr<IZFrame> frame = QueryFor<IZFrame>(out.get());
         ASSERT_EQ(static_cast<bool>(frame), want.shot.any);
         const Shot got = ShotOf(frame.get());
-        const eZFCC fcc = m_model->Background() != nullptr && op != 1 && op != 2 && op != 3 ? got.fcc : want.shot.fcc;
-        ASSERT_EQ(got.fcc, fcc);
+        ASSERT_EQ(got.fcc, want.shot.fcc);
         ASSERT_EQ(got.width, want.shot.width);
         ASSERT_EQ(got.rows, want.shot.rows);
         if (got.pixels == want.shot.pixels) return;

@@ -427,14 +427,17 @@ TEST_F(KeyBackgrounds, ThatCannotBeFittedFailTheEditsPreview) {
     EXPECT_EQ(Get(eCKA_Power), 0.5);
 }
 
-// The library's own frames are fitted; as they are not mixed yet, the preview is the plain keyed clone.
-TEST_F(KeyBackgrounds, OfTheLibraryAreFittedAndLeftOut) {
+TEST_F(KeyBackgrounds, OfTheLibraryShowThroughWhereTheKeyIs) {
     const ComPtr<IZFrame> background = Frame(8, 8, [](int, int) { return kBlue; });
     ASSERT_EQ(m_key->KeyFrameSet(nullptr, background.get()), S_OK);
     ASSERT_EQ(RawSet(GreenKey()), S_OK);
     ASSERT_EQ(Preview(), S_OK);
     ASSERT_TRUE(m_out);
-    EXPECT_EQ(Pixel(2, 8), 0u);
+    EXPECT_EQ(PropsOf(m_out.get()).vidProps.nWidth, 32);
+    EXPECT_EQ(Pixel(2, 8), kBlue);
+    EXPECT_NE(Pixel(20, 2), kBlue);
+    // The background itself stays.
+    EXPECT_EQ(PixelsOf(background.get()), std::vector<uint32_t>(64, kBlue));
     // One that states more pixels than it has cannot be fitted.
     Z_AV_PROPS stated = {};
     ASSERT_EQ(background->FrameAVPropsGet(&stated), S_OK);
@@ -443,6 +446,41 @@ TEST_F(KeyBackgrounds, OfTheLibraryAreFittedAndLeftOut) {
     ASSERT_EQ(m_key->KeyFrameSet(nullptr, background.get()), S_OK);
     EXPECT_EQ(Set(eCKA_Power, 0.5), Z_E_INVALID_VIDEO_PROPS);
     EXPECT_FALSE(m_out);
+}
+
+// The mix of the wide view has no RGB24: the plain background is seen.
+TEST_F(KeyBackgrounds, OfRgb24AreShownPlain) {
+    const ComPtr<IZFrame> blue = Frame(32, 16, [](int, int) { return kBlue; });
+    ComPtr<IZFrame> background;
+    ASSERT_EQ(blue->FrameClone(background.Put(), eZFC_Video, eZFCC_RGB24), S_OK);
+    ASSERT_EQ(m_key->KeyFrameSet(nullptr, background.get()), S_OK);
+    ASSERT_EQ(RawSet(GreenKey()), S_OK);
+    ASSERT_EQ(Preview(), S_OK);
+    EXPECT_EQ(PropsOf(m_out.get()).vidProps.fccType, eZFCC_RGB24);
+    int32_t size = 0;
+    int64_t address = 0;
+    ASSERT_EQ(QueryFor<IZFrame>(m_out.get())->FrameVideoGetBytes(&size, &address), S_OK);
+    const auto *bytes = reinterpret_cast<const uint8_t *>(static_cast<uintptr_t>(address));
+    for (int32_t i = 0; i < 32 * 16 * 3; ++i) ASSERT_EQ(bytes[i], static_cast<uint8_t>(kBlue >> (i % 3 * 8))) << i;
+}
+
+// Colours are those of a composite of the keyed pixels, already multiplied, over each pixel of the background.
+TEST_F(KeyBackgrounds, ArePutTogetherByteByByte) {
+    const ComPtr<IZFrame> background =
+        Frame(32, 16, [](int x, int y) { return static_cast<uint32_t>(x * 0x05030107 + y * 0x0B0D1113); });
+    ASSERT_EQ(RawSet(GreenKey()), S_OK);
+    ASSERT_EQ(Preview(), S_OK);
+    const std::vector<uint32_t> front = PixelsOf(m_out.get());
+    ASSERT_EQ(m_key->KeyFrameSet(nullptr, background.get()), S_OK);
+    ASSERT_EQ(Preview(), S_OK);
+    const std::vector<uint32_t> back = PixelsOf(background.get());
+    const std::vector<uint32_t> made = PixelsOf(m_out.get());
+    for (size_t i = 0; i < made.size(); ++i)
+        for (int j = 0; j < 32; j += 8) {
+            const uint32_t rest = 255 - (front[i] >> 24);
+            const uint32_t sum = (front[i] >> j & 255) + ((back[i] >> j & 255) * rest + 127) / 255;
+            ASSERT_EQ(std::min(sum, 255u), made[i] >> j & 255) << i << ", " << j;
+        }
 }
 
 }    // namespace
