@@ -50,6 +50,10 @@ TEST(MixModel, OverTakesTheRestOfTheAlpha) {
     OverRowModel(d.data(), s.data(), 2, 128, 7);
     // 100 * 127 / 255 is 49.8, and 127 more before the division round it.
     EXPECT_EQ(d, (Bytes{60, 120, 255, 255, 10, 10, 10, 6}));
+    d = {127, 128, 0, 0};
+    s = {0, 0, 0, 254};
+    OverRowModel(d.data(), s.data(), 1, 256, 8);
+    EXPECT_EQ(d, (Bytes{0, 1, 0, 254}));
 }
 
 TEST(MixModel, TransparentBlackLeavesMultiplied422) {
@@ -75,15 +79,20 @@ TEST(MixModel, HalfMultiplied422DiffersBetweenBlockAndRest) {
     // Block: q 64, weight 64, rest 96. (84 * 96 + 44 * 64 + 127) >> 7 is 85; (72 * 96 - 28 * 64 + 127) >> 7 is 40.
     // Rest: 84 * (256 - 64) + 128 * 44 over 256 is 85; 72 * 192 - 128 * 28 over 256 is 40.
     EXPECT_EQ(d, Repeated({168, 101}, 10));
-    // A mask of 2 weighs nothing in the block of half opacity; in the rest 128 * 2 / 256 is 1.
-    d = Repeated({200, 100}, 10);
-    const Bytes thin(10, 3), clear = Repeated({128, 16}, 10);
-    Premultiplied422RowModel(d.data(), clear.data(), thin.data(), 10, 128, Order422::LumaSecond);
+    // A mask of 3 weighs 1 in both.
+    d = Repeated({200, 100}, 14);
+    const Bytes thin(14, 3), clear = Repeated({128, 16}, 14);
+    Premultiplied422RowModel(d.data(), clear.data(), thin.data(), 14, 128, Order422::LumaSecond);
     // Block: weight 1, rest (254 + 1) / 2 = 127: (84 * 127 + 127) >> 7 is 84. Rest: 84 * 255 >> 8 is 83.
     EXPECT_EQ(d[1], 100);
     EXPECT_EQ(d[17], 99);
     EXPECT_EQ(d[0], 200);     // (72 * 127 + 127) >> 7 is 72
     EXPECT_EQ(d[16], 199);    // 72 * 255 >> 8 is 71
+    // A transparent pixel of the least opacity is brighter by its colour: (84 * 128 + 1 + 127) >> 7.
+    d = Repeated({200, 100}, 8);
+    const Bytes bright = Repeated({128, 17}, 8), none(8, 0);
+    Premultiplied422RowModel(d.data(), bright.data(), none.data(), 8, 2, Order422::LumaSecond);
+    EXPECT_EQ(d, Repeated({200, 101}, 8));
 }
 
 TEST(MixModel, ColourTakesTheMeanOfThePair) {
@@ -101,12 +110,12 @@ TEST(MixModel, ColourTakesTheMeanOfThePair) {
 }
 
 TEST(MixModel, AlmostSolidMasksDifferBetweenBlockAndRest) {
-    const Bytes s(18, 200), k(9, 255);
-    Bytes d(18, 0), solid(18, 0);
-    Masked422RowModel(d.data(), s.data(), k.data(), 9, 255, Order422::LumaSecond);
+    const Bytes s(26, 200), k(13, 255);
+    Bytes d(26, 0), solid(26, 0);
+    Masked422RowModel(d.data(), s.data(), k.data(), 13, 255, Order422::LumaSecond);
     EXPECT_EQ(d[15], 200);    // (200 * 255 + 255) >> 8
     EXPECT_EQ(d[16], 199);    // (200 * 254 + 255) >> 8
-    Masked422RowModel(solid.data(), s.data(), k.data(), 9, 256, Order422::LumaSecond);
+    Masked422RowModel(solid.data(), s.data(), k.data(), 13, 256, Order422::LumaSecond);
     EXPECT_EQ(solid, s);
 }
 
