@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <new>
+#include <numeric>
 
 #include "imaging/primitives/mirror.h"
 #include "imaging/scale/resize_taps.h"
@@ -13,6 +14,9 @@ namespace {
 
 // Columns that the tables hold: longer rows must not bring tables far above their own size.
 constexpr int32_t kColumnsAtOnce = 32768;
+
+// Elements between the first output and another one of four that lie close together.
+constexpr uint32_t kMostApart = 6;
 
 bool Filters(int32_t code) { return code == kResizeBSpline || code == kResizeSoftCubic; }
 
@@ -27,6 +31,27 @@ int32_t Check(const ResizeShape &s) {
 bool Summed(const ResizeShape &s) {
     const auto strong = [](int64_t source, int64_t target) { return source > kMostFixedReduction * target; };
     return s.code == kResizeSuper && (strong(s.source.width, s.target.width) || strong(s.source.height, s.target.height));
+}
+
+// The most samples that a column touches, rounded up to pairs.
+int32_t TapsOfColumns(const ResizeShape &s) {
+    switch (s.code) {
+        case kResizeNearest:
+            return 0;
+        case kResizeLinear:
+            return 2;
+        case kResizeLanczos:
+            return 6;
+        case kResizeSuper: {
+            // Columns start and end at multiples of 1/q of a sample and are p/q samples wide.
+            const int32_t common = std::gcd(s.source.width, s.target.width);
+            const int64_t p = s.source.width / common;
+            const int64_t q = s.target.width / common;
+            return static_cast<int32_t>((p + q - 2) / q + 2) & ~1;
+        }
+        default:
+            return 4;
+    }
 }
 
 }    // namespace
@@ -52,19 +77,13 @@ int32_t Resizer::Prepare(const ResizeShape &shape) {
 
 void Resizer::SizeColumns() {
     const int64_t source = m_shape.source.width;
-    m_nTaps = kTapGroup;
-    if (m_shape.code == kResizeNearest) m_nTaps = 0;
-    if (m_shape.code == kResizeLanczos) m_nTaps = 2 * kTapGroup;
-    if (m_shape.code == kResizeSuper) {
-        // A column may touch one sample more than it covers.
-        const int64_t most = (source + m_shape.target.width - 1) / m_shape.target.width + 1;
-        m_nTaps = static_cast<int32_t>((most + kTapGroup - 1) / kTapGroup * kTapGroup);
-    }
+    m_nTaps = TapsOfColumns(m_shape);
     const auto columns = static_cast<size_t>(m_bColumns ? std::min(m_shape.target.width, kColumnsAtOnce) : 0);
     m_nMade = -1;
     m_first.resize(columns);
     m_weights.resize(columns * static_cast<size_t>(m_nTaps));
-    m_mid.assign(static_cast<size_t>(source + m_nTaps) * static_cast<size_t>(m_shape.channels), 0);
+    m_places.resize(m_shape.channels == 1 && m_nTaps > 0 ? columns : 0);
+    m_mid.assign(static_cast<size_t>(source + m_nTaps) * static_cast<size_t>(m_shape.channels) + kColumnSlack, 0);
 }
 
 void Resizer::MakeColumns(int32_t x) {
@@ -76,7 +95,20 @@ void Resizer::MakeColumns(int32_t x) {
     for (int32_t i = 0; i < count; ++i) {
         ResizeTapsMake(m_shape.code, m_shape.source.width, m_shape.target.width, int64_t{x} + i, &taps);
         m_first[static_cast<size_t>(i)] = taps.first;
-        if (m_nTaps > 0) std::copy_n(taps.weight, taps.count, m_weights.begin() + int64_t{i} * m_nTaps);
+        for (int32_t t = 0; t < (m_nTaps > 0 ? taps.count : 0); ++t)
+            m_weights[2 * (static_cast<size_t>(t / 2) * m_first.size() + static_cast<size_t>(i)) + static_cast<size_t>(t % 2)] =
+                taps.weight[t];
+    }
+    MakePlaces(m_places.empty() ? 0 : count);
+}
+
+void Resizer::MakePlaces(int32_t count) {
+    m_bClose = count > 0;
+    for (int32_t i = 0; i < count; ++i) {
+        const auto at = static_cast<size_t>(i);
+        const auto apart = static_cast<uint32_t>(m_first[at] - m_first[at & ~size_t{3}]);
+        m_bClose = m_bClose && apart <= kMostApart;
+        m_places[at] = apart * 0x02020202U + 0x03020100U;
     }
 }
 
@@ -95,7 +127,10 @@ void Resizer::Columns(const uint8_t *row, uint8_t *dst) {
         count = std::min(m_shape.target.width - x, kColumnsAtOnce);
         MakeColumns(x);
         if (m_shape.code != kResizeNearest) {
-            columns(dst, m_mid.data(), m_first.data(), m_weights.data(), m_nTaps, count);
+            columns(dst, m_mid.data(),
+                    {m_first.data(), m_weights.data(), m_bClose ? m_places.data() : nullptr, m_nTaps,
+                     static_cast<int32_t>(m_first.size())},
+                    count);
         } else if (pixel == 1) {
             for (int32_t i = 0; i < count; ++i) dst[i] = row[m_first[static_cast<size_t>(i)]];
         } else {

@@ -50,19 +50,22 @@ public:
 private:
     void SizeColumns();
     void MakeColumns(int32_t x);
+    void MakePlaces(int32_t count);
     void Columns(const uint8_t *row, uint8_t *dst);
     void FilteredRow(int32_t y, const RowsOnDemand &source, uint8_t *dst);
     void SummedRow(int32_t y, const RowsOnDemand &source, uint8_t *dst);
 
     ResizeShape m_shape = {};
     bool m_bSummed = false;
-    bool m_bColumns = false;           // the row's length changes, or its code filters all the same
-    int32_t m_nTaps = 0;               // of each column, a multiple of a group
-    int32_t m_nMade = -1;              // the columns from here on are in the tables; very long rows go piece by piece
-    std::vector<int32_t> m_first;      // source pixel of each column
-    std::vector<int16_t> m_weights;    // m_nTaps of each column
-    std::vector<int16_t> m_mid;        // one row between the directions, with room for the last column's taps
-    std::vector<uint64_t> m_sums;      // of one target row
+    bool m_bColumns = false;         // the row's length changes, or its code filters all the same
+    int32_t m_nTaps = 0;             // of each column, even
+    int32_t m_nMade = -1;            // the columns from here on are in the tables; very long rows go piece by piece
+    bool m_bClose = false;           // those columns have places
+    std::vector<int32_t> m_first;    // these three as in `ColumnTable`
+    std::vector<int16_t> m_weights;
+    std::vector<uint32_t> m_places;
+    std::vector<int16_t> m_mid;      // one row between the directions, with room for the last column's taps
+    std::vector<uint64_t> m_sums;    // of one target row
 };
 
 /// Image to image with steps: `Resize_8u_C1R` and `Resize_8u_C4R` by the channels of the shape, super-sampling included.

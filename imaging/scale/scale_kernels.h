@@ -10,8 +10,21 @@ namespace zck {
 /// Resizing works with weights in 1/16384 and keeps 6 bits of fraction between the two directions.
 constexpr int32_t kWeightBits = 14;
 constexpr int32_t kMidBits = 6;
-/// Taps of a row of `columns1` and `columns4` come in groups of so many.
-constexpr int32_t kTapGroup = 4;
+/// Elements that may be read behind those of a row's last column.
+constexpr int32_t kColumnSlack = 8;
+
+/// Which elements of a row make each output, and with what weights.
+struct ColumnTable {
+    const int32_t *first;    ///< of each output its first element, or pixel of four channels
+    /// By pairs of taps, all outputs of a pair one behind the other: taps 2 p and 2 p + 1 of output x have the two weights from
+    /// 2 * (p * outputs + x) on.
+    const int16_t *weights;
+    /// Where outputs lie close together, so that a pair of each four of them (0 to 3, 4 to 7, ...) starts within 7 elements:
+    /// the places of an output's four bytes among those that start with the first one of its four. Else null.
+    const uint32_t *places;
+    int32_t taps;       ///< of each output, even
+    int32_t outputs;    ///< that the table has
+};
 
 /// Counts of 0 and below do nothing. No pointer needs an alignment. Nothing is read or written outside the elements that an
 /// entry describes; targets do not overlap their sources.
@@ -28,13 +41,11 @@ struct ScaleKernels {
     void (*mix_rows)(int16_t *dst, const uint8_t *const *rows, const int16_t *weights, int32_t taps, int32_t count);
     /// 1/64 back to bytes: (v + 32) >> 6, clamped.
     void (*narrow)(uint8_t *dst, const int16_t *src, int32_t count);
-    /// Output x is the sum of `taps` (a multiple of `kTapGroup`) elements from src + first[x] on by weights + x * taps:
-    /// (sum + 2^19) >> 20, clamped.
-    void (*columns1)(uint8_t *dst, const int16_t *src, const int32_t *first, const int16_t *weights, int32_t taps,
-                     int32_t count);
-    /// The same for pixels of four channels; `first` counts pixels.
-    void (*columns4)(uint8_t *dst, const int16_t *src, const int32_t *first, const int16_t *weights, int32_t taps,
-                     int32_t count);
+    /// The first `count` outputs of a table, the sums of their weighted elements: (sum + 2^19) >> 20, clamped. Up to
+    /// `kColumnSlack` elements behind those of any output may be read; they do not count.
+    void (*columns1)(uint8_t *dst, const int16_t *src, const ColumnTable &table, int32_t count);
+    /// The same for pixels of four channels. Nothing behind its pixels is read.
+    void (*columns4)(uint8_t *dst, const int16_t *src, const ColumnTable &table, int32_t count);
 };
 
 /// The table for the processor's level as it is now (see `KernelLevelLimit`).

@@ -43,36 +43,68 @@ __m256i WeightPair(const int16_t *weights, bool both) {
     return _mm256_set1_epi32(static_cast<int32_t>((static_cast<uint32_t>(second) << 16) | static_cast<uint16_t>(weights[0])));
 }
 
+// Of 16 elements.
 struct Sums {
-    __m256i low;
-    __m256i high;
-    void Add(__m256i a, __m256i b, __m256i pair) {
-        low = _mm256_add_epi32(low, _mm256_madd_epi16(_mm256_unpacklo_epi16(a, b), pair));
-        high = _mm256_add_epi32(high, _mm256_madd_epi16(_mm256_unpackhi_epi16(a, b), pair));
+    __m256i low = _mm256_set1_epi32(128);
+    __m256i high = _mm256_set1_epi32(128);
+    ZCK_INLINE void Add(Sums &sums, const uint8_t *a, const uint8_t *b, __m256i pair) {
+        const __m256i first = Wide(a);
+        const __m256i second = Wide(b);
+        sums.low = _mm256_add_epi32(sums.low, _mm256_madd_epi16(_mm256_unpacklo_epi16(first, second), pair));
+        sums.high = _mm256_add_epi32(sums.high, _mm256_madd_epi16(_mm256_unpackhi_epi16(first, second), pair));
+    }
+    ZCK_INLINE void Put(int16_t *dst, const Sums &sums) {
+        Store(dst, _mm256_packs_epi32(_mm256_srai_epi32(sums.low, 8), _mm256_srai_epi32(sums.high, 8)));
     }
 };
 
-// Taps known at compile time keep the weights in registers.
-template <int32_t fixed>
-int32_t MixBlocks(int16_t *dst, const uint8_t *const *rows, const int16_t *weights, int32_t given, int32_t count) {
-    const int32_t taps = fixed > 0 ? fixed : given;
+int32_t MixTwo(int16_t *dst, const uint8_t *const *rows, const int16_t *weights, int32_t count) {
+    const uint8_t *const a = rows[0];
+    const uint8_t *const b = rows[1];
+    const __m256i pair = WeightPair(weights, true);
     int32_t i = 0;
     for (; i + 16 <= count; i += 16) {
-        Sums sums = {_mm256_set1_epi32(128), _mm256_set1_epi32(128)};
+        Sums sums;
+        Sums::Add(sums, a + i, b + i, pair);
+        Sums::Put(dst + i, sums);
+    }
+    return i;
+}
+
+int32_t MixFour(int16_t *dst, const uint8_t *const *rows, const int16_t *weights, int32_t count) {
+    const uint8_t *const a = rows[0];
+    const uint8_t *const b = rows[1];
+    const uint8_t *const c = rows[2];
+    const uint8_t *const d = rows[3];
+    const __m256i upper = WeightPair(weights, true);
+    const __m256i lower = WeightPair(weights + 2, true);
+    int32_t i = 0;
+    for (; i + 16 <= count; i += 16) {
+        Sums sums;
+        Sums::Add(sums, a + i, b + i, upper);
+        Sums::Add(sums, c + i, d + i, lower);
+        Sums::Put(dst + i, sums);
+    }
+    return i;
+}
+
+int32_t MixAny(int16_t *dst, const uint8_t *const *rows, const int16_t *weights, int32_t taps, int32_t count) {
+    int32_t i = 0;
+    for (; i + 16 <= count; i += 16) {
+        Sums sums;
         for (int32_t t = 0; t < taps; t += 2) {
             const bool both = t + 1 < taps;
-            sums.Add(Wide(rows[t] + i), Wide(rows[both ? t + 1 : t] + i), WeightPair(weights + t, both));
+            Sums::Add(sums, rows[t] + i, rows[both ? t + 1 : t] + i, WeightPair(weights + t, both));
         }
-        const __m256i words = _mm256_packs_epi32(_mm256_srai_epi32(sums.low, 8), _mm256_srai_epi32(sums.high, 8));
-        _mm256_storeu_si256(reinterpret_cast<__m256i *>(dst + i), words);
+        Sums::Put(dst + i, sums);
     }
     return i;
 }
 
 void MixRows(int16_t *dst, const uint8_t *const *rows, const int16_t *weights, int32_t taps, int32_t count) {
-    int32_t i = taps == 2   ? MixBlocks<2>(dst, rows, weights, taps, count)
-                : taps == 4 ? MixBlocks<4>(dst, rows, weights, taps, count)
-                            : MixBlocks<0>(dst, rows, weights, taps, count);
+    int32_t i = taps == 2   ? MixTwo(dst, rows, weights, count)
+                : taps == 4 ? MixFour(dst, rows, weights, count)
+                            : MixAny(dst, rows, weights, taps, count);
     for (; i < count; ++i) {
         int32_t sum = 128;
         for (int32_t t = 0; t < taps; ++t) sum += rows[t][i] * weights[t];
@@ -92,71 +124,128 @@ void Narrow(uint8_t *dst, const int16_t *src, int32_t count) {
     for (; i < count; ++i) dst[i] = Clamped((src[i] + 32) >> 6);
 }
 
-// Four elements from each of four places.
-__m256i Gather(const int16_t *src, const int32_t *first) {
-    const auto two = [src](int32_t a, int32_t b) {
-        const __m128i low = _mm_loadl_epi64(reinterpret_cast<const __m128i *>(src + a));
-        return _mm_castps_si128(_mm_loadh_pi(_mm_castsi128_ps(low), reinterpret_cast<const __m64 *>(src + b)));
-    };
-    return _mm256_inserti128_si256(_mm256_castsi128_si256(two(first[0], first[1])), two(first[2], first[3]), 1);
-}
-
-// Outputs x to x + 3, each as two sums side by side.
-__m256i Four(const int16_t *src, const int32_t *first, const int16_t *weights, int32_t taps) {
-    if (taps == kTapGroup) return _mm256_madd_epi16(Gather(src, first), Load(weights));
-    const int32_t places[4] = {0, taps, 2 * taps, 3 * taps};
-    __m256i sum = _mm256_setzero_si256();
-    for (int32_t t = 0; t < taps; t += kTapGroup)
-        sum = _mm256_add_epi32(sum, _mm256_madd_epi16(Gather(src + t, first), Gather(weights + t, places)));
-    return sum;
-}
-
-uint8_t Column(const int16_t *from, const int16_t *weights, int32_t taps, int32_t channels) {
+uint8_t Column(const int16_t *src, const ColumnTable &table, int32_t x, int32_t channels) {
+    const int16_t *const from = src + int64_t{channels} * table.first[x];
     int32_t sum = 1 << 19;
-    for (int32_t t = 0; t < taps; ++t) sum += from[channels * t] * weights[t];
+    for (int32_t t = 0; t < table.taps; ++t)
+        sum += from[channels * t] * table.weights[2 * (int64_t{t / 2} * table.outputs + x) + t % 2];
     return Clamped(sum >> 20);
 }
 
-void Columns1(uint8_t *dst, const int16_t *src, const int32_t *first, const int16_t *weights, int32_t taps, int32_t count) {
-    const __m256i half = _mm256_set1_epi32(1 << 19);
-    int32_t x = 0;
-    for (; x + 8 <= count; x += 8) {
-        const int16_t *const w = weights + int64_t{taps} * x;
-        const __m256i mixed =
-            _mm256_hadd_epi32(Four(src, first + x, w, taps), Four(src, first + x + 4, w + int64_t{4} * taps, taps));
-        const __m256i ordered = _mm256_permute4x64_epi64(mixed, _MM_SHUFFLE(3, 1, 2, 0));
-        const __m256i sum = _mm256_srai_epi32(_mm256_add_epi32(ordered, half), 20);
-        const __m128i words = _mm_packs_epi32(_mm256_castsi256_si128(sum), _mm256_extracti128_si256(sum, 1));
-        _mm_storel_epi64(reinterpret_cast<__m128i *>(dst + x), _mm_packus_epi16(words, words));
-    }
-    for (; x < count; ++x) dst[x] = Column(src + first[x], weights + int64_t{taps} * x, taps, 1);
+// Two times 16 bytes.
+ZCK_INLINE __m256i Halves(const void *a, const void *b) {
+    return _mm256_inserti128_si256(_mm256_castsi128_si256(LoadHalf(a)), LoadHalf(b), 1);
 }
 
-// One output of four channels: four sums.
-__m128i Pixel(const int16_t *from, const int16_t *weights, int32_t taps) {
+// Four elements each from two times two places.
+ZCK_INLINE __m256i Quarters(const int16_t *a, const int16_t *b, const int16_t *c, const int16_t *d) {
+    const auto two = [](const int16_t *low, const int16_t *high) {
+        const __m128i half = _mm_loadl_epi64(reinterpret_cast<const __m128i *>(low));
+        return _mm_castps_si128(_mm_loadh_pi(_mm_castsi128_ps(half), reinterpret_cast<const __m64 *>(high)));
+    };
+    return _mm256_inserti128_si256(_mm256_castsi128_si256(two(a, b)), two(c, d), 1);
+}
+
+ZCK_INLINE __m256i PairWeights(const ColumnTable &table, int32_t pair, int32_t x) {
+    return Load(table.weights + 2 * (int64_t{pair} * table.outputs + x));
+}
+
+// Outputs x to x + 7 that lie close together: of each pair of taps one load for four outputs.
+template <int32_t pairs>
+struct Close {
+    ZCK_INLINE __m256i Sums(const int16_t *src, const ColumnTable &table, int32_t x) {
+        const __m256i places = Load(table.places + x);
+        const int16_t *const low = src + table.first[x];
+        const int16_t *const high = src + table.first[x + 4];
+        __m256i sum = _mm256_set1_epi32(1 << 19);
+        for (int32_t p = 0; p < pairs; ++p) {
+            const __m256i elements = _mm256_shuffle_epi8(Halves(low + 2 * p, high + 2 * p), places);
+            sum = _mm256_add_epi32(sum, _mm256_madd_epi16(elements, PairWeights(table, p, x)));
+        }
+        return _mm256_srai_epi32(sum, 20);
+    }
+};
+
+// Outputs anywhere: of each two pairs one load for each output.
+struct Apart {
+    ZCK_INLINE __m256i Sums(const int16_t *src, const ColumnTable &table, int32_t x) {
+        const int32_t *const first = table.first + x;
+        const int32_t pairs = table.taps / 2;
+        __m256i sum = _mm256_set1_epi32(1 << 19);
+        for (int32_t p = 0; p < pairs; p += 2) {
+            const int16_t *const from = src + 2 * p;
+            const __m256 a = _mm256_castsi256_ps(Quarters(from + first[0], from + first[1], from + first[4], from + first[5]));
+            const __m256 b = _mm256_castsi256_ps(Quarters(from + first[2], from + first[3], from + first[6], from + first[7]));
+            const __m256i even = _mm256_castps_si256(_mm256_shuffle_ps(a, b, _MM_SHUFFLE(2, 0, 2, 0)));
+            const __m256i odd = _mm256_castps_si256(_mm256_shuffle_ps(a, b, _MM_SHUFFLE(3, 1, 3, 1)));
+            sum = _mm256_add_epi32(sum, _mm256_madd_epi16(even, PairWeights(table, p, x)));
+            if (p + 1 < pairs) sum = _mm256_add_epi32(sum, _mm256_madd_epi16(odd, PairWeights(table, p + 1, x)));
+        }
+        return _mm256_srai_epi32(sum, 20);
+    }
+};
+
+template <class Outputs>
+void Columns1By(uint8_t *dst, const int16_t *src, const ColumnTable &table, int32_t count) {
+    int32_t x = 0;
+    for (; x + 16 <= count; x += 16) {
+        const __m256i words = _mm256_packs_epi32(Outputs::Sums(src, table, x), Outputs::Sums(src, table, x + 8));
+        StoreHalf(dst + x, _mm_shuffle_epi32(Bytes(words), _MM_SHUFFLE(3, 1, 2, 0)));
+    }
+    for (; x < count; ++x) dst[x] = Column(src, table, x, 1);
+}
+
+void Columns1(uint8_t *dst, const int16_t *src, const ColumnTable &table, int32_t count) {
+    if (table.places == nullptr || table.taps > 6) return Columns1By<Apart>(dst, src, table, count);
+    if (table.taps == 2) return Columns1By<Close<1>>(dst, src, table, count);
+    if (table.taps == 4) return Columns1By<Close<2>>(dst, src, table, count);
+    Columns1By<Close<3>>(dst, src, table, count);
+}
+
+// Two outputs, one in each half of a vector, with the weights of output `place` among their four.
+template <int32_t place>
+ZCK_INLINE void AddPixels(__m256i &sum, const int16_t *from, const int32_t *first, __m256i weights) {
     const __m256i pairs = _mm256_setr_epi8(0, 1, 8, 9, 2, 3, 10, 11, 4, 5, 12, 13, 6, 7, 14, 15, 0, 1, 8, 9, 2, 3, 10, 11, 4, 5,
                                            12, 13, 6, 7, 14, 15);
-    const __m256i spread = _mm256_setr_epi32(0, 0, 0, 0, 1, 1, 1, 1);
-    __m256i sum = _mm256_setzero_si256();
-    for (int32_t t = 0; t < taps; t += kTapGroup) {
-        const __m128i group = _mm_loadl_epi64(reinterpret_cast<const __m128i *>(weights + t));
-        const __m256i w = _mm256_permutevar8x32_epi32(_mm256_castsi128_si256(group), spread);
-        sum = _mm256_add_epi32(sum, _mm256_madd_epi16(_mm256_shuffle_epi8(Load(from + 4 * t), pairs), w));
-    }
-    const __m128i both = _mm_add_epi32(_mm256_castsi256_si128(sum), _mm256_extracti128_si256(sum, 1));
-    return _mm_srai_epi32(_mm_add_epi32(both, _mm_set1_epi32(1 << 19)), 20);
+    const __m256i pixels = Halves(from + int64_t{4} * first[place], from + int64_t{4} * first[place + 4]);
+    const __m256i w = _mm256_shuffle_epi32(weights, 0x55 * place);
+    sum = _mm256_add_epi32(sum, _mm256_madd_epi16(_mm256_shuffle_epi8(pixels, pairs), w));
 }
 
-void Columns4(uint8_t *dst, const int16_t *src, const int32_t *first, const int16_t *weights, int32_t taps, int32_t count) {
-    int32_t x = 0;
-    for (; x + 4 <= count; x += 4) {
-        __m128i p[4];
-        for (int32_t j = 0; j < 4; ++j) p[j] = Pixel(src + int64_t{4} * first[x + j], weights + int64_t{taps} * (x + j), taps);
-        StoreHalf(dst + int64_t{4} * x, _mm_packus_epi16(_mm_packs_epi32(p[0], p[1]), _mm_packs_epi32(p[2], p[3])));
+// Outputs x to x + 7.
+template <int32_t fixed>
+ZCK_INLINE __m256i EightPixels(const int16_t *src, const ColumnTable &table, int32_t x) {
+    const int32_t *const first = table.first + x;
+    const int32_t count = fixed > 0 ? fixed : table.taps / 2;
+    __m256i a = _mm256_set1_epi32(1 << 19);
+    __m256i b = a;
+    __m256i c = a;
+    __m256i d = a;
+    for (int32_t p = 0; p < count; ++p) {
+        const int16_t *const from = src + int64_t{8} * p;
+        const __m256i weights = PairWeights(table, p, x);
+        AddPixels<0>(a, from, first, weights);
+        AddPixels<1>(b, from, first, weights);
+        AddPixels<2>(c, from, first, weights);
+        AddPixels<3>(d, from, first, weights);
     }
+    const __m256i low = _mm256_packs_epi32(_mm256_srai_epi32(a, 20), _mm256_srai_epi32(b, 20));
+    const __m256i high = _mm256_packs_epi32(_mm256_srai_epi32(c, 20), _mm256_srai_epi32(d, 20));
+    return _mm256_packus_epi16(low, high);
+}
+
+template <int32_t fixed>
+void Columns4By(uint8_t *dst, const int16_t *src, const ColumnTable &table, int32_t count) {
+    int32_t x = 0;
+    for (; x + 8 <= count; x += 8) Store(dst + int64_t{4} * x, EightPixels<fixed>(src, table, x));
     for (; x < count; ++x)
-        for (int32_t c = 0; c < 4; ++c)
-            dst[int64_t{4} * x + c] = Column(src + int64_t{4} * first[x] + c, weights + int64_t{taps} * x, taps, 4);
+        for (int32_t c = 0; c < 4; ++c) dst[int64_t{4} * x + c] = Column(src + c, table, x, 4);
+}
+
+void Columns4(uint8_t *dst, const int16_t *src, const ColumnTable &table, int32_t count) {
+    if (table.taps == 2) return Columns4By<1>(dst, src, table, count);
+    if (table.taps == 4) return Columns4By<2>(dst, src, table, count);
+    Columns4By<0>(dst, src, table, count);
 }
 
 }    // namespace

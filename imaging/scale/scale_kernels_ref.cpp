@@ -40,12 +40,13 @@ void Narrow(uint8_t *dst, const int16_t *src, int32_t count) {
 }
 
 template <int32_t channels>
-void Columns(uint8_t *dst, const int16_t *src, const int32_t *first, const int16_t *weights, int32_t taps, int32_t count) {
+void Columns(uint8_t *dst, const int16_t *src, const ColumnTable &table, int32_t count) {
     for (int32_t x = 0; x < count; ++x)
         for (int32_t c = 0; c < channels; ++c) {
-            const int16_t *const from = src + int64_t{channels} * first[x] + c;
+            const int16_t *const from = src + int64_t{channels} * table.first[x] + c;
             int32_t sum = 1 << 19;
-            for (int32_t t = 0; t < taps; ++t) sum += from[channels * t] * weights[int64_t{taps} * x + t];
+            for (int32_t t = 0; t < table.taps; ++t)
+                sum += from[channels * t] * table.weights[2 * (int64_t{t / 2} * table.outputs + x) + t % 2];
             dst[int64_t{channels} * x + c] = static_cast<uint8_t>(std::clamp(sum >> 20, 0, 255));
         }
 }

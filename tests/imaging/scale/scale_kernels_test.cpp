@@ -1,5 +1,6 @@
 #include "imaging/scale/scale_kernels.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "tests/support/kernel_check.h"
@@ -68,8 +69,34 @@ TEST(ScaleKernels, NarrowOverEveryWord) {
         }
 }
 
-// Random places, weights with both signs, words up to the ends of their range as overshoot gives them.
-void CheckColumns(int32_t channels, int32_t taps) {
+// Random places, close together or anywhere, weights with both signs, words up to the ends of their range as overshoot gives
+// them. What lies behind the elements of the last output must not count.
+struct RandomColumns {
+    RandomColumns(std::mt19937 &random, int32_t channels, int32_t taps, int32_t count, bool close) {
+        const auto n = static_cast<size_t>(std::max(count, 0));
+        int32_t at = static_cast<int32_t>(random() % 5);
+        for (size_t i = 0; i < n; ++i) {
+            first.push_back(close ? at : static_cast<int32_t>(random() % 40));
+            places.push_back(static_cast<uint32_t>(first[i] - first[i & ~size_t{3}]) * 0x02020202U + 0x03020100U);
+            at += static_cast<int32_t>(random() % (i % 4 == 3 ? 9 : 3));
+        }
+        for (size_t i = 0; i < n * static_cast<size_t>(taps) + 2; ++i)
+            weights.push_back(static_cast<int16_t>(static_cast<int32_t>(random() % 9000) - 2000));
+        const int32_t last = n > 0 ? *std::max_element(first.begin(), first.end()) : 0;
+        const int32_t slack = channels == 1 ? kColumnSlack : 0;
+        for (int32_t i = 0; i < (last + taps) * channels + slack; ++i)
+            src.push_back(static_cast<int16_t>(static_cast<int32_t>(random() % 24000) - 4000));
+        table = {first.data(), weights.data(), close && channels == 1 ? places.data() : nullptr, taps, count};
+    }
+
+    std::vector<int32_t> first;
+    std::vector<uint32_t> places;
+    std::vector<int16_t> weights;
+    std::vector<int16_t> src;
+    ColumnTable table;
+};
+
+void CheckColumns(int32_t channels, int32_t taps, bool close) {
     const std::vector<K> tables = Levels();
     if (tables.size() < 2) GTEST_SKIP() << "this processor has no AVX2";
     const uint32_t seed = test::Seed();
@@ -77,19 +104,11 @@ void CheckColumns(int32_t channels, int32_t taps) {
     std::mt19937 random(seed);
     for (int32_t count = -1; count < 36; ++count)
         for (int32_t round = 0; round < 20; ++round) {
-            const int32_t pixels = taps + static_cast<int32_t>(random() % 40);
-            // Exactly what the entry may read.
-            std::vector<int16_t> src(static_cast<size_t>(pixels * channels));
-            for (int16_t &v : src) v = static_cast<int16_t>(static_cast<int32_t>(random() % 24000) - 4000);
-            const auto n = static_cast<size_t>(std::max(count, 0));
-            std::vector<int32_t> first(n);
-            std::vector<int16_t> weights(n * static_cast<size_t>(taps));
-            for (int32_t &f : first) f = static_cast<int32_t>(random() % static_cast<uint32_t>(pixels - taps + 1));
-            for (int16_t &w : weights) w = static_cast<int16_t>(static_cast<int32_t>(random() % 9000) - 2000);
-            Bytes expected(n * static_cast<size_t>(channels) + 64, 0x5A);
+            const RandomColumns columns(random, channels, taps, count, close);
+            Bytes expected(columns.first.size() * static_cast<size_t>(channels) + 64, 0x5A);
             Bytes found = expected;
             const auto run = [&](const K &k, Bytes &out) {
-                (channels == 1 ? k.columns1 : k.columns4)(out.data(), src.data(), first.data(), weights.data(), taps, count);
+                (channels == 1 ? k.columns1 : k.columns4)(out.data(), columns.src.data(), columns.table, count);
             };
             run(tables[0], expected);
             run(tables[1], found);
@@ -99,7 +118,8 @@ void CheckColumns(int32_t channels, int32_t taps) {
 
 TEST(ScaleKernels, Columns) {
     for (const int32_t channels : {1, 4})
-        for (const int32_t taps : {4, 8, 12, 20}) CheckColumns(channels, taps);
+        for (const int32_t taps : {2, 4, 6, 8, 14, 20})
+            for (const bool close : {false, true}) CheckColumns(channels, taps, close);
 }
 
 TEST(ScaleKernels, TheTableFollowsTheLevel) {
