@@ -59,17 +59,30 @@ HRESULT CCoZFFactory_I::BufferReturn(IPCBuffer *_pBuffer) {
     return _pBuffer != nullptr ? m_heap.ReturnFrame(_pBuffer) : E_INVALIDARG;
 }
 
+HRESULT CCoZFFactory_I::AllocUnwritten(int32_t video, int32_t audio, FramePtr &frame) {
+    if (video < 0 || audio < 0) return E_INVALIDARG;
+    HRESULT hr = CCoZFrame2::Create(this, frame);
+    if (SUCCEEDED(hr) && video != 0) hr = frame->VideoAlloc(static_cast<uint32_t>(video));
+    if (SUCCEEDED(hr) && audio != 0) hr = frame->AudioAssign(nullptr, static_cast<uint32_t>(audio));
+    return hr;
+}
+
 HRESULT CCoZFFactory_I::FrameAlloc(int32_t _cbVideo, int32_t _cbAudio, IUnknown *, IZFrame_I **_ppFrameRes) {
     if (_ppFrameRes == nullptr) return E_POINTER;
     *_ppFrameRes = nullptr;
-    if (_cbVideo < 0 || _cbAudio < 0) return E_INVALIDARG;
     FramePtr frame;
-    HRESULT hr = CCoZFrame2::Create(this, frame);
-    if (SUCCEEDED(hr) && _cbVideo != 0) hr = frame->VideoAlloc(static_cast<uint32_t>(_cbVideo));
-    if (SUCCEEDED(hr) && _cbAudio != 0) hr = frame->AudioAssign(nullptr, static_cast<uint32_t>(_cbAudio));
+    const HRESULT hr = AllocUnwritten(_cbVideo, _cbAudio, frame);
     if (FAILED(hr)) return hr;
     frame->VideoZero();
     return HandOut(frame, _ppFrameRes);
+}
+
+HRESULT CCoZFFactory_I::UnwrittenAlloc(int32_t _cbVideo, IZFrame_I **_ppFrameRes) {
+    if (_ppFrameRes == nullptr) return E_POINTER;
+    *_ppFrameRes = nullptr;
+    FramePtr frame;
+    const HRESULT hr = AllocUnwritten(_cbVideo, 0, frame);
+    return SUCCEEDED(hr) ? HandOut(frame, _ppFrameRes) : hr;
 }
 
 HRESULT CCoZFFactory_I::FrameCreate(int32_t _cbVideo, IUnknown *_pKeeper, IZFrame **_ppFrameRes) {

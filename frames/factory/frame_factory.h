@@ -50,6 +50,7 @@ public:
     // IZFrameShell
     HRESULT Z_STDCALL CloneShell(IZFrame *_pFrame, eZFrameClone _eCloneType, eZFCC _fccPixelFormat, IZFrame_I **_ppClone,
                                  IZFrame_I **_ppLocal, ZF_SHELL *_pShell) override;
+    HRESULT Z_STDCALL UnwrittenAlloc(int32_t _cbVideo, IZFrame_I **_ppFrameRes) override;
 
 protected:
     void *InterfaceFind(REFIID riid) noexcept override;
@@ -62,6 +63,7 @@ private:
         bool bConvert = false;
     };
 
+    HRESULT AllocUnwritten(int32_t video, int32_t audio, FramePtr &frame);
     HRESULT CreateFromProps(const Z_VID_PROPS *props, int64_t pixels, TextView options, FramePtr &out);
     // For both families: `Source` is `IZFrame_I` or `IZFFrame`.
     template <class Source>

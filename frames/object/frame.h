@@ -207,6 +207,7 @@ public:
     // IZFrameShell
     HRESULT Z_STDCALL CloneShell(IZFrame *_pFrame, eZFrameClone _eCloneType, eZFCC _fccPixelFormat, IZFrame_I **_ppClone,
                                  IZFrame_I **_ppLocal, ZF_SHELL *_pShell) override;
+    HRESULT Z_STDCALL UnwrittenAlloc(int32_t _cbVideo, IZFrame_I **_ppFrameRes) override;
 
 protected:
     void *InterfaceFind(REFIID riid) noexcept override;

@@ -11,4 +11,10 @@ HRESULT CCoZFrame2::CloneShell(IZFrame *_pFrame, eZFrameClone _eCloneType, eZFCC
     return factory ? factory->CloneShell(_pFrame, _eCloneType, _fccPixelFormat, _ppClone, _ppLocal, _pShell) : E_UNEXPECTED;
 }
 
+HRESULT CCoZFrame2::UnwrittenAlloc(int32_t _cbVideo, IZFrame_I **_ppFrameRes) {
+    if (_ppFrameRes != nullptr) *_ppFrameRes = nullptr;
+    const auto factory = QueryFor<IZFrameShell>(m_pFactory.get());
+    return factory ? factory->UnwrittenAlloc(_cbVideo, _ppFrameRes) : E_UNEXPECTED;
+}
+
 }    // namespace zck

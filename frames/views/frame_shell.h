@@ -1,4 +1,4 @@
-// `IZFrameShell`: a way to make a clone whose pixels the caller writes itself.
+// `IZFrameShell`: ways to make a frame whose pixels the caller writes itself.
 #pragma once
 
 #include "frames/views/frame_i.h"
@@ -28,5 +28,9 @@ struct IZFrameShell : IUnknown {
     /// `S_FALSE`: `*_ppClone` is complete, as there were no pixels to write, and `*_ppLocal` is null.
     virtual HRESULT Z_STDCALL CloneShell(IZFrame *_pFrame, eZFrameClone _eCloneType, eZFCC _fccPixelFormat,
                                          IZFrame_I **_ppClone, IZFrame_I **_ppLocal, ZF_SHELL *_pShell) = 0;
+
+    /// Does what `IZFrames_I::FrameAlloc` does, without sound, but leaves unspecified bytes in the pixels: those of an earlier
+    /// frame. The caller writes all of them before it hands the frame on.
+    virtual HRESULT Z_STDCALL UnwrittenAlloc(int32_t _cbVideo, IZFrame_I **_ppFrameRes) = 0;
 };
 Z_INTERFACE_ID(IZFrameShell, 0x6B0F1D32, 0x8E54, 0x4C1B, 0x9A, 0x3E, 0x51, 0x07, 0xD2, 0xA4, 0x88, 0x25);

@@ -6,6 +6,7 @@
 
 #include "frames/media/pixel_format.h"
 #include "frames/media/video_props.h"
+#include "imaging/colour/color_convert.h"
 #include "platform/status.h"
 
 namespace zck {
@@ -76,6 +77,17 @@ bool SamePicture(const Z_VID_PROPS &a, const Z_VID_PROPS &b) {
 FieldMode FieldModeOf(int32_t field, const Z_VID_PROPS &source, const Z_VID_PROPS &target) {
     const bool firstOnly = field < 0 && FieldOrderSign(&source) != 0 && FieldOrderSign(&target) == 0;
     return firstOnly ? FieldMode::kFirst : FieldMode::kBoth;
+}
+
+// Fields of whole groups of four pixels and two rows have no remainder anywhere.
+bool WritesWholeTarget(const Z_VID_PROPS &source, const Z_VID_PROPS &target) {
+    const bool plain = target.fccType == eZFCC_YUY2 || PlainFormat(target.fccType) == eZFCC_UYVY ||
+                       PlainFormat(target.fccType) == eZFCC_ARGB32;
+    const bool grouped = target.nWidth % 4 == 0 && LinesOf(target) % 4 == 0 && source.nWidth >= 4 && LinesOf(source) >= 4;
+    const bool twoEyes = ((source.e3DFormat | target.e3DFormat) & (eZ3D_SideBySide | eZ3D_TopAndBottom)) != 0;
+    const int32_t row = RowBytes(target.fccType, target.nWidth);
+    return plain && grouped && !twoEyes && ColorConvertServes(source.fccType, target.fccType) && target.nRowBytes == row &&
+           FrameBufferSize(&target) == LinesOf(target) * row;
 }
 
 double PixelAspect(const Z_VID_PROPS &props) {

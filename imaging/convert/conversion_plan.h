@@ -33,6 +33,10 @@ enum class FieldMode : int32_t {
 /// All rows when `field` is 0 or more, when the source is progressive or when the target has fields; otherwise the first field.
 FieldMode FieldModeOf(int32_t field, const Z_VID_PROPS &source, const Z_VID_PROPS &target);
 
+/// A conversion or a quarter turn between these complete records writes every byte of the target, so that it need not be
+/// cleared before. False where a tail, a gap or a format might leave some, and wherever that is not plain to see.
+bool WritesWholeTarget(const Z_VID_PROPS &source, const Z_VID_PROPS &target);
+
 /// Width to height of a single pixel: the display's aspect by the picture's. 0 for a picture without width.
 double PixelAspect(const Z_VID_PROPS &props);
 

@@ -56,7 +56,7 @@ HRESULT Weave(IZFrames_I *factory, const FramePicture &a, const FramePicture &b,
     if (!a.Whole() || !b.Whole()) return kVfwEInvalidMediaType;
     record = a.Record();
     record.eInterlace = target.eInterlace;
-    hr = FrameForRecord(factory, record, result);
+    hr = FrameForRecord(factory, record, NewPixels::kZero, result);
     FramePicture woven;
     if (SUCCEEDED(hr)) hr = result->FrameTimeSet(const_cast<Z_TIME *>(&a.time));
     if (SUCCEEDED(hr)) hr = FramePictureGet(result.get(), woven);
@@ -81,7 +81,8 @@ HRESULT FrameRotate(IZFrames_I *factory, FramesConverter &converter, bool bLeft,
     const Z_VID_PROPS upright = record;
     hr = TurnedRecord(record);
     ComPtr<IZFrame_I> turned;
-    if (SUCCEEDED(hr)) hr = FrameForRecord(factory, record, turned);
+    const NewPixels pixels = WritesWholeTarget(upright, record) ? NewPixels::kUnwritten : NewPixels::kZero;
+    if (SUCCEEDED(hr)) hr = FrameForRecord(factory, record, pixels, turned);
     FramePicture to;
     if (SUCCEEDED(hr)) hr = FramePictureGet(turned.get(), to);
     if (SUCCEEDED(hr) && bSwapAudio && from.audioSize > 0) hr = turned->FrameAudioReset(from.audioSize, from.audio);

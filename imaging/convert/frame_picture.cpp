@@ -5,6 +5,7 @@
 
 #include "frames/media/pixel_format.h"
 #include "frames/media/video_props.h"
+#include "frames/views/frame_shell.h"
 #include "imaging/convert/convert_bits.h"
 #include "platform/status.h"
 
@@ -28,15 +29,15 @@ HRESULT FramePictureGet(IZFrame_I *frame, FramePicture &picture) {
     return hr;
 }
 
-HRESULT FrameForRecord(IZFrames_I *factory, const Z_VID_PROPS &record, ComPtr<IZFrame_I> &frame) {
+HRESULT FrameForRecord(IZFrames_I *factory, const Z_VID_PROPS &record, NewPixels pixels, ComPtr<IZFrame_I> &frame) {
     const int32_t size = FrameBufferSize(&record);
     if (size < 1) return kVfwEInvalidMediaType;
-    HRESULT hr = factory->FrameAlloc(size, 0, nullptr, frame.Put());
+    const auto maker = pixels == NewPixels::kUnwritten ? QueryFor<IZFrameShell>(factory) : ComPtr<IZFrameShell>();
+    const HRESULT hr = maker ? maker->UnwrittenAlloc(size, frame.Put()) : factory->FrameAlloc(size, 0, nullptr, frame.Put());
     if (FAILED(hr)) return hr;
     Z_AV_PROPS props = {};
     props.vidProps = record;
-    hr = frame->FrameAVPropsSet(&props);
-    return hr;
+    return frame->FrameAVPropsSet(&props);
 }
 
 }    // namespace zck

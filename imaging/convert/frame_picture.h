@@ -25,7 +25,13 @@ struct FramePicture {
 
 HRESULT FramePictureGet(IZFrame_I *frame, FramePicture &picture);
 
-/// A new frame of zeroed pixels as a record states them, with that record alone. 0x80040248 for a record of no bytes.
-HRESULT FrameForRecord(IZFrames_I *factory, const Z_VID_PROPS &record, ComPtr<IZFrame_I> &frame);
+/// What the pixels of a new frame are.
+enum class NewPixels {
+    kZero,
+    kUnwritten,    ///< may be those of an earlier frame: for whoever writes them all
+};
+
+/// A new frame of pixels as a record states them, with that record alone. 0x80040248 for a record of no bytes.
+HRESULT FrameForRecord(IZFrames_I *factory, const Z_VID_PROPS &record, NewPixels pixels, ComPtr<IZFrame_I> &frame);
 
 }    // namespace zck

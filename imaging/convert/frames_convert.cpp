@@ -2,6 +2,7 @@
 
 #include "frames/media/video_props.h"
 #include "frames/views/f_frame.h"
+#include "frames/views/frame_shell.h"
 #include "imaging/convert/conversion_plan.h"
 #include "imaging/convert/convert_options.h"
 #include "imaging/convert/crop_rotate.h"
@@ -50,17 +51,18 @@ HRESULT Mirror(const Job &job, const ComPtr<IZFrame_I> &frame) {
     return MirrorBits(made.video, made.videoSize, &job.target, job.options.mirror);
 }
 
-// The same picture: the frame itself, which is ours and borrows its pixels, or a copy that can be mirrored.
-HRESULT Clone(const Job &job, const ComPtr<IZFrame_I> &working, ComPtr<IZFrame_I> &result) {
-    if (job.options.mirror == 0) {
-        result = working;
-        return S_OK;
-    }
-    ComPtr<IZFrame> copy;
-    const HRESULT hr = working->FrameClone(copy.Put(), eZFC_Full, eZFCC_Default);
+// A mirrored copy. Its pixels are mirrored on their way; a source that gives no pixels to copy, or whose factory makes whole
+// clones only, is mirrored behind.
+HRESULT MirroredClone(const Job &job, const ComPtr<IZFrame_I> &working, ComPtr<IZFrame_I> &result) {
+    const auto maker = QueryFor<IZFrameShell>(job.factory);
+    if (!maker) return E_NOINTERFACE;
+    ComPtr<IZFrame_I> local;
+    ZF_SHELL shell = {};
+    const HRESULT hr = maker->CloneShell(working.get(), eZFC_Full, eZFCC_Default, result.Put(), local.Put(), &shell);
     if (FAILED(hr)) return hr;
-    result = QueryFor<IZFrame_I>(copy.get());
-    return result ? S_OK : E_NOINTERFACE;
+    if (hr == S_FALSE) return Mirror(job, result);
+    return MirrorBitsCopy(reinterpret_cast<const uint8_t *>(shell.pbSource), reinterpret_cast<uint8_t *>(shell.pbClone),
+                          shell.cbClone, &job.target, job.options.mirror);
 }
 
 HRESULT ConvertPixels(const Job &job, const FramePicture &working, int32_t quality, ComPtr<IZFrame_I> &result) {
@@ -68,7 +70,8 @@ HRESULT ConvertPixels(const Job &job, const FramePicture &working, int32_t quali
         if (job.frame[i] && !job.picture[i].Whole()) return kVfwEInvalidMediaType;
     if (working.Record().nWidth < 1 || working.Record().nHeight == 0) return E_UNEXPECTED;
     FramePicture made;
-    HRESULT hr = FrameForRecord(job.factory, job.target, result);
+    const NewPixels pixels = WritesWholeTarget(working.Record(), job.target) ? NewPixels::kUnwritten : NewPixels::kZero;
+    HRESULT hr = FrameForRecord(job.factory, job.target, pixels, result);
     if (SUCCEEDED(hr)) hr = FramePictureGet(result.get(), made);
     return SUCCEEDED(hr) ? job.converter->Convert(working.Source(), made.Target(), job.mode, quality) : hr;
 }
@@ -82,7 +85,13 @@ HRESULT ConvertPicture(const Job &job, ComPtr<IZFrame_I> &result) {
     if (FAILED(hr)) return hr;
     const int32_t quality = QualityAuto(job.options.quality, picture.Record(), job.target);
     const bool same = job.mode == FieldMode::kBoth && SamePicture(picture.Record(), job.target);
-    hr = same ? Clone(job, working, result) : ConvertPixels(job, picture, quality, result);
+    if (same && job.options.mirror != 0) return MirroredClone(job, working, result);
+    if (same) {
+        // Ours, and it borrows its pixels.
+        result = working;
+        return S_OK;
+    }
+    hr = ConvertPixels(job, picture, quality, result);
     return SUCCEEDED(hr) ? Mirror(job, result) : hr;
 }
 

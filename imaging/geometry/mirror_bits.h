@@ -1,4 +1,4 @@
-// Mirroring in place.
+// Mirroring, in place and on the way to another memory.
 #pragma once
 
 #include <cstdint>
@@ -17,5 +17,9 @@ enum MirrorIndex : int32_t { kMirrorHorz = 1, kMirrorVert = 2, kMirrorHorzVert =
 /// others that are not served; 0x80040200 for a record without size or row bytes; 0x80040248 when the memory does not hold the
 /// image.
 HRESULT MirrorBits(uint8_t *bits, int64_t bytes, const Z_VID_PROPS *props, int32_t nIndex);
+
+/// A copy of `bytes` bytes, mirrored, in one walk over both memories, which do not overlap. Statuses as above; after a failure
+/// the copy may be written or not.
+HRESULT MirrorBitsCopy(const uint8_t *src, uint8_t *dst, int64_t bytes, const Z_VID_PROPS *props, int32_t nIndex);
 
 }    // namespace zck

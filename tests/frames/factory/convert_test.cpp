@@ -282,6 +282,32 @@ TEST_F(ConvertedClones, BottomUpPicturesAreTurned) {
     }
 }
 
+// What a conversion leaves out of its target is 0, from a used pool too.
+TEST_F(ConvertedClones, ScaledFramesHoldNothingOfEarlierOnes) {
+    const auto frame = SoundFrame(Record(eZFCC_ARGB32, 64, -48));
+    ComPtr<IZFrames> fresh;
+    ASSERT_EQ(S_OK, FrameFactoryCreate(ZIidOf<IZFrames>(), fresh.PutVoid()));
+    for (const eZFCC fcc : {eZFCC_UYVY, eZFCC_ARGB32, eZFCC_RGB24, eZFCC_I420, eZFCC_YVYU})
+        for (const int32_t width : {32, 33, 34})
+            for (const TextView options : {ZCK_TEXT(""), ZCK_TEXT("scaling_quality=14"), ZCK_TEXT("rotate=left"),
+                                           ZCK_TEXT("mirror=horz"), ZCK_TEXT("rotate=right mirror=both")}) {
+                Z_VID_PROPS target = Record(fcc, width, IsRgbFormat(fcc) ? -20 : 20);
+                if (width == 34) target.nRowBytes += 8;
+                ComPtr<IZFrame> clean;
+                ComPtr<IZFrame> used;
+                ComPtr<IZFrame> local;
+                Z_VID_PROPS record = PropsOf(frame).vidProps;
+                ASSERT_EQ(S_OK, fresh->FrameCreateFromProps(&record, VideoOf(frame).address, local.Put(), nullptr));
+                const HRESULT hr = local->FrameConvert(&target, clean.Put(), Bstr(options).get());
+                ASSERT_TRUE(hr == S_OK || fcc == eZFCC_I420);
+                Soil(FrameBufferSize(&target));
+                Soil(64 * 48 * 4);
+                ASSERT_EQ(hr, frame->FrameConvert(&target, used.Put(), Bstr(options).get()));
+                if (FAILED(hr)) continue;
+                EXPECT_EQ(VideoOf(clean).Copy(), VideoOf(used).Copy()) << std::hex << fcc << std::dec << " " << width;
+            }
+}
+
 class Shells : public ConvertedClones {
 protected:
     void SetUp() override {

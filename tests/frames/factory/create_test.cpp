@@ -67,6 +67,23 @@ TEST_F(Factory, EmptyFramesAreZeroFromAUsedPool) {
     }
 }
 
+// Frames hand the wish on to their factory.
+TEST_F(Factory, UnwrittenFramesHaveTheSizeAndNoRecord) {
+    const auto owner = Frame(Record(eZFCC_ARGB32, 16, -8));
+    for (const auto &maker : {As<IZFrameShell>(m_factory), As<IZFrameShell>(owner)}) {
+        EXPECT_EQ(E_POINTER, maker->UnwrittenAlloc(1, nullptr));
+        ComPtr<IZFrame_I> frame;
+        EXPECT_EQ(E_INVALIDARG, maker->UnwrittenAlloc(-1, frame.Put()));
+        EXPECT_FALSE(frame);
+        ASSERT_EQ(S_OK, maker->UnwrittenAlloc(5000, frame.Put()));
+        EXPECT_EQ(5000, VideoOf(frame).size);
+        std::memset(VideoOf(frame).data(), 0xEE, 5000);
+        const Z_AV_PROPS none = {};
+        const Z_AV_PROPS props = PropsOf(frame);
+        EXPECT_EQ(0, std::memcmp(&none, &props, sizeof(props)));
+    }
+}
+
 // A keeper of an empty frame has nothing to keep.
 TEST_F(Factory, KeepersOfEmptyFramesAreNotHeld) {
     const auto keeper = Frame(Record(eZFCC_ARGB32, 16, -8));

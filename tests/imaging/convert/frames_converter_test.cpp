@@ -8,7 +8,9 @@
 #include "frames/media/pixel_format.h"
 #include "frames/media/video_props.h"
 #include "imaging/colour/convert.h"
+#include "imaging/convert/conversion_plan.h"
 #include "platform/status.h"
+#include "tests/support/formats.h"
 
 namespace zck {
 namespace {
@@ -175,6 +177,60 @@ TEST(FramesConverter, LinesOfAFieldPairAreLinedUpOnce) {
     const Bytes picture(b.Row(6), b.Row(6) + a.memory.size());
     EXPECT_EQ(picture, a.memory);
     for (int32_t y = 0; y < 6; ++y) EXPECT_EQ(Bytes(b.Row(y), b.Row(y) + 4), Bytes({128, 16, 128, 16})) << y;
+}
+
+// Both come out alike or fail alike, whatever the target held before.
+struct TwoTargets {
+    Image zero;
+    Image other;
+
+    explicit TwoTargets(const Image &like) : zero(like), other(like) {
+        std::fill(zero.memory.begin(), zero.memory.end(), uint8_t{0});
+        std::fill(other.memory.begin(), other.memory.end(), uint8_t{0xCD});
+    }
+    template <class Work>
+    bool Alike(Work &&work) {
+        const HRESULT hr = work(zero.Target());
+        return work(other.Target()) == hr && (FAILED(hr) || zero.memory == other.memory);
+    }
+};
+
+// Sizes, scans and fits by turns, so that all of them meet all pairs of formats.
+TEST(FramesConverter, TargetsThatAreWrittenWholeNeedNoClearing) {
+    FramesConverter converter;
+    std::mt19937 random(5);
+    const auto any = [&random](auto list) { return list.begin()[random() % list.size()]; };
+    int32_t whole = 0;
+    for (const eZFCC from : test::PictureFormats())
+        for (const eZFCC to : {eZFCC_UYVY, eZFCC_HDYC, eZFCC_YUY2, eZFCC_RGB32, eZFCC_ARGB32, eZFCC_RGB24, eZFCC_YVYU})
+            for (int32_t round = 0; round < 150; ++round) {
+                const auto scan = [&] { return any(std::initializer_list{eZI_Progressive, eZI_Field1First, eZI_Field2First}); };
+                const auto width = [&] { return any(std::initializer_list{4, 5, 8, 36, 63, 64, 68, 100}); };
+                const auto height = [&] { return any(std::initializer_list{4, 6, 7, 8, 36, 48, 50, 72, -4, -8, -48, -45}); };
+                Image a(from, width(), IsRgbFormat(from) ? height() : std::abs(height()), scan(), -3, -3);
+                Image b(to, width(), IsRgbFormat(to) ? height() : std::abs(height()), scan(), 9, 9);
+                if (round % 3 == 0) b.props.nWidth = a.props.nWidth;
+                if (round % 6 == 0) b.props.nHeight = IsRgbFormat(to) ? -std::abs(a.props.nHeight) : std::abs(a.props.nHeight);
+                b.props.nRowBytes = RowBytes(to, b.props.nWidth) + (round % 10 == 9 ? 4 : 0);
+                a.props.eScaleType =
+                    any(std::initializer_list{eZST_None, eZST_Crop, eZST_LetterBox, eZST_NoScale, eZST_Default});
+                a.props.e3DFormat = round % 20 == 7 ? eZ3D_TopAndBottom : eZ3D_None;
+                b.memory.resize(static_cast<size_t>(std::max(FrameBufferSize(&b.props), 0)));
+                if (a.memory.empty() || b.memory.empty() || !WritesWholeTarget(a.props, b.props)) continue;
+                ++whole;
+                TwoTargets targets(b);
+                const int32_t quality = any(std::initializer_list{1, 2, 4, 5, 8, 9, 11, 12, 14, 18, 19});
+                const FieldMode mode = any(std::initializer_list{FieldMode::kBoth, FieldMode::kFirst});
+                EXPECT_TRUE(targets.Alike([&](EngineTarget t) { return converter.Convert(a.Source(), t, mode, quality); }))
+                    << std::hex << from << " to " << to << std::dec << " " << a.props.nWidth << "x" << a.props.nHeight << " to "
+                    << b.props.nWidth << "x" << b.props.nHeight << " scans " << a.props.eInterlace << " " << b.props.eInterlace
+                    << " fit " << a.props.eScaleType << " quality " << quality;
+                const bool left = round % 2 == 0;
+                EXPECT_TRUE(targets.Alike([&](EngineTarget t) {
+                    return converter.Rotate(a.Source(), t, left, a.props.eInterlace != eZI_Progressive);
+                })) << "turned";
+            }
+    EXPECT_GT(whole, 1000);
 }
 
 }    // namespace

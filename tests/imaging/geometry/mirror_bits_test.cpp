@@ -93,6 +93,26 @@ TEST(MirrorBits, TheMoveEndsWithTheMemory) {
     EXPECT_EQ(Mirrored(p, kMirrorVert), S_OK) << "a cut picture: the last row has no padding";
 }
 
+// Row padding and what is behind the rows included; more rows than a band has.
+TEST(MirrorBits, ACopyHasTheBytesThatMirroringInPlaceGives) {
+    for (const eZFCC fcc : {eZFCC_RGB24, eZFCC_RGB32, eZFCC_ARGB32, eZFCC_UYVY, eZFCC_HDYC, eZFCC_YUY2, eZFCC_YVYU})
+        for (const int32_t width : {1, 2, 7, 34})
+            for (const int32_t height : {1, 16, 37, -18})
+                for (const int32_t padding : {0, 5})
+                    for (const eZInterlace scan : {eZI_Progressive, eZI_Field1First})
+                        for (const int32_t more : {-padding, 0, 11})
+                            for (const int32_t index : {1, 2, 3}) {
+                                Picture p(fcc, width, height, 3, padding);
+                                p.props.eInterlace = scan;
+                                p.memory.resize(p.memory.size() + static_cast<size_t>(more), 77);
+                                Bytes copy(p.memory.size(), 99);
+                                const Bytes before = p.memory;
+                                ASSERT_EQ(MirrorBitsCopy(before.data(), copy.data(), p.Size(), &p.props, index), S_OK);
+                                ASSERT_EQ(Mirrored(p, index), S_OK);
+                                ASSERT_EQ(copy, p.memory) << fcc << " " << width << "x" << height << " index " << index;
+                            }
+}
+
 TEST(MirrorBits, Statuses) {
     Picture p(eZFCC_UYVY, 8, 4, 1);
     const Bytes before = p.memory;
@@ -108,6 +128,12 @@ TEST(MirrorBits, Statuses) {
     p.props.nWidth = 0;
     EXPECT_EQ(Mirrored(p, 1), StatusOf(0x80040200));
     EXPECT_EQ(p.memory, before);
+    Bytes copy(before.size());
+    EXPECT_EQ(MirrorBitsCopy(before.data(), copy.data(), p.Size(), &p.props, 1), StatusOf(0x80040200));
+    EXPECT_EQ(MirrorBitsCopy(before.data(), nullptr, p.Size(), &p.props, 1), E_POINTER);
+    EXPECT_EQ(MirrorBitsCopy(nullptr, copy.data(), p.Size(), &p.props, 1), E_POINTER);
+    p.props.nWidth = 8;
+    EXPECT_EQ(MirrorBitsCopy(before.data(), copy.data(), p.Size() - 1, &p.props, 1), kVfwEInvalidMediaType);
 }
 
 }    // namespace
