@@ -40,7 +40,10 @@ void Split32(uint8_t *y, uint8_t *cb, uint8_t *cr, const uint8_t *src) {
 
 template <bool kLumaFirst>
 void Split(uint8_t *y, uint8_t *cb, uint8_t *cr, const uint8_t *src, int32_t width) {
-    for (; width >= 32; width -= 32, src += 64, y += 32, cb += 16, cr += 16) Split32<kLumaFirst>(y, cb, cr, src);
+    for (; width >= 32; width -= 32, src += 64, y += 32, cb += 16, cr += 16) {
+        FetchAhead(src);
+        Split32<kLumaFirst>(y, cb, cr, src);
+    }
     if (width <= 0) return;
     const int32_t groups = (width + 1) / 2;
     uint8_t in[64] = {};

@@ -15,6 +15,9 @@ namespace {
 // Columns that the tables hold: longer rows must not bring tables far above their own size.
 constexpr int32_t kColumnsAtOnce = 32768;
 
+// Rows whose taps are kept, likewise.
+constexpr int32_t kRowsKept = 8192;
+
 // Elements between the first output and another one of four that lie close together.
 constexpr uint32_t kMostApart = 6;
 
@@ -68,6 +71,7 @@ int32_t Resizer::Prepare(const ResizeShape &shape) {
         m_shape = shape;
         if (m_bSummed) m_sums.resize(columns);
         if (!m_bSummed) SizeColumns();
+        if (!m_bSummed) SizeRows();
     } catch (const std::bad_alloc &) {
         m_shape = {};
         return kPrimitiveNoMemory;
@@ -84,6 +88,12 @@ void Resizer::SizeColumns() {
     m_weights.resize(columns * static_cast<size_t>(m_nTaps));
     m_places.resize(m_shape.channels == 1 && m_nTaps > 0 ? columns : 0);
     m_mid.assign(static_cast<size_t>(source + m_nTaps) * static_cast<size_t>(m_shape.channels) + kColumnSlack, 0);
+}
+
+void Resizer::SizeRows() {
+    const int32_t rows = m_shape.target.height;
+    m_rowTaps.resize(rows <= kRowsKept ? static_cast<size_t>(rows) : 1);
+    for (int32_t y = 0; m_rowTaps.size() > 1 && y < rows; ++y) MakeRowTaps(y, &m_rowTaps[static_cast<size_t>(y)]);
 }
 
 void Resizer::MakeColumns(int32_t x) {
@@ -165,10 +175,20 @@ void Resizer::SummedRow(int32_t y, const RowsOnDemand &source, uint8_t *dst) {
     for (size_t i = 0; i < m_sums.size(); ++i) dst[i] = static_cast<uint8_t>((2 * m_sums[i] + area) / (2 * area));
 }
 
-void Resizer::FilteredRow(int32_t y, const RowsOnDemand &source, uint8_t *dst) {
-    ResizeTaps taps = {y, 1, {1 << kWeightBits}};
+void Resizer::MakeRowTaps(int32_t y, ResizeTaps *taps) const {
+    *taps = {y, 1, {1 << kWeightBits}};
     if (m_shape.source.height != m_shape.target.height || Filters(m_shape.code))
-        ResizeTapsMake(m_shape.code, m_shape.source.height, m_shape.target.height, y, &taps);
+        ResizeTapsMake(m_shape.code, m_shape.source.height, m_shape.target.height, y, taps);
+}
+
+const ResizeTaps &Resizer::RowTaps(int32_t y) {
+    if (m_rowTaps.size() > 1) return m_rowTaps[static_cast<size_t>(y)];
+    MakeRowTaps(y, m_rowTaps.data());
+    return m_rowTaps[0];
+}
+
+void Resizer::FilteredRow(int32_t y, const RowsOnDemand &source, uint8_t *dst) {
+    const ResizeTaps &taps = RowTaps(y);
     const uint8_t *rows[kResizeTapsMax];
     for (int32_t t = 0; t < taps.count; ++t) rows[t] = source.row(source.owner, taps.first + t);
     const int32_t channels = m_shape.channels;

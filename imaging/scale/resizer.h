@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "imaging/primitives/image.h"
+#include "imaging/scale/resize_taps.h"
 #include "imaging/scale/scale_options.h"
 
 namespace zck {
@@ -49,9 +50,12 @@ public:
 
 private:
     void SizeColumns();
+    void SizeRows();
+    void MakeRowTaps(int32_t y, ResizeTaps *taps) const;
     void MakeColumns(int32_t x);
     void MakePlaces(int32_t count);
     void Columns(const uint8_t *row, uint8_t *dst);
+    const ResizeTaps &RowTaps(int32_t y);
     void FilteredRow(int32_t y, const RowsOnDemand &source, uint8_t *dst);
     void SummedRow(int32_t y, const RowsOnDemand &source, uint8_t *dst);
 
@@ -64,8 +68,9 @@ private:
     std::vector<int32_t> m_first;    // these three as in `ColumnTable`
     std::vector<int16_t> m_weights;
     std::vector<uint32_t> m_places;
-    std::vector<int16_t> m_mid;      // one row between the directions, with room for the last column's taps
-    std::vector<uint64_t> m_sums;    // of one target row
+    std::vector<ResizeTaps> m_rowTaps;    // of all target rows, or the last one's where there are very many
+    std::vector<int16_t> m_mid;           // one row between the directions, with room for the last column's taps
+    std::vector<uint64_t> m_sums;         // of one target row
 };
 
 /// Image to image with steps: `Resize_8u_C1R` and `Resize_8u_C4R` by the channels of the shape, super-sampling included.

@@ -65,6 +65,7 @@ int32_t MixTwo(int16_t *dst, const uint8_t *const *rows, const int16_t *weights,
     int32_t i = 0;
     for (; i + 16 <= count; i += 16) {
         Sums sums;
+        FetchAhead(b + i);
         Sums::Add(sums, a + i, b + i, pair);
         Sums::Put(dst + i, sums);
     }
@@ -82,6 +83,8 @@ int32_t MixFour(int16_t *dst, const uint8_t *const *rows, const int16_t *weights
     for (; i + 16 <= count; i += 16) {
         Sums sums;
         Sums::Add(sums, a + i, b + i, upper);
+        FetchAhead(c + i);
+        FetchAhead(d + i);
         Sums::Add(sums, c + i, d + i, lower);
         Sums::Put(dst + i, sums);
     }
@@ -153,40 +156,51 @@ ZCK_INLINE __m256i PairWeights(const ColumnTable &table, int32_t pair, int32_t x
 // Outputs x to x + 7 that lie close together: of each pair of taps one load for four outputs.
 template <int32_t pairs>
 struct Close {
+    struct Eight {
+        __m256i places;
+        const int16_t *low;
+        const int16_t *high;
+        __m256i sum;
+    };
+    // From pair p on. Recursion, since loops are not unrolled.
+    template <int32_t p>
+    ZCK_INLINE void Add(Eight &eight, const ColumnTable &table, int32_t x) {
+        const __m256i elements = _mm256_shuffle_epi8(Halves(eight.low + 2 * p, eight.high + 2 * p), eight.places);
+        eight.sum = _mm256_add_epi32(eight.sum, _mm256_madd_epi16(elements, PairWeights(table, p, x)));
+        if constexpr (p + 1 < pairs) Add<p + 1>(eight, table, x);
+    }
     ZCK_INLINE __m256i Sums(const int16_t *src, const ColumnTable &table, int32_t x) {
-        const __m256i places = Load(table.places + x);
-        const int16_t *const low = src + table.first[x];
-        const int16_t *const high = src + table.first[x + 4];
-        __m256i sum = _mm256_set1_epi32(1 << 19);
-        for (int32_t p = 0; p < pairs; ++p) {
-            const __m256i elements = _mm256_shuffle_epi8(Halves(low + 2 * p, high + 2 * p), places);
-            sum = _mm256_add_epi32(sum, _mm256_madd_epi16(elements, PairWeights(table, p, x)));
-        }
-        return _mm256_srai_epi32(sum, 20);
+        Eight eight = {Load(table.places + x), src + table.first[x], src + table.first[x + 4], _mm256_set1_epi32(1 << 19)};
+        Add<0>(eight, table, x);
+        return _mm256_srai_epi32(eight.sum, 20);
     }
 };
 
-// Outputs anywhere: of each two pairs one load for each output.
+// Outputs anywhere: of each two pairs one load for each output. `fixed`: the number of pairs, if it is known.
+template <int32_t fixed>
 struct Apart {
-    ZCK_INLINE __m256i Sums(const int16_t *src, const ColumnTable &table, int32_t x) {
+    // Pairs p and p + 1, or p alone.
+    ZCK_INLINE __m256i Two(const int16_t *from, const ColumnTable &table, int32_t p, int32_t x, bool both) {
         const int32_t *const first = table.first + x;
-        const int32_t pairs = table.taps / 2;
+        const __m256 a = _mm256_castsi256_ps(Quarters(from + first[0], from + first[1], from + first[4], from + first[5]));
+        const __m256 b = _mm256_castsi256_ps(Quarters(from + first[2], from + first[3], from + first[6], from + first[7]));
+        const __m256i even = _mm256_castps_si256(_mm256_shuffle_ps(a, b, _MM_SHUFFLE(2, 0, 2, 0)));
+        const __m256i sum = _mm256_madd_epi16(even, PairWeights(table, p, x));
+        if (!both) return sum;
+        const __m256i odd = _mm256_castps_si256(_mm256_shuffle_ps(a, b, _MM_SHUFFLE(3, 1, 3, 1)));
+        return _mm256_add_epi32(sum, _mm256_madd_epi16(odd, PairWeights(table, p + 1, x)));
+    }
+    ZCK_INLINE __m256i Sums(const int16_t *src, const ColumnTable &table, int32_t x) {
+        const int32_t pairs = fixed > 0 ? fixed : table.taps / 2;
         __m256i sum = _mm256_set1_epi32(1 << 19);
-        for (int32_t p = 0; p < pairs; p += 2) {
-            const int16_t *const from = src + 2 * p;
-            const __m256 a = _mm256_castsi256_ps(Quarters(from + first[0], from + first[1], from + first[4], from + first[5]));
-            const __m256 b = _mm256_castsi256_ps(Quarters(from + first[2], from + first[3], from + first[6], from + first[7]));
-            const __m256i even = _mm256_castps_si256(_mm256_shuffle_ps(a, b, _MM_SHUFFLE(2, 0, 2, 0)));
-            const __m256i odd = _mm256_castps_si256(_mm256_shuffle_ps(a, b, _MM_SHUFFLE(3, 1, 3, 1)));
-            sum = _mm256_add_epi32(sum, _mm256_madd_epi16(even, PairWeights(table, p, x)));
-            if (p + 1 < pairs) sum = _mm256_add_epi32(sum, _mm256_madd_epi16(odd, PairWeights(table, p + 1, x)));
-        }
+        for (int32_t p = 0; p < pairs; p += 2) sum = _mm256_add_epi32(sum, Two(src + 2 * p, table, p, x, p + 1 < pairs));
         return _mm256_srai_epi32(sum, 20);
     }
 };
 
 template <class Outputs>
-void Columns1By(uint8_t *dst, const int16_t *src, const ColumnTable &table, int32_t count) {
+void Columns1By(uint8_t *dst, const int16_t *src, const ColumnTable &given, int32_t count) {
+    const ColumnTable table = given;    // no byte that is written is part of it
     int32_t x = 0;
     for (; x + 16 <= count; x += 16) {
         const __m256i words = _mm256_packs_epi32(Outputs::Sums(src, table, x), Outputs::Sums(src, table, x + 8));
@@ -196,10 +210,11 @@ void Columns1By(uint8_t *dst, const int16_t *src, const ColumnTable &table, int3
 }
 
 void Columns1(uint8_t *dst, const int16_t *src, const ColumnTable &table, int32_t count) {
-    if (table.places == nullptr || table.taps > 6) return Columns1By<Apart>(dst, src, table, count);
-    if (table.taps == 2) return Columns1By<Close<1>>(dst, src, table, count);
-    if (table.taps == 4) return Columns1By<Close<2>>(dst, src, table, count);
-    Columns1By<Close<3>>(dst, src, table, count);
+    const bool close = table.places != nullptr;
+    if (table.taps == 2) return (close ? Columns1By<Close<1>> : Columns1By<Apart<1>>)(dst, src, table, count);
+    if (table.taps == 4) return (close ? Columns1By<Close<2>> : Columns1By<Apart<2>>)(dst, src, table, count);
+    if (table.taps == 6 && close) return Columns1By<Close<3>>(dst, src, table, count);
+    Columns1By<Apart<0>>(dst, src, table, count);
 }
 
 // Two outputs, one in each half of a vector, with the weights of output `place` among their four.
@@ -235,7 +250,8 @@ ZCK_INLINE __m256i EightPixels(const int16_t *src, const ColumnTable &table, int
 }
 
 template <int32_t fixed>
-void Columns4By(uint8_t *dst, const int16_t *src, const ColumnTable &table, int32_t count) {
+void Columns4By(uint8_t *dst, const int16_t *src, const ColumnTable &given, int32_t count) {
+    const ColumnTable table = given;    // no byte that is written is part of it
     int32_t x = 0;
     for (; x + 8 <= count; x += 8) Store(dst + int64_t{4} * x, EightPixels<fixed>(src, table, x));
     for (; x < count; ++x)

@@ -199,28 +199,27 @@ struct TwoTargets {
 TEST(FramesConverter, TargetsThatAreWrittenWholeNeedNoClearing) {
     FramesConverter converter;
     std::mt19937 random(5);
-    const auto any = [&random](auto list) { return list.begin()[random() % list.size()]; };
+    const auto any = [&random](auto list) { return list[random() % list.size()]; };
     int32_t whole = 0;
     for (const eZFCC from : test::PictureFormats())
         for (const eZFCC to : {eZFCC_UYVY, eZFCC_HDYC, eZFCC_YUY2, eZFCC_RGB32, eZFCC_ARGB32, eZFCC_RGB24, eZFCC_YVYU})
             for (int32_t round = 0; round < 150; ++round) {
-                const auto scan = [&] { return any(std::initializer_list{eZI_Progressive, eZI_Field1First, eZI_Field2First}); };
-                const auto width = [&] { return any(std::initializer_list{4, 5, 8, 36, 63, 64, 68, 100}); };
-                const auto height = [&] { return any(std::initializer_list{4, 6, 7, 8, 36, 48, 50, 72, -4, -8, -48, -45}); };
+                const auto scan = [&] { return any(std::vector{eZI_Progressive, eZI_Field1First, eZI_Field2First}); };
+                const auto width = [&] { return any(std::vector{4, 5, 8, 36, 63, 64, 68, 100}); };
+                const auto height = [&] { return any(std::vector{4, 6, 7, 8, 36, 48, 50, 72, -4, -8, -48, -45}); };
                 Image a(from, width(), IsRgbFormat(from) ? height() : std::abs(height()), scan(), -3, -3);
                 Image b(to, width(), IsRgbFormat(to) ? height() : std::abs(height()), scan(), 9, 9);
                 if (round % 3 == 0) b.props.nWidth = a.props.nWidth;
                 if (round % 6 == 0) b.props.nHeight = IsRgbFormat(to) ? -std::abs(a.props.nHeight) : std::abs(a.props.nHeight);
                 b.props.nRowBytes = RowBytes(to, b.props.nWidth) + (round % 10 == 9 ? 4 : 0);
-                a.props.eScaleType =
-                    any(std::initializer_list{eZST_None, eZST_Crop, eZST_LetterBox, eZST_NoScale, eZST_Default});
+                a.props.eScaleType = any(std::vector{eZST_None, eZST_Crop, eZST_LetterBox, eZST_NoScale, eZST_Default});
                 a.props.e3DFormat = round % 20 == 7 ? eZ3D_TopAndBottom : eZ3D_None;
                 b.memory.resize(static_cast<size_t>(std::max(FrameBufferSize(&b.props), 0)));
                 if (a.memory.empty() || b.memory.empty() || !WritesWholeTarget(a.props, b.props)) continue;
                 ++whole;
                 TwoTargets targets(b);
-                const int32_t quality = any(std::initializer_list{1, 2, 4, 5, 8, 9, 11, 12, 14, 18, 19});
-                const FieldMode mode = any(std::initializer_list{FieldMode::kBoth, FieldMode::kFirst});
+                const int32_t quality = any(std::vector{1, 2, 4, 5, 8, 9, 11, 12, 14, 18, 19});
+                const FieldMode mode = any(std::vector{FieldMode::kBoth, FieldMode::kFirst});
                 EXPECT_TRUE(targets.Alike([&](EngineTarget t) { return converter.Convert(a.Source(), t, mode, quality); }))
                     << std::hex << from << " to " << to << std::dec << " " << a.props.nWidth << "x" << a.props.nHeight << " to "
                     << b.props.nWidth << "x" << b.props.nHeight << " scans " << a.props.eInterlace << " " << b.props.eInterlace
