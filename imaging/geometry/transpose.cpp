@@ -8,7 +8,9 @@
 namespace zck {
 namespace {
 
-constexpr int32_t kTile = 64;
+// Of the source: a cache line of its 4-byte pixels wide, and so high that the runs of a target row are long.
+constexpr int32_t kTileColumns = 16;
+constexpr int32_t kTileRows = 256;
 
 struct Walk {
     uint8_t *dst;
@@ -38,10 +40,10 @@ struct Walk {
 
 void Transpose(uint8_t *dst, int64_t dstStep, const uint8_t *src, int64_t srcStep, ROI size, int32_t pixel) {
     const Walk walk = {dst, dstStep, src, srcStep};
-    for (int32_t y = 0; y < size.height; y += kTile)
-        for (int32_t x = 0; x < size.width; x += kTile) {
-            const int32_t x1 = x + std::min(size.width - x, kTile);
-            const int32_t y1 = y + std::min(size.height - y, kTile);
+    for (int32_t y = 0; y < size.height; y += kTileRows)
+        for (int32_t x = 0; x < size.width; x += kTileColumns) {
+            const int32_t x1 = x + std::min(size.width - x, kTileColumns);
+            const int32_t y1 = y + std::min(size.height - y, kTileRows);
             if (pixel == 4) walk.Blocks4(x, y, x1, y1);
             if (pixel == 3) walk.Pixels<3>(x, y, x1, y1);
             if (pixel == 1) walk.Pixels<1>(x, y, x1, y1);

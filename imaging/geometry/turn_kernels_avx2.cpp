@@ -6,27 +6,32 @@
 namespace zck {
 namespace {
 
-// Pairs of rows, then pairs of pairs, then the halves change places.
+using namespace avx2;
+
+// Four pixels of row y, and of row y + 4 in the upper half.
+ZCK_INLINE __m256i TwoRows(const uint8_t *src, int64_t srcStep, int64_t y) {
+    return _mm256_inserti128_si256(_mm256_castsi128_si256(LoadHalf(src + y * srcStep)), LoadHalf(src + (y + 4) * srcStep), 1);
+}
+
+// Four columns: pairs of rows, then pairs of pairs.
+ZCK_INLINE void FourColumns(uint8_t *dst, int64_t dstStep, const uint8_t *src, int64_t srcStep) {
+    const __m256i a = TwoRows(src, srcStep, 0);
+    const __m256i b = TwoRows(src, srcStep, 1);
+    const __m256i c = TwoRows(src, srcStep, 2);
+    const __m256i d = TwoRows(src, srcStep, 3);
+    const __m256i abLow = _mm256_unpacklo_epi32(a, b);
+    const __m256i abHigh = _mm256_unpackhi_epi32(a, b);
+    const __m256i cdLow = _mm256_unpacklo_epi32(c, d);
+    const __m256i cdHigh = _mm256_unpackhi_epi32(c, d);
+    Store(dst, _mm256_unpacklo_epi64(abLow, cdLow));
+    Store(dst + dstStep, _mm256_unpackhi_epi64(abLow, cdLow));
+    Store(dst + 2 * dstStep, _mm256_unpacklo_epi64(abHigh, cdHigh));
+    Store(dst + 3 * dstStep, _mm256_unpackhi_epi64(abHigh, cdHigh));
+}
+
 void Transpose4(uint8_t *dst, int64_t dstStep, const uint8_t *src, int64_t srcStep) {
-    __m256i r[8];
-    __m256i t[8];
-    for (int64_t i = 0; i < 8; ++i) r[i] = avx2::Load(src + i * srcStep);
-    for (int i = 0; i < 8; i += 2) {
-        t[i] = _mm256_unpacklo_epi32(r[i], r[i + 1]);
-        t[i + 1] = _mm256_unpackhi_epi32(r[i], r[i + 1]);
-    }
-    for (int i = 0; i < 8; i += 4) {
-        r[i] = _mm256_unpacklo_epi64(t[i], t[i + 2]);
-        r[i + 1] = _mm256_unpackhi_epi64(t[i], t[i + 2]);
-        r[i + 2] = _mm256_unpacklo_epi64(t[i + 1], t[i + 3]);
-        r[i + 3] = _mm256_unpackhi_epi64(t[i + 1], t[i + 3]);
-    }
-    for (int i = 0; i < 4; ++i) {
-        const __m256i low = _mm256_permute2x128_si256(r[i], r[i + 4], 0x20);
-        const __m256i high = _mm256_permute2x128_si256(r[i], r[i + 4], 0x31);
-        avx2::Store(dst + i * dstStep, low);
-        avx2::Store(dst + (i + 4) * dstStep, high);
-    }
+    FourColumns(dst, dstStep, src, srcStep);
+    FourColumns(dst + 4 * dstStep, dstStep, src + 16, srcStep);
 }
 
 }    // namespace

@@ -52,7 +52,7 @@ TEST(TurnKernels, TheTableFollowsTheLevel) {
 
 TEST(Transpose, RowsBecomeColumns) {
     for (const int32_t pixel : {1, 3, 4})
-        for (const ROI size : {ROI{1, 1}, ROI{7, 9}, ROI{8, 8}, ROI{17, 65}, ROI{130, 70}})
+        for (const ROI size : {ROI{1, 1}, ROI{7, 9}, ROI{8, 8}, ROI{17, 65}, ROI{130, 70}, ROI{37, 300}})
             for (const bool up : {false, true}) {
                 const int64_t srcStep = size.width * pixel + 5, dstStep = size.height * pixel + 3;
                 // Exactly the bytes of the pixels.
