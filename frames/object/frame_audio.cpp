@@ -57,8 +57,9 @@ HRESULT CCoZFrame2::ZFAudioChannelGet(int32_t _nIndex, int64_t _bGrow, int32_t *
     if (!AudioPropsValid(&audio.props, true) || audio.size == 0) return kErrorEmpty;
     HRESULT hr = S_OK;
     if (m_channels.Count() == 0) hr = m_channels.FromInterleaved(&audio.props, audio.size, audio.data, {}, -1);
-    if (SUCCEEDED(hr) && _bGrow != 0 && _nIndex >= m_channels.Count())
-        hr = m_channels.Resize(m_channels.Bytes(), std::min(_nIndex, ZChannelsBuffer::kChannelsMax) + 1, true);
+    const int32_t wanted = _bGrow != 0 ? std::min(_nIndex, ZChannelsBuffer::kChannelsMax) + 1 : 0;
+    // Channels that a conversion added have no samples yet: they become silent ones.
+    if (SUCCEEDED(hr)) hr = m_channels.Resize(m_channels.Bytes(), std::max(m_channels.Count(), wanted), true);
     if (FAILED(hr)) return hr;
     uint8_t *channel = m_channels.Channel(_nIndex);
     if (channel == nullptr && m_channels.Bytes() != 0) return E_OUTOFMEMORY;

@@ -117,5 +117,18 @@ TEST_F(AudioTest, TheStoreHoldsTheResult) {
     EXPECT_EQ((Shorts{10, 1, 20, 2}), SamplesOf<int16_t>(frame.get()));
 }
 
+TEST_F(AudioTest, ChannelsThatAConversionAddedAreSilent) {
+    const auto frame = Sound<int16_t>(kStereo16, {1, 10, 2, 20});
+    ASSERT_EQ(S_OK, RecordSet(frame, {4, 48000, 16, 0}, {}));
+    EXPECT_EQ(0x80040203U, static_cast<uint32_t>(frame->ZFAudioChannelsCommit()));    // as yet they have no length
+    int32_t size = 0;
+    int64_t address = 0;
+    ASSERT_EQ(S_OK, frame->ZFAudioChannelGet(3, 0, &size, &address));
+    ASSERT_EQ(4, size);
+    At<int16_t>(address)[1] = 5;
+    EXPECT_EQ(S_OK, frame->ZFAudioChannelsCommit());
+    EXPECT_EQ((Shorts{1, 10, 0, 0, 2, 20, 0, 5}), SamplesOf<int16_t>(frame.get()));
+}
+
 }    // namespace
 }    // namespace zck::test
