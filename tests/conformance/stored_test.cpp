@@ -188,9 +188,11 @@ std::string Stored::Damaged(std::string bytes) {
     return bytes;
 }
 
+constexpr int64_t kNobodys = 0x7FFFFFFFFFFF;    // a section that nobody has
+
 void Stored::LoadOnce(One &one, const One &source) {
     Content written = source.model;
-    if (m_dice(0, 4) == 0) written.section = 0x7FFFFFFFFFFF;    // of nobody
+    if (m_dice(0, 4) == 0) written.section = kNobodys;
     if (m_dice(0, 4) == 0) written.videoBytes = 0x10000000;
     const bool block = m_dice(0, 1) != 0;
     const int32_t stored = kFlags[m_dice(0, 18)], flags = m_dice(0, 3) == 0 ? kFlags[m_dice(0, 21)] : stored;
@@ -200,9 +202,10 @@ void Stored::LoadOnce(One &one, const One &source) {
     Content aside = one.model;
     Load first = {bytes, flags, block};
     LoadFrame(first, S_OK, aside, wanted);
-    if (wanted.open && wanted.section == source.model.section && wanted.bytes > source.model.videoBytes &&
-        wanted.bytes < 100000)
-        return;
+    // Another section than these two may be of anybody, and the source's holds a little more than the picture.
+    const bool known = wanted.section == source.model.section || wanted.section == kNobodys;
+    const bool between = wanted.bytes > source.model.videoBytes && wanted.bytes < 100000;
+    if (wanted.open && (!known || between)) return;
     const HRESULT opened = Opened(source, wanted);
     Load load = {bytes, flags, block};
     wanted = {};
