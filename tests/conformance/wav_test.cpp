@@ -41,8 +41,8 @@ std::string Files::AnyFormat(const Z_AUD_PROPS &p) {
     const uint32_t align = m_dice(0, 15) == 0 ? OneOf({0U, 1U, 3U, 0xFFFFU, channels * 8}) : channels * width;
     const uint32_t field = m_dice(0, 7) == 0 ? OneOf({0U, 1U, 8U, 20U, 24U, 32U, 0x8000U, 0xFFFFU})
                                              : OneOf({bits, width * 8, width == 3 ? 32 : bits});
-    std::string s = Word(tag, 2) + Word(channels, 2) + Word(static_cast<uint32_t>(p.nSamplesPerSec)) + Word(m_dice(0, 99)) +
-                    Word(align, 2) + Word(field, 2);
+    std::string s = Word(tag, 2) + Word(channels, 2) + Word(static_cast<uint32_t>(p.nSamplesPerSec)) +
+                    Word(static_cast<uint32_t>(m_dice(0, 99))) + Word(align, 2) + Word(field, 2);
     if (m_dice(0, 30) == 0) s.resize(static_cast<size_t>(m_dice(0, 15)));
     if (!extended) return s + (m_dice(0, 3) == 0 ? Word(0, 2) : "");
     s += Word(OneOf({22U, 22U, 22U, 22U, 24U, 21U, 0U, 0xFFFFU}), 2) + Word(OneOf({bits, bits, bits, 0U, 24U}), 2) + Word(3);
