@@ -1,7 +1,9 @@
 // The sound of frames: every operation on every record, in any order.
 #include <array>
 
+#include "platform/process.h"
 #include "tests/conformance/audio_fixture.h"
+#include "tests/conformance/foreign_frame.h"
 #include "tests/support/scratch_folder.h"
 
 namespace conformance {
@@ -57,6 +59,9 @@ protected:
     void Raw();
     void Add(Sounding *source);
     void Wav();
+    void Reset();
+    void Reload();
+    void FromAnotherProcess();
     void Same(HRESULT want, HRESULT got) {
         if (want != got) FAIL() << "status " << Hex(want) << " is " << Hex(got);
     }
@@ -154,12 +159,50 @@ void Walk::Wav() {
     Same(b.model.FromWav(file, first, count), b.frame->ZFAudioFromFile(name.get(), first, count));
 }
 
+void Walk::Reset() {
+    Sounding &a = m_pair[0];
+    Bytes sound = Noise(a.model.props);
+    const bool zeros = m_dice(0, 2) == 0, refused = m_dice(0, 9) == 0;
+    m_said = "reset " + std::to_string(sound.size());
+    const ComPtr<IZFrame_I> view = QueryFor<IZFrame_I>(a.frame.get());
+    if (refused) return Same(E_INVALIDARG, view->FrameAudioReset(-1, AddressOf(sound.data())));
+    const int64_t address = zeros || sound.empty() ? 0 : AddressOf(sound.data());
+    Same(S_OK, m_dice(0, 1) != 0 ? view->FrameAudioReset(static_cast<int32_t>(sound.size()), address)
+                                 : view->FrameAudioResetFwd(static_cast<int32_t>(sound.size()), address));
+    a.model.channels = {};
+    a.model.bytes = zeros ? Bytes(sound.size()) : sound;
+}
+
+// Stored and loaded again a frame has the same sound, and no split one.
+void Walk::Reload() {
+    Sounding &a = m_pair[0];
+    m_said = "reload";
+    const ComPtr<IZFrame_I> view = QueryFor<IZFrame_I>(a.frame.get());
+    ComPtr<IUnknown> stream;
+    ASSERT_EQ(view->ZFSaveToStream(stream.Put(), eZFC_Audio), S_OK);
+    if (m_dice(0, 1) != 0) a.frame = New().frame;
+    a.model.channels = {};
+    Same(S_OK, QueryFor<IZFrame_I>(a.frame.get())->ZFLoadFromStream(stream.get(), eZFC_Audio));
+}
+
+// A clone of a frame that pretends to live elsewhere holds a block that was handed over.
+void Walk::FromAnotherProcess() {
+    Sounding &a = m_pair[0];
+    m_said = "clone from elsewhere";
+    ForeignFrame elsewhere(QueryFor<IZFrame>(a.frame.get()), Answers::FrameI);
+    elsewhere.m_process = zck::CurrentProcessId() + 1;
+    ComPtr<IZFrame_I> clone;
+    ASSERT_EQ(m_factory->FrameCloneConvert(&elsewhere, clone.Put(), eZFC_Audio, eZFCC_Default), S_OK);
+    a.frame = QueryFor<IZFFrame>(clone.get());
+    a.model.channels = {};
+}
+
 void Walk::Step() {
     Sounding &a = m_pair[0], &b = m_pair[1];
     const std::string map = Map();
     const Bstr mapText = map.empty() && m_dice(0, 1) != 0 ? Bstr() : TextOf(map.c_str());
     const double from = Db(), to = m_dice(0, 2) == 0 ? Db() : from;
-    switch (m_dice(0, 15)) {
+    switch (m_dice(0, 18)) {
         case 0:
         case 1: {
             Z_AUD_PROPS p = Record();
@@ -222,6 +265,12 @@ void Walk::Step() {
         }
         case 14:
             return Raw();
+        case 15:
+            return Reset();
+        case 16:
+            return Reload();
+        case 17:
+            return FromAnotherProcess();
         default:
             return Wav();
     }
@@ -246,6 +295,66 @@ TEST_F(Walk, AnyOperationOnAnyRecord) {
             ASSERT_FALSE(HasFailure()) << "round " << round << "\n" << story;
         }
     }
+}
+
+class SoundArguments : public Sounds {};
+
+TEST_F(SoundArguments, OutputsMayBeMissingAndAreClearedFirst) {
+    const Sounding one = New();
+    int32_t size = 5;
+    int64_t address = 5;
+    EXPECT_EQ(one.frame->ZFAudioChannelGet(0, 1, &size, &address), Z_E_EMPTY);
+    EXPECT_EQ(size, 0);
+    EXPECT_EQ(address, 0);
+    Z_AUD_PROPS p = {2, 48000, 16, 0};
+    Bytes sound = {1, 0, 2, 0};
+    ASSERT_EQ(one.frame->ZFAudioSet(&p, 4, AddressOf(sound.data())), S_OK);
+    EXPECT_EQ(one.frame->ZFAudioChannelGet(1, 0, nullptr, nullptr), S_OK);
+    EXPECT_EQ(one.frame->ZFAudioChannelGet(1, 0, &size, nullptr), S_OK);
+    EXPECT_EQ(size, 2);
+}
+
+TEST_F(SoundArguments, WhatIsRefusedChangesNothing) {
+    Sounding one = New();
+    Z_AUD_PROPS p = {2, 48000, 16, 3}, huge = {2000000000, 48000, 16, 0}, wider = {INT32_MAX, 1, INT32_MIN, 0};
+    Bytes sound = {1, 0, 2, 0};
+    ASSERT_EQ(one.frame->ZFAudioSet(&p, 4, AddressOf(sound.data())), S_OK);
+    one.model.Set(&p, sound);
+    EXPECT_EQ(one.frame->ZFAudioSet(&huge, -1, AddressOf(sound.data())), E_INVALIDARG);
+    EXPECT_EQ(one.frame->ZFAudioSamplesSet(nullptr, 1), E_INVALIDARG);
+    EXPECT_EQ(one.frame->ZFAudioSamplesSet(&p, -1), E_INVALIDARG);
+    EXPECT_EQ(one.frame->ZFAudioSamplesSet(&huge, 1), E_OUTOFMEMORY);
+    EXPECT_EQ(one.frame->ZFAudioSamplesSet(&wider, INT32_MAX), E_OUTOFMEMORY);
+    EXPECT_EQ(one.Check(), "");
+    // As many channels would be 4 GB: refused before the sound goes, when rate and split are already taken over.
+    Z_AV_PROPS props = {};
+    props.audProps = {2000000000, 8000, 16, 9};
+    EXPECT_EQ(one.frame->ZFAVPropsSet(&props, nullptr), E_OUTOFMEMORY);
+    one.model.props = {2, 8000, 16, 9};
+    EXPECT_EQ(one.Check(), "");
+    // Where the picture is refused the sound is not looked at.
+    props.vidProps = Picture(eZFCC_UYVY, 16, 8);
+    props.audProps = {1, 48000, 24, 0};
+    EXPECT_EQ(one.frame->ZFAVPropsSet(&props, nullptr), kBadSound);
+    EXPECT_EQ(one.Check(), "");
+    // A sum that leaves 31 bits.
+    Sounding empty = New();
+    int32_t at = INT32_MAX;
+    EXPECT_EQ(empty.frame->ZFAudioAdd(one.frame.get(), nullptr, &at, -1, 0, 0, 0), E_OUTOFMEMORY);
+    EXPECT_EQ(at, INT32_MAX);
+    EXPECT_EQ(empty.Check(), "");
+}
+
+// Bytes of the frame's own sound may be what it is given.
+TEST_F(SoundArguments, OwnBytes) {
+    Sounding one = New();
+    Z_AUD_PROPS p = {1, 48000, 16, 0};
+    Bytes sound = {1, 0, 2, 0, 3, 0};
+    ASSERT_EQ(one.frame->ZFAudioSet(&p, 6, AddressOf(sound.data())), S_OK);
+    ASSERT_EQ(one.frame->ZFAudioSet(nullptr, 4, Audio(one.frame).address + 2), S_OK);
+    EXPECT_EQ(Audio(one.frame).bytes(), (Bytes{2, 0, 3, 0}));
+    ASSERT_EQ(one.frame->ZFAudioSet(nullptr, 0, Audio(one.frame).address), S_OK);
+    EXPECT_EQ(Audio(one.frame).bytes(), Bytes());
 }
 
 }    // namespace

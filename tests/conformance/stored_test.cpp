@@ -240,5 +240,38 @@ TEST_F(Stored, WhatIsReadOfAnyBytes) {
     }
 }
 
+TEST_F(Stored, Arguments) {
+    const One one = Empty();
+    int32_t size = 5;
+    int64_t address = 5;
+    EXPECT_EQ(one.frame->ZFSaveToStream(nullptr, 0), E_INVALIDARG);
+    EXPECT_EQ(one.frame->ZFAddToStream(nullptr, 0), E_INVALIDARG);
+    EXPECT_EQ(one.frame->ZFLoadFromStream(nullptr, 0), E_INVALIDARG);
+    const ComPtr<IUnknown> plain = PlainObject();
+    EXPECT_EQ(one.frame->ZFAddToStream(plain.get(), 0), E_NOINTERFACE);
+    EXPECT_EQ(one.frame->ZFLoadFromStream(plain.get(), 0), E_NOINTERFACE);
+    EXPECT_EQ(one.wide->ZFSaveAll(nullptr, &address, 0), E_INVALIDARG);
+    EXPECT_EQ(one.wide->ZFSaveAll(&size, nullptr, 0), E_INVALIDARG);
+    EXPECT_EQ(one.wide->ZFLoadAll(4, 0, 0), E_INVALIDARG);
+    EXPECT_EQ(one.wide->ZFLoadAll(-1, AddressOf(&size), 0), E_INVALIDARG);
+    EXPECT_EQ(one.wide->ZFLoadAll(0, 0, 0), Z_E_HANDLE_EOF);
+}
+
+// A frame that borrows its pixels takes the memory itself with bit 2, and a copy without it.
+TEST_F(Stored, BorrowersMap) {
+    for (const int32_t flags : {1, 2, 3}) {
+        const One source = WithPixels(), lender = WithPixels();
+        for (const bool borrows : {false, true}) {
+            const One one = borrows ? Borrower(lender) : WithPixels();
+            size_t end = 0;
+            ASSERT_EQ(Loaded(one, StoredFrame(source.model, flags, borrows), flags, borrows, end), S_OK);
+            ASSERT_EQ(Video(one.frame).bytes(), Video(source.frame).bytes());
+            Video(source.frame).data()[0] ^= 0xFF;
+            const bool maps = borrows && (flags & 2) != 0;
+            EXPECT_EQ(Video(one.frame).bytes() == Video(source.frame).bytes(), maps) << flags << borrows;
+        }
+    }
+}
+
 }    // namespace
 }    // namespace conformance

@@ -1,6 +1,8 @@
 // Sound between frames: adding, mixing, copying.
+#include <array>
 #include <cmath>
 #include <limits>
+#include <thread>
 
 #include "tests/frames/object/audio_fixture.h"
 
@@ -209,6 +211,23 @@ TEST_F(AudioTest, CopyToOfNoSound) {
     ASSERT_EQ(S_OK, silent->ZFAudioCopyTo(nullptr, target.get()));
     EXPECT_TRUE(SameRecord(record, Record(target)));
     EXPECT_TRUE(SamplesOf<uint8_t>(target.get()).empty());
+}
+
+// Each copies what it needs of the other before it takes its own lock.
+TEST_F(AudioTest, FramesAddEachOtherOnTwoThreads) {
+    const std::array pair = {Sound<int16_t>(kStereo16, Shorts(2000, 3)), Sound<int16_t>(kStereo16, Shorts(2000, 5))};
+    const auto work = [&pair](size_t own) {
+        const Bstr map(ZCK_TEXT("1,0"));
+        for (int i = 0; i < 100; ++i) {
+            EXPECT_EQ(S_OK, pair[own]->ZFAudioAdd(pair[1 - own].get(), nullptr, nullptr, -1, -6, -6, 0));
+            EXPECT_EQ(S_OK, pair[own]->ZFAudioMix(pair[1 - own].get(), -6, -6, 1, nullptr));
+            EXPECT_EQ(S_OK, pair[own]->ZFAudioCopyTo(map.get(), pair[1 - own].get()));
+        }
+    };
+    std::thread other(work, 1);
+    work(0);
+    other.join();
+    for (const auto &frame : pair) EXPECT_EQ(2000U, SamplesOf<int16_t>(frame.get()).size());
 }
 
 }    // namespace
