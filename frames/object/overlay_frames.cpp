@@ -74,7 +74,7 @@ void Attach(const SeenFrame &owner, TextView name, IUnknown *object) {
 
 HRESULT Make(IZFrames_I *factory, const Z_VID_PROPS &record, SeenFrame &seen) {
     ComPtr<IZFrame_I> frame;
-    const HRESULT hr = FrameForRecord(factory, record, frame);
+    const HRESULT hr = FrameForRecord(factory, record, NewPixels::kZero, frame);
     return SUCCEEDED(hr) ? FrameSee(frame.get(), seen) : hr;
 }
 
