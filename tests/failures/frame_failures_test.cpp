@@ -1,4 +1,7 @@
 // Frames, their data and their clones.
+#include <cstring>
+#include <vector>
+
 #include "frames/views/frame_shell.h"
 #include "tests/failures/failing_memory.h"
 #include "tests/frames/object/frame_fixture.h"
@@ -142,6 +145,53 @@ TEST(FrameFailures, CutsAndShells) {
             return maker->CloneShell(cut.get(), eZFC_Full, eZFCC_ARGB32, clone.Put(), local.Put(), &shell);
         },
         {.bMaySucceed = true});
+}
+
+struct OverlayCase {
+    const char *name;
+    eZFCC under;
+    eZFCC over;
+    bool wide;
+    bool masked;
+    const char *options;
+};
+
+// A frame that is laid over another one; the target is as it was after a failure.
+HRESULT Laid(const OverlayCase &c) {
+    ComPtr<IZFrame_I> under, over, mask;
+    if (FAILED(Prepared(Small(c.under), under)) || FAILED(Prepared(Small(c.over), over))) return E_FAIL;
+    if (c.masked && FAILED(Prepared(Small(eZFCC_ARGB32), mask))) return E_FAIL;
+    Bstr options;
+    std::vector<uint8_t> before;
+    {
+        const FailingMemory::Pause pause;
+        options = Bstr(TextFromUtf8(c.options));
+        std::memset(VideoOf(over).data(), 77, static_cast<size_t>(VideoOf(over).size));
+        before = VideoOf(under).Copy();
+    }
+    const auto target = QueryFor<IZFFrame>(under.get());
+    const HRESULT hr = c.wide ? target->ZFOverlay(QueryFor<IZFFrame>(over.get()).get(), QueryFor<IZFFrame>(mask.get()).get(), 2,
+                                                  2, 0.5, options.get(), 0, 0)
+                              : under->FrameOverlay(over.get(), 2, 2, 0.5, nullptr);
+    target->ZFAsyncWait();
+    const FailingMemory::Pause pause;
+    EXPECT_TRUE(SUCCEEDED(hr) || VideoOf(under).Copy() == before) << c.name;
+    return hr;
+}
+
+TEST(FrameFailures, Overlays) {
+    const OverlayCase cases[] = {
+        {"as it stands", eZFCC_UYVY, eZFCC_UYVY, false, false, ""},
+        {"by rows", eZFCC_UYVY, eZFCC_ARGB32, false, false, ""},
+        {"by planes", eZFCC_RGB24, eZFCC_NV12, false, false, ""},
+        {"by alpha", eZFCC_RGB24, eZFCC_ARGB32, false, false, ""},
+        {"with a copy and its mask", eZFCC_UYVY, eZFCC_ARGB32, true, false, "audio=false"},
+        {"with a mask frame", eZFCC_YUY2, eZFCC_RGB24, true, true, "audio_gain=-3"},
+    };
+    for (const OverlayCase &c : cases) {
+        SCOPED_TRACE(c.name);
+        EachRequestFailsOnce([&] { return Laid(c); }, {.bMaySucceed = true});
+    }
 }
 
 }    // namespace
