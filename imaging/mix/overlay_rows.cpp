@@ -5,6 +5,8 @@
 #include "frames/media/pixel_format.h"
 #include "frames/media/row_count.h"
 #include "frames/media/video_props.h"
+#include "imaging/colour/color_convert.h"
+#include "imaging/colour/image_layout.h"
 #include "imaging/mix/one_size.h"
 #include "platform/status.h"
 
@@ -31,16 +33,35 @@ HRESULT OverlayRows::Convert(eZFCC fcc, bool bBottomUp) {
     m_image.props = target;
     m_image.p = nullptr;
     m_image.bytes = BytesOf(target);
-    const HRESULT hr = m_plan.Prepare(&m_source.props, m_source.bytes, &target, m_image.bytes);
-    if (hr == S_OK && m_plan.RowsIndependent()) {
-        m_scratch.resize(static_cast<size_t>(target.nRowBytes));
-        return S_OK;
-    }
-    if (hr != S_OK && hr != kVfwEInvalidSubtype) return hr;
-    if (m_image.bytes < 1 || m_image.bytes > INT32_MAX) return kVfwEInvalidMediaType;
-    m_scratch.resize(static_cast<size_t>(m_image.bytes));
+    HRESULT hr = m_plan.Prepare(&m_source.props, m_source.bytes, &target, m_image.bytes);
+    const bool packed = !IsPlanarFormat(fcc) && ColorConvertServes(m_source.props.fccType, fcc);
+    m_way = hr == S_OK && m_plan.RowsIndependent() ? Way::ByRoute
+            : hr == kVfwEInvalidSubtype && packed  ? Way::ByPlanes
+                                                   : Way::AtOnce;
+    if (m_way == Way::AtOnce && hr != S_OK && hr != kVfwEInvalidSubtype) return hr;
+    const int64_t size = m_way == Way::AtOnce ? m_image.bytes : target.nRowBytes;
+    if (size < 1 || size > INT32_MAX) return kVfwEInvalidMediaType;
+    m_scratch.resize(static_cast<size_t>(size));
+    if (m_way == Way::ByRoute) return S_OK;
+    if (m_way == Way::ByPlanes) return PreparePlanes();
     m_image.p = m_scratch.data();
-    return ConvertAtOneSize({m_source.p, m_source.bytes, &m_source.props}, m_scratch.data(), m_image.bytes, target);
+    hr = ConvertAtOneSize({m_source.p, m_source.bytes, &m_source.props}, m_scratch.data(), m_image.bytes, target);
+    return hr;
+}
+
+// A target whose rows all lie in the same place.
+HRESULT OverlayRows::PreparePlanes() {
+    const Z_VID_PROPS &s = m_source.props;
+    const Z_VID_PROPS &t = m_image.props;
+    ImageLayout from;
+    ImageLayout to;
+    if (!ImageLayoutMake(s.fccType, s.nWidth, s.nHeight, s.nRowBytes, &from) || from.bytes > m_source.bytes)
+        return kVfwEInvalidMediaType;
+    if (!ImageLayoutMake(t.fccType, t.nWidth, t.nHeight, t.nRowBytes, &to)) return kVfwEInvalidMediaType;
+    ScaleImage target = ScaleImageMake(m_scratch.data(), to);
+    target.plane[0] = m_scratch.data();
+    target.step[0] = 0;
+    return m_planes.Prepare(ScaleImageMake(m_source.p, from), target, kResizeLinear, kResizeLinear);
 }
 
 bool OverlayRows::Narrow(const tagRECT &rect) {
@@ -63,7 +84,11 @@ const uint8_t *OverlayRows::Row(int32_t y) {
     const int64_t row = MemoryRow(y);
     const int64_t column = m_nLeft * PixelBits(m_view.fccType) / 8;
     if (m_image.p != nullptr) return m_image.p + row * m_image.props.nRowBytes + column;
-    m_plan.RunRow(m_source.p, static_cast<int32_t>(RowFromTop(m_image.props, row)), m_scratch.data(), m_image.props.nRowBytes);
+    const auto top = static_cast<int32_t>(RowFromTop(m_image.props, row));
+    if (m_way == Way::ByPlanes)
+        m_planes.Run(top, top + 1);
+    else
+        m_plan.RunRow(m_source.p, top, m_scratch.data(), m_image.props.nRowBytes);
     return m_scratch.data() + column;
 }
 

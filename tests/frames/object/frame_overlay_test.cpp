@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "frames/media/pixel_format.h"
+#include "frames/object/frame.h"
 #include "imaging/mix/overlay_picture.h"
 #include "platform/status.h"
 #include "tests/frames/object/audio_fixture.h"
@@ -139,6 +140,36 @@ TEST_F(Overlays, FramesOfOtherModulesAreRead) {
     EXPECT_EQ(S_OK, As<IZFrame>(frame)->FrameOverlay(quorvex.get(), 3, 1, 0.5, nullptr));
     EXPECT_EQ(S_OK, LayPublic(twin, over, 3, 1, 0.5));
     EXPECT_EQ(PixelsOf(frame), PixelsOf(twin));
+}
+
+// A frame of another process that gives nothing fails, and one without a factory cannot be made local at all.
+TEST_F(Overlays, FramesOfOtherProcessesAreMadeLocalFirst) {
+    ForeignState state;
+    state.props.vidProps = test::Record(eZFCC_RGB32, 8, -4);
+    state.video.resize(128);
+    state.process = CurrentProcessId() + 1;
+    const auto tessilu = ForeignCreate<ForeignTessilu, IZFFrame>(state);
+    const auto quorvex = ForeignCreate<ForeignQuorvex, IZFrame_I>(state);
+    std::vector<uint8_t> memory(16 * 8 * 4, 9);
+    ComPtr<CCoZFrame2> bare;
+    ASSERT_EQ(S_OK, CCoZFrame2::Create(nullptr, bare));
+    bare->Props().vidProps = test::Record(eZFCC_RGB32, 16, -8);
+    FramePixels pixels;
+    pixels.data = memory.data();
+    pixels.size = static_cast<uint32_t>(memory.size());
+    bare->VideoBorrow(pixels, 0, nullptr);
+    const std::vector<uint8_t> before = memory;
+    EXPECT_EQ(E_UNEXPECTED, bare->FrameOverlay(quorvex.get(), 0, 0, 1, nullptr));
+    const auto frame = Picture(eZFCC_RGB32, 16, -8);
+    const auto own = PixelsOf(frame);
+    EXPECT_TRUE(FAILED(As<IZFrame>(frame)->FrameOverlay(quorvex.get(), 0, 0, 1, nullptr)));
+    EXPECT_TRUE(FAILED(frame->ZFOverlay(tessilu.get(), nullptr, 0, 0, 1, nullptr, 0, 0)));
+    EXPECT_EQ(own, PixelsOf(frame));
+    // Without a factory the wide one lays nothing, the public one does.
+    EXPECT_EQ(S_OK, bare->ZFOverlay(frame.get(), nullptr, 0, 0, 1, nullptr, 0, 0));
+    EXPECT_EQ(before, memory);
+    EXPECT_EQ(S_OK, bare->FrameOverlay(As<IZFrame>(frame).get(), 0, 0, 1, nullptr));
+    EXPECT_EQ(own, memory);
 }
 
 // ZFOverlay.
