@@ -112,6 +112,39 @@ TEST(SubRectView, NarrowsToTheRectangle) {
     }
 }
 
+// One field of a rectangle: even edges, those of the lower field one row further down, half the rows.
+TEST(SubRectView, OneFieldOfARectangle) {
+    struct FieldCase {
+        const char *name;
+        eZFCC fcc;
+        int32_t height;
+        eZInterlace interlace;
+        int32_t field;
+        tagRECT rect;
+        int32_t lines, row;    // expected
+    };
+    const FieldCase cases[] = {
+        {"first", eZFCC_UYVY, 480, eZI_Field1First, 1, Rect(0, 21, 720, 61), 19, 22},
+        {"second", eZFCC_UYVY, 480, eZI_Field1First, 2, Rect(0, 21, 720, 61), 19, 23},
+        {"first in time, below", eZFCC_UYVY, 480, eZI_Field2First, 1, Rect(0, 20, 720, 60), 20, 21},
+        {"second in time, above", eZFCC_UYVY, 480, eZI_Field2First, 2, Rect(0, 20, 720, 60), 20, 20},
+        {"progressive, first", eZFCC_ARGB32, -480, eZI_Progressive, 1, Rect(0, 21, 720, 61), -19, 22},
+        {"progressive, second", eZFCC_ARGB32, -480, eZI_Progressive, 2, Rect(0, 20, 720, 480), -230, 21},
+        {"bottom-up, first", eZFCC_ARGB32, 480, eZI_Progressive, 1, Rect(0, 20, 720, 60), 20, 419},
+        {"bottom-up, second", eZFCC_ARGB32, 480, eZI_Progressive, 2, Rect(0, 20, 720, 60), 20, 418},
+        {"bottom-up to the last row, first", eZFCC_ARGB32, 480, eZI_Progressive, 1, Rect(0, 0, 720, 480), 240, 0},
+        {"bottom-up to the last row, second", eZFCC_ARGB32, 480, eZI_Progressive, 2, Rect(0, 0, 720, 480), 240, 0},
+        {"an odd height", eZFCC_ARGB32, -7, eZI_Progressive, 2, Rect(0, 0, 720, 7), -3, 1},
+    };
+    for (const FieldCase &c : cases) {
+        Z_VID_PROPS props = Picture(c.fcc, 720, c.height, c.interlace);
+        const Z_VID_PROPS whole = props;
+        EXPECT_EQ(int64_t{c.row} * whole.nRowBytes, SubRectView(props, c.rect, c.field)) << c.name;
+        EXPECT_EQ(c.lines, props.nHeight) << c.name;
+        EXPECT_EQ(2 * whole.nRowBytes, props.nRowBytes) << c.name;
+    }
+}
+
 // The last column of an odd width has no even place to end at.
 TEST(SubRectView, OddWidthLeftAtTheEdgeGivesNoWidth) {
     Z_VID_PROPS props = Picture(eZFCC_UYVY, 721, 480);
