@@ -526,6 +526,26 @@ TEST_F(Overlays, AnAsyncOverlayIsThereForWhoWaits) {
     EXPECT_EQ(S_OK, Lay(Picture(eZFCC_v210, 48, 8), over, 0, 0, 1, "async=true"));
 }
 
+// The call comes back when the job owns the frame, and so not before somebody else who fills it has left. The pause only gives
+// a call that comes back too early the time to do so.
+TEST_F(Overlays, AnAsyncCallComesBackWhenTheJobOwnsTheFrame) {
+    const auto frame = Picture(eZFCC_UYVY, 32, 16), over = Picture(eZFCC_ARGB32, 16, -8, 3);
+    std::atomic<bool> left{false};
+    std::atomic<bool> early{false};
+    CriticalSection &section = QueryFor<CCoZFrame2>(frame.get())->AsyncSection();
+    section.lock();
+    std::thread caller([&] {
+        EXPECT_EQ(S_OK, Lay(frame, over, 0, 0, 1, "async=true"));
+        early = !left;
+    });
+    SleepMs(20);
+    left = true;
+    section.unlock();
+    caller.join();
+    frame->ZFAsyncWait();
+    EXPECT_FALSE(early);
+}
+
 TEST_F(Overlays, AJobKeepsItsFrames) {
     for (int i = 0; i < 20; ++i)
         EXPECT_EQ(S_OK, Lay(Picture(eZFCC_UYVY, 64, 48), Picture(eZFCC_ARGB32, 64, -48, 3), 0, 0, 1, "async=true", 0,
