@@ -84,9 +84,12 @@ Order422 OrderOf(eZFCC fcc) { return fcc == eZFCC_YUY2 || fcc == eZFCC_YVYU ? Or
 HRESULT Convert(const Bytes &memory, Z_VID_PROPS from, Z_VID_PROPS to, Still *result, int32_t *tolerance) {
     *result = {to, Bytes(static_cast<size_t>(BufferSize(&to)))};
     const HRESULT hr = ConvertModel(memory, result->memory, from, to).hr;
-    if (hr != kNoRouteModel || !IsServed(from.fccType) || !IsServed(to.fccType)) return hr;
+    if (hr != kNoRouteModel) return hr;
+    if (!IsServed(from.fccType) || !IsServed(to.fccType))
+        return from.nWidth < 2 && (Is422(from.fccType) || Is422(to.fccType)) ? E_UNEXPECTED : hr;
     from.eScaleType = to.eScaleType = eZST_None;
     from.e3DFormat = to.e3DFormat = eZ3D_None;
+    from.eInterlace = to.eInterlace = eZI_Progressive;
     *tolerance = 1 + (Rgb(from.fccType) == Rgb(to.fccType) ? 1 : Rgb(to.fccType) ? 6 : 2);
     return Frame2Model(memory, {&result->memory, nullptr, nullptr}, from, to, 2) ? S_OK : E_FAIL;
 }
@@ -280,7 +283,7 @@ Laid FrameOverlayModel(const Still &target, const Still &over, int64_t x, int64_
         if (const HRESULT hr = Convert(over.memory, op, ConvertedRecordModel(op, tp, working), &used, &out.tolerance);
             hr != S_OK)
             return fail(hr);
-    const Panes panes = PanesOf(tp, used.props, Is422(o) ? EvenDown(op.nWidth) : op.nWidth, x, y, -1);
+    const Panes panes = PanesOf(tp, used.props, Rgb(o) ? op.nWidth : EvenDown(op.nWidth), x, y, -1);
     if (panes.Nothing()) return fail(S_FALSE);
     out.hr = S_OK;
     if (multiplied)
@@ -305,6 +308,7 @@ Laid WideOverlayModel(const Still &target, const Layers &layers, int64_t x, int6
     if (const HRESULT hr = Complete(target, &tp); hr != S_OK) return end(hr);
     if (const HRESULT hr = Complete(over, &op); hr != S_OK) return end(hr);
     const int64_t w = op.nWidth, h = std::abs(op.nHeight);
+    const int64_t columns = Rgb(op.fccType) ? w : EvenDown(w);
     if (x >= tp.nWidth || y >= std::abs(tp.nHeight) || x + w <= 0 || y + h <= 0) return end(S_OK);
     Still used = {op, over.memory};
     if (Family(op.fccType) != Family(tp.fccType)) {
@@ -317,14 +321,14 @@ Laid WideOverlayModel(const Still &target, const Layers &layers, int64_t x, int6
         }
     }
     const eZFCC fcc = used.props.fccType;
-    if (!CanMask(fcc)) return end(E_INVALIDARG);
     const Still *mask = nullptr;
-    if (fcc != eZFCC_ARGB32)
+    if (CanMask(fcc) && fcc != eZFCC_ARGB32)
         if (const HRESULT hr = MaskFor(layers, op, out, &mask); hr != S_OK) return end(hr);
-    const Panes panes = PanesOf(tp, used.props, Is422(op.fccType) ? EvenDown(w) : w, x, y, field);
-    out.hr = S_OK;
-    if (!panes.Nothing()) MixMasked(panes, out, used.memory, mask, layers.mask == nullptr, opacity);
-    return out;
+    const Panes panes = PanesOf(tp, used.props, columns, x, y, field);
+    if (panes.Nothing()) return end(S_OK);
+    if (!CanMask(fcc)) return end(E_INVALIDARG);
+    MixMasked(panes, out, used.memory, mask, layers.mask == nullptr, opacity);
+    return end(S_OK);
 }
 
 }    // namespace conformance
