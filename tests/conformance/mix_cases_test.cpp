@@ -182,6 +182,15 @@ TEST_F(MixCase, AStoredMaskNeedsNoPicture) {
     LayWide(target, over, frame, {});
 }
 
+TEST_F(MixCase, AStoredMaskOfAnotherSizeIsScaledWhereThereIsNoPicture) {
+    Dice dice(550103);
+    const ComPtr<IZFrame> frame = WithoutPicture(Any(eZFCC_UYVY));
+    Store(frame, kMask, Filled(dice, Picture(eZFCC_RGB8, 8, 4)));
+    Laid seen;
+    LayWide(Any(eZFCC_RGB32, 24, 12), Any(eZFCC_RGB32, 16, 8), frame, {}, &seen);
+    EXPECT_FALSE(seen.mask);
+}
+
 TEST_F(MixCase, TheWideOneCanBeToldToLeaveThePicture) {
     const ComPtr<IZFrame> target = Any(eZFCC_UYVY), over = Any(eZFCC_UYVY);
     const Bytes before = Video(target).bytes();
@@ -267,6 +276,18 @@ TEST_F(MixCase, PlacesInFractionsAndOnAGrid) {
     }
 }
 
+TEST_F(MixCase, APlaceComesWithMaskAndField) {
+    const ComPtr<IZFrame> target = Any(eZFCC_YUY2, 20, 12), twin = Of(Props(target).vidProps, Video(target).bytes());
+    const ComPtr<IZFrame> over = Any(eZFCC_YUY2, 10, 6), mask = Any(eZFCC_ARGB32, 10, 6);
+    PrintRect rect = {0.25, 0.5, 0, 0, 1};
+    ASSERT_EQ(QueryFor<IZFFrame>(target.get())
+                  ->ZFOverlayRect(QueryFor<IZFFrame>(over.get()).get(), QueryFor<IZFFrame>(mask.get()).get(), &rect, 0x2000,
+                                  0.6, nullptr, 0),
+              S_OK);
+    LayWide(twin, over, mask, {5, 6, 0.6, 0x2000, nullptr});
+    EXPECT_EQ(Video(target).bytes(), Video(twin).bytes());
+}
+
 TEST_F(MixCase, SoundIsMixedByTheVisiblePart) {
     const Z_VID_PROPS shape = Picture(eZFCC_UYVY, 8, 4);
     // What is mixed: -1000 nothing, 1000 the computed gain of `part` of the frame.
@@ -291,6 +312,7 @@ TEST_F(MixCase, SoundIsMixedByTheVisiblePart) {
         {8, 0, 1.0, nullptr, 0, -1000, 0, 1},
         {8, 0, 1.0, "audio_gain=-3", 0, -3, 0, 1},
         {0, 0, 0.0, nullptr, 0, 1000, 0.0, 1},
+        {0, 0, 1.0, "async=true audio_gain=-2", 0, -2, 0, 1},
     };
     for (const auto &one : kCases) {
         const ComPtr<IZFrame> target = MakeRich(shape), twin = MakeRich(shape), over = MakeRich(shape);
@@ -304,9 +326,22 @@ TEST_F(MixCase, SoundIsMixedByTheVisiblePart) {
                   S_OK);
         const double gain = one.gain == 1000 ? 20 * std::log10(one.part) : one.gain;
         if (one.gain != -1000) other->ZFAudioMix(laid.get(), gain, gain, one.symmetric, nullptr);
+        ASSERT_EQ(wide->ZFAsyncWait(), S_OK);
         EXPECT_EQ(Audio(target).bytes(), Audio(twin).bytes())
             << one.x << "," << one.y << " " << (one.props != nullptr ? one.props : "") << std::hex << one.flags;
     }
+}
+
+TEST_F(MixCase, WithoutSoundOnBothSidesNoneIsMixed) {
+    const Z_VID_PROPS shape = Picture(eZFCC_UYVY, 8, 4);
+    const ComPtr<IZFrame> silent = Make(shape), loud = MakeRich(shape), other = MakeRich(shape);
+    const Bytes before = Audio(loud).bytes();
+    EXPECT_EQ(Wide(silent, loud), S_OK);
+    EXPECT_EQ(Audio(silent).size, 0);
+    EXPECT_EQ(Wide(loud, silent), S_OK);
+    EXPECT_EQ(Audio(loud).bytes(), before);
+    EXPECT_EQ(Wide(loud, other), S_OK);
+    EXPECT_NE(Audio(loud).bytes(), before);
 }
 
 TEST_F(MixCase, AnOverlayOfAnotherMaker) {

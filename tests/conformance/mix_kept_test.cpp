@@ -176,11 +176,14 @@ TEST_F(MixKept, OnAnotherThread) {
         const int32_t x = dice(-3, 9), y = dice(-3, 5), flags = dice(0, 2) * 0x1000;
         const double opacity = AnyOpacity(dice);
         const ComPtr<IZFFrame> wide = QueryFor<IZFFrame>(target.get());
-        ASSERT_EQ(
-            wide->ZFOverlay(QueryFor<IZFFrame>(over.get()).get(), nullptr, x, y, opacity, TextOf("async=true").get(), 0, flags),
-            S_OK);
+        const ComPtr<IZFrame> mask = dice(0, 1) != 0 ? Any(eZFCC_ARGB32, 9, 5) : ComPtr<IZFrame>();
+        const ComPtr<IZFrame> sameMask = mask ? Of(Props(mask).vidProps, Video(mask).bytes()) : mask;
+        const ComPtr<IZFFrame> wideMask = mask ? QueryFor<IZFFrame>(mask.get()) : ComPtr<IZFFrame>();
+        ASSERT_EQ(wide->ZFOverlay(QueryFor<IZFFrame>(over.get()).get(), wideMask.get(), x, y, opacity,
+                                  TextOf("async=true").get(), 0, flags),
+                  S_OK);
         ASSERT_EQ(wide->ZFAsyncWait(), S_OK);
-        LayWide(twin, same, {}, {x, y, opacity, flags, nullptr});
+        LayWide(twin, same, sameMask, {x, y, opacity, flags, nullptr});
         ASSERT_EQ(Video(target).bytes(), Video(twin).bytes()) << round;
     }
 }

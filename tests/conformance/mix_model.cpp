@@ -176,8 +176,8 @@ bool Fits(const Still *mask, const Still &size) {
            Need(mask->props) <= static_cast<int64_t>(mask->memory.size());
 }
 
-// The mask as large as the overlay.
-HRESULT MaskFor(const Layers &layers, const Z_VID_PROPS &over, Laid &out, const Still **found) {
+// The mask as large as the overlay: a stored one, or `made`.
+HRESULT MaskFor(const Layers &layers, const Z_VID_PROPS &over, Laid &out, Still &made, const Still **found) {
     const Still size = EmptyMask(Rgb(over.fccType) ? over.nWidth : EvenDown(over.nWidth), std::abs(over.nHeight));
     const Still *stored = layers.mask != nullptr ? layers.maskMask : layers.overMask;
     *found = nullptr;
@@ -187,8 +187,12 @@ HRESULT MaskFor(const Layers &layers, const Z_VID_PROPS &over, Laid &out, const 
     }
     const Still *picture = layers.mask != nullptr ? layers.mask : over.fccType == eZFCC_ARGB32 ? layers.over : nullptr;
     if (picture == nullptr) return S_OK;
-    Still made;
-    if (const HRESULT hr = MaskOfModel(*picture, &made); hr != S_OK) return hr;
+    // Without a picture the stored mask is scaled, and stays as it is.
+    const bool keep = !picture->memory.empty() || stored == nullptr;
+    if (!keep)
+        made = *stored;
+    else if (const HRESULT hr = MaskOfModel(*picture, &made); hr != S_OK)
+        return hr;
     if (!Fits(&made, size)) {
         Still scaled = size;
         ResizeModel({&made.memory, 0, made.props.nRowBytes}, made.props.nWidth, made.props.nHeight,
@@ -196,8 +200,8 @@ HRESULT MaskFor(const Layers &layers, const Z_VID_PROPS &over, Laid &out, const 
         made = scaled;
         out.tolerance = std::max(out.tolerance, 3);
     }
-    out.mask = made;
-    *found = &*out.mask;
+    if (keep) out.mask = made;
+    *found = &made;
     return S_OK;
 }
 
@@ -321,9 +325,10 @@ Laid WideOverlayModel(const Still &target, const Layers &layers, int64_t x, int6
         }
     }
     const eZFCC fcc = used.props.fccType;
+    Still made;
     const Still *mask = nullptr;
     if (CanMask(fcc) && fcc != eZFCC_ARGB32)
-        if (const HRESULT hr = MaskFor(layers, op, out, &mask); hr != S_OK) return end(hr);
+        if (const HRESULT hr = MaskFor(layers, op, out, made, &mask); hr != S_OK) return end(hr);
     const Panes panes = PanesOf(tp, used.props, columns, x, y, field);
     if (panes.Nothing()) return end(S_OK);
     if (!CanMask(fcc)) return end(E_INVALIDARG);
