@@ -240,6 +240,32 @@ TEST_F(Stored, WhatIsReadOfAnyBytes) {
     }
 }
 
+// Counts of a text around every limit, with the bytes there, cut, and with another end.
+TEST_F(Stored, CountsOfTexts) {
+    for (const uint32_t count :
+         {0U, 1U, 2U, 3U, 4U, 5U, 0xFFFFEU, 0xFFFFFU, 0x100000U, 0x100001U, 0x100002U, 0x80000000U, 0xFFFFFFFFU})
+        for (const int32_t kind : {0, 1, 2})
+            for (const bool block : {false, true}) {
+                std::string bytes = StoredFrame({}, 256, block);
+                bytes.resize(bytes.size() - (block ? 4 : 8));
+                const uint32_t words[] = {1, count};
+                bytes.append(reinterpret_cast<const char *>(words), 8);
+                std::string text(count <= 0x100002 ? count : 8, 'x');
+                if (text.size() >= 2) text.replace(text.size() - 2, 2, kind == 1 ? "\0x" : "\0\0", 2);
+                if (kind == 2 && !text.empty()) text.pop_back();
+                bytes += text + std::string(4, '\0');
+                if (!block) bytes += std::string(4, '\0');
+                One one = Empty();
+                Wanted wanted;
+                Load load = {bytes, 256, block};
+                const HRESULT want = LoadFrame(load, S_OK, one.model, wanted);
+                size_t end = load.at;
+                ASSERT_EQ(Loaded(one, bytes, 256, block, end), want) << count << " " << kind << block;
+                ASSERT_EQ(end, load.at) << count << " " << kind;
+                ASSERT_TRUE(Held(one) == HeldBy(one)) << count << " " << kind << block;
+            }
+}
+
 TEST_F(Stored, Arguments) {
     const One one = Empty();
     int32_t size = 5;
