@@ -85,6 +85,8 @@ void Stored::Fill(One &one) {
     std::memcpy(static_cast<void *>(&model.time), time.data(), sizeof model.time);
     EXPECT_EQ(one.frame->FrameTimeSet(&model.time), S_OK);
     model.named = AnyNamed();
+    // Objects do not travel without the system's help, which nobody has asked for here.
+    EXPECT_EQ(one.wide->ZFObjectSet(TextOf("thing").get(), PlainObject().get()), S_OK);
     ByteStream stream(StoredFrame(model, 256, false));
     EXPECT_EQ(one.frame->ZFLoadFromStream(stream.stream.get(), 256), S_OK);
 }
