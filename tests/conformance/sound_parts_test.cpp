@@ -322,6 +322,29 @@ TEST_F(Gathered, MixesLikeTheModel) {
     }
 }
 
+// What was gathered comes out in any form, and silence where more is asked for.
+TEST_F(Gathered, GivesEveryForm) {
+    for (uint32_t round = 0; round < 2000; ++round) {
+        m_dice = Dice(round);
+        const Z_AUD_PROPS p = {m_dice(1, 5), 48000, kGoodBits[m_dice(0, 9)], 0};
+        const Z_AUD_PROPS form = {p.nChannels, 48000, kGoodBits[m_dice(0, 9)], 0};
+        const Bytes sound = NoiseFor(m_dice, p, SoundBytes(p, m_dice(1, 20)));
+        const int64_t all = SoundSamples(p, static_cast<int64_t>(sound.size())), asked = m_dice(0, 2) == 0 ? -1 : m_dice(0, 25);
+        Channels model;
+        ASSERT_EQ(model.Split(p, sound, "", 0), S_OK);
+        const int64_t n = asked < 0 ? all : asked;
+        Bytes want(static_cast<size_t>(SoundBytes(form, n)));
+        model.Join(form, 0, n, want);
+        zck::ZAudioBuffer2 buffer;
+        ASSERT_EQ(Add(buffer, p, sound), all);
+        Bytes got(want.size() + 8, 0xAA);
+        want.insert(want.end(), 8, 0xAA);
+        ASSERT_EQ(buffer.Get(m_dice(0, 1) != 0 || form.nBitsPerSample != p.nBitsPerSample ? &form : nullptr, got.data(), asked),
+                  S_OK);
+        ASSERT_LT(FirstDifference(want, got, form.nBitsPerSample < 0), 0) << Words(p) << " as " << Words(form) << " " << asked;
+    }
+}
+
 TEST_F(Gathered, WhatIsEmptyTakesTheSourceAsItIs) {
     const Z_AUD_PROPS p = {2, 48000, 16, 0};
     const Bytes sound = m_dice.Noise(40);
