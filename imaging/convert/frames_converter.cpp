@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstring>
 #include <mutex>
-#include <thread>
 
 #include "frames/media/video_props.h"
 #include "imaging/convert/convert_bits.h"
@@ -24,8 +23,6 @@ void MoveLine(const EngineTarget &target, const Z_VID_PROPS &props) {
 }
 
 }    // namespace
-
-FramesConverter::FramesConverter() : m_bTwoProcessors(std::thread::hardware_concurrency() > 1) {}
 
 HRESULT FramesConverter::Convert(const EngineSource &source, const EngineTarget &target, FieldMode mode,
                                  int32_t quality) noexcept {
@@ -62,32 +59,14 @@ HRESULT FramesConverter::Rotate(const EngineSource &source, const EngineTarget &
 }
 
 HRESULT FramesConverter::Whole(const FieldStep &step) noexcept {
-    if (m_bTwoProcessors) m_field[0].helper = &m_helper[0];
+    if (m_pPool->ThreadCount() > 0) m_field[0].pool = m_pPool.get();
     const HRESULT hr = step.RunPicture(m_field);
-    m_field[0].helper = nullptr;
+    m_field[0].pool = nullptr;
     return hr;
 }
 
-// A field whose thread cannot be had is done here.
 HRESULT FramesConverter::BothFields(const FieldStep &step) noexcept {
-    struct Field {
-        const FieldStep &step;
-        FieldConverter *fields;
-        int32_t index;
-        HRESULT result;
-        bool away;
-    };
-    const auto work = [](void *p) {
-        auto &f = *static_cast<Field *>(p);
-        f.result = f.step.RunField(f.fields, f.index);
-    };
-    Field fields[2] = {{step, m_field, 0, S_OK, false}, {step, m_field, 1, S_OK, false}};
-    for (Field &f : fields) f.away = m_helper[f.index].Begin(work, &f);
-    for (Field &f : fields)
-        if (!f.away) work(&f);
-    for (Field &f : fields)
-        if (f.away) m_helper[f.index].End();
-    return FAILED(fields[0].result) ? fields[0].result : fields[1].result;
+    return m_pPool->Run(2, [&](int32_t field) { return step.RunField(m_field, field); });
 }
 
 }    // namespace zck

@@ -1,21 +1,22 @@
 // One picture into another, fields and all: how its rows are chosen, which threads do them, and what is kept between pictures.
 #pragma once
 
+#include <memory>
+
 #include "imaging/convert/conversion_plan.h"
 #include "imaging/engines/convert_frame.h"
 #include "imaging/geometry/rotate_bits.h"
 #include "platform/sync.h"
+#include "platform/worker_pool.h"
 
 namespace zck {
 
 class FieldStep;
 
-/// Converts pictures, one at a time: its operations wait for each other. Tap tables, scratch and two threads are
-/// made on first use and kept, so that a conversion of a kind that has been before takes no memory.
+/// Converts pictures, one at a time: its operations wait for each other. Tap tables and scratch are made on first use and kept,
+/// so that a conversion of a kind that has been before takes no memory. Making one throws `std::bad_alloc`.
 class FramesConverter {
 public:
-    FramesConverter();
-
     /// Converts the source into `target.dst`. The target has the bytes of `FrameBufferSize` of its record.
     ///
     /// With `FieldMode::kBoth` an interlaced source goes field by field on two threads when the quality is below 10 and no
@@ -36,8 +37,7 @@ private:
     CriticalSection m_cs;
     FieldConverter m_field[2];
     RotateScratch m_rotate;
-    RowHelper m_helper[2];
-    const bool m_bTwoProcessors;
+    const std::shared_ptr<WorkerPool> m_pPool = WorkerPool::Shared();    // held so that its threads stay
 };
 
 }    // namespace zck

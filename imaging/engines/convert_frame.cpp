@@ -70,23 +70,19 @@ HRESULT Begin(Job *job) {
 // A thread costs more than the rows of so many pixels.
 constexpr int64_t kPixelsForTwo = 256 * 1024;
 
-// Rows 0 to `rows` - 1 by `upper(y0, y1)` here and `lower(y0, y1)` on the helper, or all by `upper`. The bound between them is
-// a multiple of four, so that rows that share chroma stay together.
+// Rows 0 to `rows` - 1 by `upper(y0, y1)`, or, with a pool, those of the lower half by `lower(y0, y1)`. The bound between them
+// is a multiple of four, so that rows that share chroma stay together.
 template <class Upper, class Lower>
-void RunHalves(RowHelper *helper, int32_t rows, Upper upper, Lower lower) {
-    struct Half {
-        Lower &run;
-        int32_t from;
-        int32_t to;
-    };
-    Half half = {lower, rows / 2 & ~3, rows};
-    const auto work = [](void *p) {
-        const Half &h = *static_cast<Half *>(p);
-        h.run(h.from, h.to);
-    };
-    if (helper == nullptr || !helper->Begin(work, &half)) return upper(0, rows);
-    upper(0, half.from);
-    helper->End();
+void RunHalves(WorkerPool *pool, int32_t rows, Upper upper, Lower lower) {
+    if (pool == nullptr) return upper(0, rows);
+    const int32_t half = rows / 2 & ~3;
+    pool->Run(2, [&](int32_t band) {
+        if (band == 0)
+            upper(0, half);
+        else
+            lower(half, rows);
+        return S_OK;
+    });
 }
 
 // Both rectangles as images of their own, converted as they stand.
@@ -104,7 +100,7 @@ HRESULT StraightPath(const Job &job) {
     const bool large = int64_t{plan.Width()} * plan.Rows() >= kPixelsForTwo;
     if (!plan.RowsIndependent() || !large) return plan.Run(job.source->p + from, job.target->dst + to);
     const auto run = [&](int32_t y0, int32_t y1) { plan.RunRows(job.source->p + from, job.target->dst + to, y0, y1); };
-    RunHalves(job.ctx->helper, plan.Rows(), run, run);
+    RunHalves(job.ctx->pool, plan.Rows(), run, run);
     return S_OK;
 }
 
@@ -156,11 +152,11 @@ HRESULT Resize(const Job &job, const ScaleImage &from, const ScaleImage &to) {
     PlaneScaler &lower = job.ctx->lower;
     const HRESULT hr = upper.Prepare(from, to, job.q, chroma);
     if (hr != S_OK) return hr;
-    RowHelper *helper = job.ctx->helper;
+    WorkerPool *pool = job.ctx->pool;
     const int64_t pixels = std::max(int64_t{from.width} * from.rows, int64_t{to.width} * to.rows);
-    if (helper != nullptr && (pixels < kPixelsForTwo || lower.Prepare(from, to, job.q, chroma) != S_OK)) helper = nullptr;
+    if (pool != nullptr && (pixels < kPixelsForTwo || lower.Prepare(from, to, job.q, chroma) != S_OK)) pool = nullptr;
     RunHalves(
-        helper, upper.Rows(), [&](int32_t y0, int32_t y1) { upper.Run(y0, y1); },
+        pool, upper.Rows(), [&](int32_t y0, int32_t y1) { upper.Run(y0, y1); },
         [&](int32_t y0, int32_t y1) { lower.Run(y0, y1); });
     return S_OK;
 }

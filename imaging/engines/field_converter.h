@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "imaging/colour/color_convert.h"
-#include "imaging/engines/row_helper.h"
 #include "imaging/scale/resize_planes.h"
 #include "imaging/scale/resize_sharp.h"
+#include "platform/worker_pool.h"
 
 namespace zck {
 
@@ -20,10 +20,10 @@ struct ImgScaleState : ImgConvertState {
 /// The state of the engines for one caller at a time: scratch and tables grow on demand and stay, and a conversion of a kind
 /// that has been before allocates nothing. Scratch carries no pixels from call to call.
 struct FieldConverter {
-    PlaneScaler scaler;             ///< of `ConvertFrame2`
-    PlaneScaler lower;              ///< of the lower half, while a helper makes it
-    ImgScaleState mode[4];          ///< of `ConvertFrame3`: progressive, fields stay fields, even rows only, odd rows only
-    RowHelper *helper = nullptr;    ///< a thread that `ConvertFrame2` may use for large pictures; results do not depend on it
+    PlaneScaler scaler;            ///< of `ConvertFrame2`
+    PlaneScaler lower;             ///< of the lower half, where two threads make the picture
+    ImgScaleState mode[4];         ///< of `ConvertFrame3`: progressive, fields stay fields, even rows only, odd rows only
+    WorkerPool *pool = nullptr;    ///< that `ConvertFrame2` may use for large pictures; results do not depend on it
 };
 
 }    // namespace zck
