@@ -65,6 +65,7 @@ private:
 
     HRESULT AllocUnwritten(int32_t video, int32_t audio, FramePtr &frame);
     HRESULT CreateFromProps(const Z_VID_PROPS *props, int64_t pixels, TextView options, FramePtr &out);
+    HRESULT CreateFromFile(TextView name, TextView options, FramePtr &out);
     // For both families: `Source` is `IZFrame_I` or `IZFFrame`.
     template <class Source>
     HRESULT MakeLocal(Source *source, bool force, ComPtr<Source> &out);

@@ -231,6 +231,9 @@ private:
     HRESULT AudioBegin(const Z_AUD_PROPS &props, int64_t samples);
     HRESULT MediaGive(CCoZFrame2 &clone, bool audio, FramePixels &pixels);
 
+    // What the picture operations of images work on, where this frame's own format will not do. Without a lock.
+    HRESULT CloneForImage(ComPtr<IZFrame_I> &clone);
+
     // The sound of any frame, copied; its media lock is left when this returns.
     static HRESULT SoundTake(IZFFrame *source, Z_AUD_PROPS &props, CBLOBHolder<CHeapAlloc> &bytes);
 

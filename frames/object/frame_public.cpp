@@ -51,14 +51,6 @@ HRESULT CCoZFrame2::FrameVideoGetBytes(int32_t *_pcbSize, int64_t *_ppbVideo) {
     return S_OK;
 }
 
-HRESULT CCoZFrame2::FrameVideoGetHbitmap(int64_t *_pcpHBitmap) {
-    if (_pcpHBitmap == nullptr) return E_POINTER;
-    *_pcpHBitmap = 0;
-    return E_NOTIMPL;
-}
-
-HRESULT CCoZFrame2::FrameVideoSaveToFile(BSTR) { return E_NOTIMPL; }
-
 HRESULT CCoZFrame2::FrameAudioSaveToFile(BSTR _bsFileName, int32_t _bAppend) {
     return ZFAudioSaveToFile(_bsFileName, _bAppend);
 }

@@ -10,7 +10,7 @@ struct IZFFactory : IUnknown {
                                              eZFCC _fccPixelFormat) = 0;
     virtual HRESULT Z_STDCALL ZFFrameCreate(Z_AV_PROPS *_pProps, int64_t _pbVideo, int32_t _cbAudio, int64_t _pbAudio,
                                             IZFFrame **_ppFrameRes) = 0;
-    /// As `IZFrames::FrameCreateFromFile`. Not implemented yet: `E_NOTIMPL`.
+    /// As `IZFrames::FrameCreateFromFile`.
     virtual HRESULT Z_STDCALL ZFFrameCreateFromFile(BSTR _bsFileNameOrColor, IZFFrame **_ppFrameRes, BSTR _bsProps) = 0;
     virtual HRESULT Z_STDCALL ZFFrameCreateFromHbitmap(int64_t _pHBitmap, IZFFrame **_ppFrameRes, BSTR _bsProps) = 0;
     /// A frame over the caller's memory, without a copy. `_pKeeper` keeps the memory alive as long as the frame, and may be

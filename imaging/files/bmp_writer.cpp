@@ -57,6 +57,14 @@ void PutPairs(std::string &out, const FormatRow &format, int32_t width, int32_t 
     }
 }
 
+HRESULT Write(TextView name, std::string_view headers, std::string_view pixels) {
+    File file;
+    HRESULT hr = file.Open(name, FileMode::Create);
+    size_t put = 0;
+    if (SUCCEEDED(hr)) hr = file.WriteAt(0, headers.data(), headers.size(), put);
+    return FAILED(hr) ? hr : file.WriteAt(headers.size(), pixels.data(), pixels.size(), put);
+}
+
 bool IsPlainRgb(eZFCC fcc) { return fcc == eZFCC_RGB24 || fcc == eZFCC_RGB32 || fcc == eZFCC_ARGB32; }
 bool IsPairs(eZFCC fcc) { return fcc == eZFCC_YUY2 || fcc == eZFCC_UYVY || fcc == eZFCC_YVYU; }
 
@@ -69,7 +77,7 @@ bool Suits(const FormatRow &format, int32_t width, int32_t height, int32_t rowPi
 
 HRESULT WriteBmp(TextView name, eZFCC fcc, int32_t width, int32_t height, int32_t rowPixels, const uint8_t *pixels) {
     const FormatRow *format = PixelFormatFind(fcc);
-    if (name.empty() || height == 0 || pixels == nullptr || format == nullptr) return E_INVALIDARG;
+    if (name.data() == nullptr || height == 0 || pixels == nullptr || format == nullptr) return E_INVALIDARG;
     if (!Suits(*format, width, height, rowPixels) || (!IsPlainRgb(fcc) && !IsPairs(fcc))) return E_INVALIDARG;
     return Guarded([&]() -> HRESULT {
         const eZFCC stored = IsPairs(fcc) ? eZFCC_RGB32 : fcc;
@@ -77,14 +85,12 @@ HRESULT WriteBmp(TextView name, eZFCC fcc, int32_t width, int32_t height, int32_
         const int64_t pixelBytes = int64_t{PixelFormatFind(stored)->nBits} / 8 * width;
         const int64_t bytes = (pixelBytes + 3) / 4 * 4 * rows;
         if (bytes > INT32_MAX - 64) return E_INVALIDARG;
-        std::string file = Headers(stored, width, height, static_cast<uint32_t>(bytes));
-        file.reserve(file.size() + static_cast<size_t>(bytes));
-        if (IsPairs(fcc)) {
-            PutPairs(file, *format, width, static_cast<int32_t>(rows), int64_t{2} * std::max(width, rowPixels), pixels);
-        } else {
-            file.append(reinterpret_cast<const char *>(pixels), static_cast<size_t>(bytes));
-        }
-        return FileWrite(name, file);
+        const std::string headers = Headers(stored, width, height, static_cast<uint32_t>(bytes));
+        if (!IsPairs(fcc)) return Write(name, headers, {reinterpret_cast<const char *>(pixels), static_cast<size_t>(bytes)});
+        std::string converted;
+        converted.reserve(static_cast<size_t>(bytes));
+        PutPairs(converted, *format, width, static_cast<int32_t>(rows), int64_t{2} * std::max(width, rowPixels), pixels);
+        return Write(name, headers, converted);
     });
 }
 

@@ -175,6 +175,35 @@ inline constexpr IID IID_IStream = {0x0000000C, 0x0000, 0x0000, {0xC0, 0, 0, 0, 
 inline constexpr IID IID_IPersist = {0x0000010C, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 inline constexpr IID IID_IPersistStream = {0x00000109, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 
+/// What a bitmap says about itself, in memory and in files.
+struct BITMAPINFOHEADER {
+    DWORD biSize;
+    LONG biWidth;
+    LONG biHeight;
+    uint16_t biPlanes;
+    uint16_t biBitCount;
+    DWORD biCompression;
+    DWORD biSizeImage;
+    LONG biXPelsPerMeter;
+    LONG biYPelsPerMeter;
+    DWORD biClrUsed;
+    DWORD biClrImportant;
+};
+static_assert(sizeof(BITMAPINFOHEADER) == 40);
+
+/// A picture outside of any frame, in one block of the C allocator. Its rows stand behind the header, the bottom one first:
+/// blue, green, red, alpha.
+struct Z_BITMAP {
+    BITMAPINFOHEADER header;    ///< 32 bits, no compression, positive height
+};
+using HBITMAP = Z_BITMAP *;
+
+/// Frees a bitmap. 0 for null.
+inline BOOL DeleteObject(HBITMAP bitmap) {
+    std::free(bitmap);
+    return bitmap != nullptr ? 1 : 0;
+}
+
 inline void *CoTaskMemAlloc(std::size_t cb) { return std::malloc(cb != 0 ? cb : 1); }
 inline void CoTaskMemFree(void *p) { std::free(p); }
 

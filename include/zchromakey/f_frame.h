@@ -45,9 +45,9 @@ struct IZFFrame : IUnknown {
 
     // Video.
     virtual HRESULT Z_STDCALL ZFVideoGetBytes(int32_t *_pcbSize, int64_t *_ppbVideo) = 0;
-    /// As `IZFrame::FrameVideoGetHbitmap`. Not implemented yet: `E_NOTIMPL`.
+    /// As `IZFrame::FrameVideoGetHbitmap`, for a frame that is being filled when that is done.
     virtual HRESULT Z_STDCALL ZFVideoGetHbitmap(int64_t *_pcpHBitmap) = 0;
-    /// As `IZFrame::FrameVideoSaveToFile`. Not implemented yet: `E_NOTIMPL`.
+    /// As `IZFrame::FrameVideoSaveToFile`, for a frame that is being filled when that is done.
     virtual HRESULT Z_STDCALL ZFVideoSaveToFile(BSTR _bsFileName) = 0;
     virtual HRESULT Z_STDCALL ZFCut(int32_t _nField, tagRECT *_pRect, IZFFrame **_ppFrameRes) = 0;
     virtual HRESULT Z_STDCALL ZFClone(IZFFrame **_ppCloneFrame, eZFrameClone _eCloneType, eZFCC _fccPixelFormat) = 0;

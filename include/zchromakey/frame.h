@@ -23,9 +23,22 @@ struct IZFrame : IUnknown {
     /// Byte count and address of the pixels, from the start of the part that this frame shows; 0 and 0 without any. Each
     /// output may be null. `S_OK`.
     virtual HRESULT Z_STDCALL FrameVideoGetBytes(int32_t *_pcbSize, int64_t *_ppbVideo) = 0;
-    /// A platform bitmap of the picture, which the caller destroys. Not implemented yet: `E_NOTIMPL`.
+    /// A platform bitmap (`HBITMAP`) of the picture, 32 bits a pixel, which the caller frees with `DeleteObject`. Formats
+    /// outside the RGB family are converted first. The rows of a cut are not told apart from those of the frame that it was cut
+    /// from: convert a cut before.
+    ///
+    /// `E_POINTER` for null; 0x800710D2 without pixels; `E_INVALIDARG` for RGB8; 0x80040248 for a description that exceeds its
+    /// buffer; `E_UNEXPECTED` when the platform makes none; `E_OUTOFMEMORY`.
     virtual HRESULT Z_STDCALL FrameVideoGetHbitmap(int64_t *_pcpHBitmap) = 0;
-    /// Saves the picture; the kind of file follows from the extension. Not implemented yet: `E_NOTIMPL`.
+    /// Saves the picture; the kind of file follows from the extension, in any case: .png and .tif or .tiff (with alpha), .jpg
+    /// or .jpeg and .gif (without), and BMP for every other name, "*.tga" among them. In a .bmp file an ARGB32 picture keeps
+    /// alpha and stands as it is in memory; in all other files the colour is what it was before it was multiplied by alpha.
+    /// Formats outside the RGB family are converted to ARGB32 first. Convert a cut before, as its rows are not told apart from
+    /// those of the frame that it was cut from.
+    ///
+    /// 0x800710D2 without pixels; 0x80040248 for a description that exceeds its buffer; 0x80004021 for RGB8 and r210, and when
+    /// the system has no encoder for the kind of file; the system's status for a .bmp file of ARGB32, `E_FAIL` for other files
+    /// that cannot be written, of which a part may stay; `E_OUTOFMEMORY`.
     virtual HRESULT Z_STDCALL FrameVideoSaveToFile(BSTR _bsFileName) = 0;
     /// Saves the audio as a WAV file, or adds it to the end of one. Adding to a file that holds no sound of the same format
     /// starts it anew.

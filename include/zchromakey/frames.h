@@ -29,9 +29,20 @@ struct IZFrames : IUnknown {
     /// that cannot be read; `E_OUTOFMEMORY`.
     virtual HRESULT Z_STDCALL FrameCreateFromProps(Z_VID_PROPS *_pVidProps, int64_t _pbVideo, IZFrame **_ppFrameRes,
                                                    BSTR _bsProps) = 0;
-    /// A frame from an image file, or filled with a colour named by `_bsFileNameOrColor`. Not implemented yet: `E_NOTIMPL`.
+    /// A frame from an image file: its first picture, with colour multiplied by alpha. PNG, JPEG, TIFF, GIF and BMP are read,
+    /// by their content; a .bmp file of 32 bits comes as it stands, and its alpha is what the fourth bytes say, also where
+    /// another program left them all 0. A name of no file and without a slash may be a colour ("Orange", "0xFF8000"), which
+    /// makes a frame of the NTSC size.
+    ///
+    /// `_bsProps` holds name=value pairs: "pixel_format" (the file's own, ARGB32 or for a colour ARGB32, unless given),
+    /// "bottom-top" for files and formats of the RGB family (false: the top row first), and the sound of
+    /// `FrameCreateFromProps`.
+    ///
+    /// `E_POINTER` for a null output; 0x80070002 for a file that is not there; `E_INVALIDARG` for one that is no image,
+    /// `E_FAIL` for an image without a picture that can be read; 0x80040201 for a format to which there is no conversion
+    /// (`E_FAIL` for v210); `E_OUTOFMEMORY`, also for a picture of more than 32767 pixels a side or 2 GB, before it is decoded.
     virtual HRESULT Z_STDCALL FrameCreateFromFile(BSTR _bsFileNameOrColor, IZFrame **_ppFrameRes, BSTR _bsProps) = 0;
-    /// A frame from a platform bitmap.
+    /// Always 0x80070002: it looks for a file first, and has no name. Its slot is kept.
     virtual HRESULT Z_STDCALL FrameCreateFromHbitmap(int64_t _pHBitmap, IZFrame **_ppFrameRes, BSTR _bsProps) = 0;
     /// Reserved; `E_NOTIMPL`.
     virtual HRESULT Z_STDCALL FrameCreateReserved() = 0;

@@ -28,6 +28,12 @@ private:
     const int m_descriptor;
 };
 
+/// A file that was to be created is not what is missing, but its folder.
+HRESULT OpenFailure(bool creates) {
+    constexpr HRESULT kErrorPathNotFound = static_cast<HRESULT>(0x80070003);
+    return creates && errno == ENOENT ? kErrorPathNotFound : LastSystemError(E_FAIL);
+}
+
 bool HasZero(TextView path) noexcept { return path.find(OLECHAR{0}) != TextView::npos; }
 
 HRESULT ReadAll(int descriptor, size_t bytesMax, std::string &out) {
@@ -65,7 +71,7 @@ HRESULT FileWrite(TextView path, std::string_view bytes) noexcept {
     if (HasZero(path)) return kErrorInvalidName;
     return Guarded([&] {
         const Descriptor file(open(Utf8FromText(path).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
-        if (!file) return LastSystemError(E_FAIL);
+        if (!file) return OpenFailure(true);
         while (!bytes.empty()) {
             const ssize_t put = write(file.get(), bytes.data(), bytes.size());
             if (put < 0 && errno == EINTR) continue;
@@ -110,7 +116,7 @@ HRESULT File::Open(TextView path, FileMode mode) noexcept {
     if (HasZero(path)) return kErrorInvalidName;
     return Guarded([&] {
         const int file = open(Utf8FromText(path).c_str(), FlagsOf(mode) | O_CLOEXEC, 0666);
-        if (file < 0) return LastSystemError(E_FAIL);
+        if (file < 0) return OpenFailure(mode != FileMode::Read);
         if (m_file >= 0) close(static_cast<int>(m_file));
         m_file = file;
         return S_OK;

@@ -339,10 +339,12 @@ TEST_F(Factory, FilesAndBitmaps) {
     ComPtr<IZFrame> frame;
     EXPECT_EQ(E_NOTIMPL, m_factory->FrameCreateReserved());
     EXPECT_EQ(kErrorFileNotFound, m_factory->FrameCreateFromHbitmap(1, frame.Put(), nullptr));
-    EXPECT_EQ(E_NOTIMPL, m_factory->FrameCreateFromFile(nullptr, frame.Put(), nullptr));
+    EXPECT_EQ(kErrorFileNotFound, m_factory->FrameCreateFromFile(nullptr, frame.Put(), nullptr));
     ComPtr<IZFFrame> other;
     EXPECT_EQ(kErrorFileNotFound, As<IZFFactory>(m_factory)->ZFFrameCreateFromHbitmap(0, other.Put(), nullptr));
-    EXPECT_EQ(E_NOTIMPL, As<IZFFactory>(m_factory)->ZFFrameCreateFromFile(nullptr, other.Put(), nullptr));
+    EXPECT_EQ(kErrorFileNotFound, As<IZFFactory>(m_factory)->ZFFrameCreateFromFile(nullptr, other.Put(), nullptr));
+    EXPECT_EQ(E_POINTER, m_factory->FrameCreateFromFile(nullptr, nullptr, nullptr));
+    EXPECT_EQ(E_POINTER, As<IZFFactory>(m_factory)->ZFFrameCreateFromFile(nullptr, nullptr, nullptr));
 }
 
 }    // namespace
