@@ -83,8 +83,9 @@ HRESULT WriteBmp(TextView name, eZFCC fcc, int32_t width, int32_t height, int32_
         const eZFCC stored = IsPairs(fcc) ? eZFCC_RGB32 : fcc;
         const int64_t rows = std::abs(int64_t{height});
         const int64_t pixelBytes = int64_t{PixelFormatFind(stored)->nBits} / 8 * width;
-        const int64_t bytes = (pixelBytes + 3) / 4 * 4 * rows;
-        if (bytes > INT32_MAX - 64) return E_INVALIDARG;
+        const int64_t rowBytes = (pixelBytes + 3) / 4 * 4;
+        if (rowBytes > (INT32_MAX - 64) / rows) return E_INVALIDARG;
+        const int64_t bytes = rowBytes * rows;
         const std::string headers = Headers(stored, width, height, static_cast<uint32_t>(bytes));
         if (!IsPairs(fcc)) return Write(name, headers, {reinterpret_cast<const char *>(pixels), static_cast<size_t>(bytes)});
         std::string converted;

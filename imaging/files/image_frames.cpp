@@ -32,10 +32,10 @@ public:
     }
 
     HRESULT Begin(int64_t width, int64_t height, uint16_t delay, uint8_t *&pixels) override {
-        const int64_t bytes = 4 * width * height;
-        if (width > kSideMax || height > kSideMax || m_nBytes + bytes > INT32_MAX) return E_OUTOFMEMORY;
-        if (m_frames.size() >= kPicturesMax) return E_OUTOFMEMORY;
+        if (width > kSideMax || height > kSideMax || m_frames.size() >= kPicturesMax) return E_OUTOFMEMORY;
         if (width < 1 || height < 1) return E_FAIL;
+        const int64_t bytes = 4 * width * height;
+        if (m_nBytes + bytes > INT32_MAX) return E_OUTOFMEMORY;
         m_next.clear();
         ImageFrame &frame = m_next.emplace_back();
         if (FAILED(frame.pixels.Reserve(static_cast<uint32_t>(bytes)))) return E_OUTOFMEMORY;

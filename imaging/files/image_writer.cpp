@@ -44,7 +44,7 @@ std::optional<CodecPixels> PixelsOf(eZFCC fcc) {
 HRESULT Encode(CodecKind kind, const uint8_t *bytes, const ImgDesc &desc, CodecPixels pixels, TextView name) {
     const int64_t rows = std::abs(int64_t{desc.nHeight});
     const int64_t rowBytes = int64_t{4} * desc.nWidth;
-    if (desc.nWidth < 1 || rows < 1 || rowBytes * rows > INT32_MAX || name.empty()) return E_FAIL;
+    if (desc.nWidth < 1 || rows < 1 || rowBytes > INT32_MAX / rows || name.empty()) return E_FAIL;
     const bool bottomUp = desc.nHeight > 0;
     const uint8_t *top = bottomUp ? bytes + (rows - 1) * rowBytes : bytes;
     std::string file;

@@ -50,6 +50,12 @@ TEST_F(Files, PathsOfAnyScript) {
 TEST_F(Files, Failures) {
     std::string read;
     EXPECT_EQ(FileRead(Path("missing"), 10, read), kErrorFileNotFound);
+    // Of a file that was to be created it is the folder that is missing.
+    constexpr HRESULT kErrorPathNotFound = StatusOf(0x80070003);
+    EXPECT_EQ(FileWrite(Path("missing/a"), "x"), kErrorPathNotFound);
+    File file;
+    EXPECT_EQ(file.Open(Path("missing/a"), FileMode::Create), kErrorPathNotFound);
+    EXPECT_EQ(file.Open(Path("missing/a"), FileMode::Update), kErrorPathNotFound);
     EXPECT_TRUE(FAILED(FileRead(Path(""), 10, read)));
     EXPECT_TRUE(FAILED(FileWrite(Path("no/such/folder"), "x")));
     EXPECT_TRUE(FileExists(Path("")));

@@ -81,6 +81,7 @@ TEST_F(BmpWriter, WhatHasNoFormIsRefused) {
     EXPECT_EQ(WriteBmp(Name(), eZFCC_NV12, 2, 2, 0, pixels), E_INVALIDARG);
     EXPECT_EQ(WriteBmp(Name(), eZFCC_YUY2, 3, 2, 0, pixels), E_INVALIDARG);
     EXPECT_EQ(WriteBmp(Name(), eZFCC_ARGB32, 0x10000, 0x10000, 0, pixels), E_INVALIDARG);
+    EXPECT_EQ(WriteBmp(Name(), eZFCC_ARGB32, INT32_MAX, INT32_MIN, 0, pixels), E_INVALIDARG);
     EXPECT_LT(WriteBmp(TextFromUtf8(m_folder.Path("no/such/folder.bmp")), eZFCC_ARGB32, 2, 2, 0, pixels), 0);
 }
 

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <thread>
+
 #include "imaging/files/image_frames.h"
 #include "platform/status.h"
 #include "tests/support/scratch_folder.h"
@@ -151,6 +153,22 @@ TEST_F(ImageWriter, WhatCannotBeSaved) {
     EXPECT_EQ(Save("missing/a.bmp", eZFCC_ARGB32, 2, 2, pixels), static_cast<HRESULT>(0x80070003));
     EXPECT_EQ(Save("", eZFCC_ARGB32, 2, 2, pixels), E_FAIL);
     EXPECT_EQ(Save("a.bmp", eZFCC_ARGB32, 2, 0, pixels), E_INVALIDARG);
+}
+
+TEST_F(ImageWriter, ThreadsDoNotMeet) {
+    constexpr int kThreads = 4;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < kThreads; ++i) {
+        threads.emplace_back([this, i] {
+            const auto grey = static_cast<uint8_t>(50 * i + 1);
+            for (const char *kind : {".png", ".tif", ".gif", ".jpg", ".bmp"}) {
+                const std::string name = std::to_string(i) + kind;
+                EXPECT_EQ(Save(name, eZFCC_RGB32, 1, 1, {grey, grey, grey, 255}), S_OK);
+                ExpectNear({grey, grey, grey, 255}, Loaded(name), 3);
+            }
+        });
+    }
+    for (std::thread &thread : threads) thread.join();
 }
 
 TEST_F(ImageWriter, OldFilesAreReplaced) {

@@ -4,6 +4,8 @@
 #include "keyobject/key_value.h"
 #include "platform/class_table.h"
 #include "tests/keying/plugin/keyer_test.h"
+#include "tests/support/image_bytes.h"
+#include "tests/support/scratch_folder.h"
 
 namespace zck {
 namespace {
@@ -157,13 +159,37 @@ TEST_F(KeyRound, TheBackgroundIsTheCallsOrElseThePlugins) {
 }
 
 TEST_F(KeyRound, NamesThatMakeNoBackgroundGiveNone) {
-    for (const char *name : {"background=nonsense", "background='/no/such/file.png'", "background='Red(0.5)'"}) {
+    for (const char *name : {"background=nonsense", "background='/no/such/file.png'"}) {
         const ComPtr<IZKey> key = Key(Frame().get(), name);
         ASSERT_TRUE(key);
         EXPECT_FALSE(Background(key.get())) << name;
     }
     // A point in a folder is no extension.
     EXPECT_FALSE(Background(Key(Frame().get(), "background='/a.b/Red'").get()));
+}
+
+TEST_F(KeyRound, ABackgroundComesFromAFile) {
+    const test::ScratchFolder folder;
+    folder.Put("a.bmp", test::BmpBytes({}));
+    const ComPtr<IZFrame> background =
+        Background(Key(Frame().get(), ("background='" + folder.Path("a.bmp") + "'").c_str()).get());
+    ASSERT_TRUE(background);
+    EXPECT_EQ(PropsOf(background.get()).nWidth, 2);
+    EXPECT_EQ(PropsOf(background.get()).nHeight, -2);
+    EXPECT_EQ(Pixels(background.get())[0], 0x6C6B6A69u);    // the row that the file has last
+    // What is no picture is none, and no black one either.
+    folder.Put("a.bmp", "no picture");
+    EXPECT_FALSE(Background(Key(Frame().get(), ("background='" + folder.Path("a.bmp") + "'").c_str()).get()));
+}
+
+// The point makes an extension, the loader of files takes the name for a colour, and the point ends its alpha.
+TEST_F(KeyRound, AColourWithAPointIsATransparentFrameOfAnotherSize) {
+    const ComPtr<IZFrame> background = Background(Key(Frame().get(), "background='Red(0.5)'").get());
+    ASSERT_TRUE(background);
+    EXPECT_EQ(PropsOf(background.get()).fccType, eZFCC_ARGB32);
+    EXPECT_EQ(PropsOf(background.get()).nWidth, 720);
+    EXPECT_EQ(PropsOf(background.get()).nHeight, -486);
+    EXPECT_EQ(Pixels(background.get())[0], 0x00FF0000u);
 }
 
 TEST_F(KeyRound, TheBackgroundHasTheSizeOfTheLastFrame) {
