@@ -104,7 +104,11 @@ __m256i OverPixels(__m256i over, __m256i under) {
 
 void AlphaOver(uint8_t *dst, const uint8_t *over, const uint8_t *under, int32_t width) {
     int64_t x = 0;
-    for (; x + 8 <= width; x += 8) Store(dst + 4 * x, OverPixels(Load(over + 4 * x), Load(under + 4 * x)));
+    for (; x + 8 <= width; x += 8) {
+        FetchAhead(over + 4 * x);
+        OwnAhead(dst + 4 * x);
+        Store(dst + 4 * x, OverPixels(Load(over + 4 * x), Load(under + 4 * x)));
+    }
     const int64_t left = width - x;
     if (left <= 0) return;
     uint8_t a[32] = {};
