@@ -278,7 +278,7 @@ void Walk::Step() {
 
 // Sequences of operations on two frames that exchange their parts.
 TEST_F(Walk, AnyOperationOnAnyRecord) {
-    for (uint32_t round = 0; round < 1500; ++round) {
+    for (uint32_t round = 0; round < 700; ++round) {
         m_dice = Dice(round);
         m_pair = {New(), New()};
         std::string story;

@@ -242,7 +242,7 @@ void NamedData::Step() {
 }
 
 TEST_F(NamedData, AnyOperationOnAnyName) {
-    for (uint32_t round = 0; round < 1000; ++round) {
+    for (uint32_t round = 0; round < 400; ++round) {
         m_dice = Dice(round);
         m_pair = {New(), New()};
         for (int step = 0; step < 60; ++step) {

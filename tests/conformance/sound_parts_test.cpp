@@ -33,7 +33,7 @@ void Compare(const Channels &want, zck::ZChannelsBuffer &got, const std::string 
 TEST(SoundParts, SplitAndMixDown) {
     Dice dice(1);
     const char *maps[] = {"", "", "0", "1,0", "0,0,7", "9,8,7,6,5,4,3,2,1,0,-1", "-", "1.5 1-0", "2,x,3"};
-    for (int round = 0; round < 6000; ++round) {
+    for (int round = 0; round < 3000; ++round) {
         const Z_AUD_PROPS p = {dice(1, 13), 48000, kGoodBits[dice(0, 9)], 0};
         const Bytes sound = NoiseFor(dice, p, SoundBytes(p, dice(0, 40)) + dice(0, 4));
         const std::string map = maps[dice(0, 8)];
@@ -99,7 +99,7 @@ TEST(SoundParts, StoresGrowAndShrink) {
 
 // Sound long enough for the filter to answer, in blocks of any length and with gains.
 TEST(SoundParts, MetersRunOn) {
-    for (uint32_t round = 0; round < 60; ++round) {
+    for (uint32_t round = 0; round < 40; ++round) {
         Dice dice(round);
         const bool real = dice(0, 1) != 0;
         int32_t rate = dice(0, 1) != 0 ? 8000 : dice(1, 20);
@@ -263,7 +263,7 @@ TEST_F(Gathered, OtherCountsAndFormsJoin) {
 // Mixing with every gain and ramp, over all and over a part of the channels.
 TEST_F(Gathered, MixesLikeTheModel) {
     const double gains[] = {1, 1, 0.5, 2, 0, -1, 40, 0.001, kInfinity};
-    for (uint32_t round = 0; round < 4000; ++round) {
+    for (uint32_t round = 0; round < 2000; ++round) {
         m_dice = Dice(round);
         const Z_AUD_PROPS p = {m_dice(1, 5), 48000, kGoodBits[m_dice(0, 9)], 0};
         const Z_AUD_PROPS q = {m_dice(1, 5), m_dice(0, 20) == 0 ? 44100 : 48000, kGoodBits[m_dice(0, 9)], 0};

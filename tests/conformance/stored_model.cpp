@@ -147,7 +147,7 @@ HRESULT LoadNamed(Reader &reader, Load &load, Named &into) {
         if (const HRESULT hr = reader.Text(value); FAILED(hr)) return hr;
         into.texts.Set(name, value);
     }
-    if (!load.block && !reader.Field(&count, 4)) return kEof;
+    if (!load.block && !reader.Field(&load.objects, 4)) return kEof;
     return S_OK;
 }
 

@@ -88,6 +88,7 @@ struct Load {
     int32_t flags;
     bool block;
     size_t at = 0;
+    uint32_t objects = 0;    // that a stream says are behind its texts
 };
 
 // What a load asks for of pixels; the section is opened by the caller's word.
