@@ -243,6 +243,7 @@ TEST_F(MixCase, HalfAGroupIsNothing) {
         const Bytes before = Video(target).bytes();
         EXPECT_EQ(Overlay(target, over.get()), S_FALSE);
         EXPECT_EQ(Wide(target, over), S_OK);
+        EXPECT_EQ(Wide(target, over, nullptr, Any(eZFCC_ARGB32)), S_OK);
         EXPECT_EQ(Video(target).bytes(), before);
     }
 }

@@ -65,12 +65,25 @@ TEST_F(MixKept, AHostsPictureIsUsedWhenItFits) {
     p.nRowBytes += 4;
     lay(p, false);
     p = wanted;
+    p.fccType = eZFCC_HDYC;
+    lay(p, false);
+    p = wanted;
     p.dblRate += 0.02;
     lay(p, false);
     p = wanted;
     p.eInterlace = eZI_Field1First;
     lay(p, false);
     lay(Picture(eZFCC_UYVY, 8, 5), false);
+}
+
+TEST_F(MixKept, EachMatrixHasItsOwnPicture) {
+    Bytes green;
+    for (int32_t i = 0; i < 32; ++i) green.insert(green.end(), {0, 255, 0, 255});
+    const ComPtr<IZFrame> over = Of(Picture(eZFCC_RGB32, 8, 4), green), hd = Any(eZFCC_HDYC), sd = Any(eZFCC_UYVY);
+    LayWide(hd, over, {}, {});
+    EXPECT_EQ(Video(hd).data()[1], 172);
+    LayWide(sd, over, {}, {});
+    EXPECT_EQ(Video(sd).data()[1], 145);
 }
 
 TEST_F(MixKept, WhatIsNoPictureIsReplaced) {
