@@ -108,6 +108,7 @@ int32_t LastFour(int32_t column, int32_t count) { return column + 4 <= count ? c
 
 template <class Lanes>
 void Split(void *const *channels, int32_t count, const uint8_t *block, int64_t stride, int64_t samples) {
+    if (samples < 1) return;    // then there may be no block
     constexpr int64_t w = Lanes::kBytes;
     auto *const *to = reinterpret_cast<float *const *>(channels);
     const int64_t whole = samples & ~int64_t{3};
@@ -146,6 +147,7 @@ void Split(void *const *channels, int32_t count, const uint8_t *block, int64_t s
 
 template <class Lanes>
 void Join(uint8_t *block, int64_t stride, const void *const *channels, int32_t count, int64_t samples) {
+    if (samples < 1) return;    // then there may be no block
     constexpr int64_t w = Lanes::kBytes;
     const auto *const *from = reinterpret_cast<const float *const *>(channels);
     const int64_t whole = samples & ~int64_t{3};
@@ -255,10 +257,11 @@ void Join16Four(uint8_t *p, int64_t stride, const int16_t *const *from, int64_t 
 }
 
 void Split16(void *const *channels, int32_t count, const uint8_t *block, int64_t stride, int64_t samples) {
+    if (samples < 1) return;    // then there may be no block
     auto *const *to = reinterpret_cast<int16_t *const *>(channels);
     int64_t done = 0;
     if (count == 1 && stride == 2) {
-        if (samples > 0) __builtin_memcpy(to[0], block, static_cast<size_t>(samples) * 2);
+        __builtin_memcpy(to[0], block, static_cast<size_t>(samples) * 2);
         return;
     }
     if (count == 2 && stride == 4) {
@@ -275,10 +278,11 @@ void Split16(void *const *channels, int32_t count, const uint8_t *block, int64_t
 }
 
 void Join16(uint8_t *block, int64_t stride, const void *const *channels, int32_t count, int64_t samples) {
+    if (samples < 1) return;    // then there may be no block
     const auto *const *from = reinterpret_cast<const int16_t *const *>(channels);
     int64_t done = 0;
     if (count == 1 && stride == 2) {
-        if (samples > 0) __builtin_memcpy(block, from[0], static_cast<size_t>(samples) * 2);
+        __builtin_memcpy(block, from[0], static_cast<size_t>(samples) * 2);
         return;
     }
     if (count == 2 && stride == 4) {

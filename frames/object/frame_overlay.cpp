@@ -18,6 +18,7 @@
 #include "frames/object/frame.h"
 #include "frames/object/overlay_frames.h"
 #include "imaging/mix/mix_alpha.h"
+#include "imaging/mix/overlay_mask.h"
 #include "imaging/mix/overlay_options.h"
 #include "imaging/mix/overlay_picture.h"
 #include "imaging/mix/print_place.h"
@@ -132,6 +133,7 @@ bool TakesMask(eZFCC fcc) { return fcc == eZFCC_RGB32 || fcc == eZFCC_UYVY || fc
 HRESULT MaskFor(IZFrames_I *factory, const SeenFrame &over, const SeenFrame *mask, Layers &layers, SeenFrame &holder) {
     if (!TakesMask(layers.over.props.fccType)) return S_OK;
     const Z_VID_PROPS &props = over.props.vidProps;
+    if (MaskRecord(props).nWidth < 1) return S_OK;    // half a 4:2:2 group: nothing will be mixed
     if (mask != nullptr) return OverlayMask(factory, *mask, mask->HasPixels(), props, layers.mask, holder);
     const bool alpha = props.fccType == eZFCC_ARGB32;
     layers.bField = alpha || OverlayMaskKept(over);

@@ -139,7 +139,9 @@ HRESULT OverlayConverted(IZFrames_I *factory, const SeenFrame &overlay, const Z_
     HRESULT hr = MixRecordComplete(image.props, image.bytes);
     if (hr != S_OK || PlainFormat(image.props.fccType) == PlainFormat(target.fccType)) return hr;
     const Z_VID_PROPS record = CopyRecord(image.props, target);
-    if (SeeAttached(overlay, kMixCopy, holder) && SamePicture(holder.props.vidProps, record)) {
+    // Formats of one family differ by their matrix: a copy of the other one has other colours.
+    if (SeeAttached(overlay, kMixCopy, holder) && holder.props.vidProps.fccType == record.fccType &&
+        SamePicture(holder.props.vidProps, record)) {
         const MixOverlay own = image;
         image = holder.Image();
         if (MixRecordComplete(image.props, image.bytes) == S_OK) return S_OK;

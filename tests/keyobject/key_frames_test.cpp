@@ -466,8 +466,8 @@ TEST_F(KeyBackgrounds, OfRgb24AreShownPlain) {
 
 // Colours are those of a composite of the keyed pixels, already multiplied, over each pixel of the background.
 TEST_F(KeyBackgrounds, ArePutTogetherByteByByte) {
-    const ComPtr<IZFrame> background =
-        Frame(32, 16, [](int x, int y) { return static_cast<uint32_t>(x * 0x05030107 + y * 0x0B0D1113); });
+    const ComPtr<IZFrame> background = Frame(
+        32, 16, [](int x, int y) { return static_cast<uint32_t>(x) * 0x05030107u + static_cast<uint32_t>(y) * 0x0B0D1113u; });
     ASSERT_EQ(RawSet(GreenKey()), S_OK);
     ASSERT_EQ(Preview(), S_OK);
     const std::vector<uint32_t> front = PixelsOf(m_out.get());

@@ -77,7 +77,8 @@ TEST_F(AsyncFill, ReadersOfPixelsWait) {
     EXPECT_TRUE(Waits([&] { m_tessilu->ZFVideoGetBytes(nullptr, nullptr); }));
     EXPECT_TRUE(Waits([&] {
         int64_t bitmap = 0;
-        m_tessilu->ZFVideoGetHbitmap(&bitmap);
+        EXPECT_EQ(S_OK, m_tessilu->ZFVideoGetHbitmap(&bitmap));
+        DeleteObject(reinterpret_cast<HBITMAP>(static_cast<uintptr_t>(bitmap)));
     }));
     EXPECT_TRUE(Waits([&] { m_tessilu->ZFVideoSaveToFile(nullptr); }));
     EXPECT_TRUE(Waits([&] { EXPECT_EQ(S_OK, CloneOf(eZFC_Video, eZFCC_Default)); }));
