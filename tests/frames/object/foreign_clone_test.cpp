@@ -395,7 +395,7 @@ TEST_F(StoredClones, RefusalsAreHandedOn) {
     EXPECT_EQ(E_ACCESSDENIED, m_tessiluFactory->ZFFrameLocal(source.get(), clone.Put(), 0));
     m_state.blockStatus = S_OK;
     Store(m_origin, eZFC_Reference);
-    m_state.block[8] ^= 1;    // another section
+    std::fill_n(m_state.block.begin() + 8, 8, uint8_t{0x7F});    // a section that is not there
     EXPECT_EQ(kErrorFileNotFound, m_tessiluFactory->ZFFrameLocal(source.get(), clone.Put(), 0));
     EXPECT_FALSE(clone);
 }

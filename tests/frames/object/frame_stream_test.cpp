@@ -183,7 +183,7 @@ TEST_F(FrameStreams, OldPixelsGoInAnyCase) {
     EXPECT_EQ(S_OK, loaded->ZFLoadFromStream(Saved(other, eZFC_Video).get(), eZFC_Video));
     EXPECT_EQ(1024, VideoOf(loaded).size);
     std::vector<uint8_t> block = Block(other, eZFC_Video);
-    block[8] ^= 1;
+    std::fill_n(block.begin() + 8, 8, uint8_t{0x7F});
     EXPECT_EQ(kErrorFileNotFound, Load(loaded, block, eZFC_Video));
     EXPECT_EQ(0, VideoOf(loaded).size);
     EXPECT_EQ(32, PropsOf(loaded).vidProps.nWidth);
