@@ -142,6 +142,8 @@ TEST(WorkerThreadTest, TerminatesAThreadThatComputes) {
 
 TEST(WorkerThreadTest, TerminatesAThreadThatWaitsAndStartsAgain) {
     static Owner owner;
+    owner.left = 0;
+    owner.mayGo.Reset();
     CWorkerThread thread(HangUntilTold);
     for (int i = 0; i < 3; ++i) {
         ASSERT_EQ(thread.Start(&owner, 0), S_OK);
