@@ -7,11 +7,11 @@
 #include <memory>
 #include <vector>
 
+#include "platform/byte_stream.h"
 #include "platform/codec_facts.h"
 #include "platform/codec_rows.h"
 #include "platform/com_ptr.h"
 #include "platform/library.h"
-#include "platform/memory_stream.h"
 #include "platform/palette.h"
 #include "platform/status.h"
 #include "platform/text.h"
@@ -80,8 +80,9 @@ struct Dispose {
 };
 using BitmapPtr = std::unique_ptr<Gdiplus::GpBitmap, Dispose>;
 
+// A stream of our own: some decoders go behind the end by what a damaged file says, and some systems' streams read there.
 HRESULT StreamOf(std::string_view bytes, ComPtr<IStream> &stream) {
-    HRESULT hr = MemoryStreamCreate(stream.Put());
+    HRESULT hr = ByteStreamCreate(stream.Put());
     ULONG put = 0;
     if (SUCCEEDED(hr)) hr = stream->Write(bytes.data(), static_cast<ULONG>(bytes.size()), &put);
     if (SUCCEEDED(hr) && put != bytes.size()) hr = E_OUTOFMEMORY;
@@ -272,7 +273,7 @@ private:
 
 HRESULT ImageSave(Gdiplus::GpImage *image, const CLSID &encoder, std::string &file) {
     ComPtr<IStream> stream;
-    if (image == nullptr || FAILED(MemoryStreamCreate(stream.Put()))) return E_FAIL;
+    if (image == nullptr || FAILED(ByteStreamCreate(stream.Put()))) return E_FAIL;
     if (Service().save(image, stream.get(), &encoder, nullptr) != Gdiplus::Ok) return E_FAIL;
     return BytesOf(stream.get(), file);
 }
